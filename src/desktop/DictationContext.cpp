@@ -1,0 +1,9 @@
+#include "desktop/DictationContext.h"
+
+namespace querlin {
+
+std::string DictationContext::summary() const {
+    return appName + " [" + bundleIdentifier.value_or("ohne Kennung") + "] · " + std::string(displayName(field));
+}
+
+} // namespace querlin

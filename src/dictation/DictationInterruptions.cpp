@@ -1,0 +1,94 @@
+// What cuts a dictation short from outside: sleep, lock, a lost microphone, the end of the program.
+
+#include "dictation/DictationController.h"
+
+#include "state/DiagnosticsLog.h"
+
+#include <fmt/format.h>
+
+namespace querlin {
+
+namespace {
+
+constexpr std::string_view audioOnlyPlaceholder = "(nur Tonaufnahme – beim Beenden unterbrochen)";
+constexpr std::string_view shutdownReason = "Beim Beenden des Programms unterbrochen";
+
+std::string_view reasonOf(SystemSignal signal) {
+    switch (signal) {
+    case SystemSignal::willSleep:
+    case SystemSignal::sessionResigned:
+        return "Der Mac wurde gesperrt oder ging in den Ruhezustand";
+    case SystemSignal::screenLocked:
+        return "Der Bildschirm wurde gesperrt";
+    }
+    return {};
+}
+
+} // namespace
+
+void DictationController::installInterruptionObservers() {
+    interruptionObservers_.reset();
+    interruptionObservers_ = with_.systemSignals.observe(lifetime_.onMain(
+        runtime_.mainQueue, [this](SystemSignal signal, SystemHold hold) { interrupted(signal, std::move(hold)); }));
+}
+
+void DictationController::interrupted(SystemSignal signal, SystemHold hold) {
+    interrupt(reasonOf(signal), true, std::move(hold));
+}
+
+void DictationController::interrupt(std::string_view reason, bool forceRescue, SystemHold hold) {
+    // A dictation whose key is up is delivered, whatever happens to the screen.
+    if (!phase_.get().is(DictationPhase::Kind::recording)) return;
+    DiagnosticsLog::note("controller", fmt::format("Diktat unterbrochen: {}", reason));
+    if (forceRescue) newest_->rescueReason = reason;
+    newest_->hold = std::move(hold);
+    endDictation();
+}
+
+void DictationController::configurationChanged(const ConfigurationChange& change) {
+    switch (change.kind) {
+    case ConfigurationChange::Kind::resumed:
+        DiagnosticsLog::note("audio", fmt::format("Eingang gewechselt ({}) – gleiches Format, Aufnahme läuft weiter.",
+                                                  change.text));
+        return;
+    case ConfigurationChange::Kind::formatChanged:
+        DiagnosticsLog::note("audio", fmt::format("Eingang gewechselt ({}) – anderes Format, Diktat wird hier beendet.",
+                                                  change.text));
+        interrupt("Das Mikrofon hat mitten im Diktat gewechselt", false);
+        return;
+    case ConfigurationChange::Kind::failed:
+        DiagnosticsLog::note("audio", fmt::format("Nach dem Gerätewechsel kein Eingang: {}", change.text));
+        interrupt("Nach dem Mikrofonwechsel kam kein Ton mehr an", false);
+        return;
+    }
+}
+
+void DictationController::shutdown() {
+    if (std::exchange(isShutDown_, true)) return;
+    elapsedTimer_.reset();
+    with_.correctionWatcher.stop();
+    permissionRetryTimer_.reset();
+    with_.hotkey.stop();
+    interruptionObservers_.reset();
+    partialTextKeeper_.drop();
+    releaseTranscriber(true);
+    with_.recorder.stop();
+    with_.recorder.setOnBuffer({});
+    rescueAtShutdown();
+    tasks_.abandonAll();
+}
+
+/// The recording under way, and every dictation that is still in the pipeline, with the best text that
+/// there is of each.
+void DictationController::rescueAtShutdown() {
+    const auto save = [this](std::string_view text, std::optional<RecordingFile> recording) {
+        with_.rescue.rescue(text.empty() ? audioOnlyPlaceholder : text, std::move(recording), shutdownReason);
+    };
+    for (auto* run : inPipeline_) {
+        if (run->isCancelled || (!run->recording && run->text.empty())) continue;
+        save(run->text.empty() ? run->partialText : run->text, std::exchange(run->recording, std::nullopt));
+    }
+    if (auto recording = with_.recorder.detachRecording()) save(livePartialText_.get(), std::move(recording));
+}
+
+} // namespace querlin

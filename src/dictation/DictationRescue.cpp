@@ -1,0 +1,48 @@
+#include "dictation/DictationRescue.h"
+
+#include "foundation/Characters.h"
+#include "foundation/Graphemes.h"
+#include "state/DiagnosticsLog.h"
+
+#include <fmt/format.h>
+
+namespace querlin {
+
+RescueFolder::Result DictationRescue::rescue(std::string_view text, std::optional<RecordingFile> recording,
+                                             std::string_view reason) {
+    inserter_.placeInPasteboard(text);
+    const auto result = folder_.keep(text, std::move(recording));
+    RescueReport::writeToLog(text, reason, result);
+    RescueReport::notify(notifier_, text, reason,
+                         result.textFile ? "Der Text liegt in der Zwischenablage und im Rettungsordner."
+                                         : "Der Text liegt in der Zwischenablage.");
+    return result;
+}
+
+namespace RescueReport {
+
+namespace {
+
+/// Some reasons are errors' own sentences.
+std::string_view clause(std::string_view reason) {
+    if (reason.ends_with('.')) reason.remove_suffix(1);
+    return reason;
+}
+
+} // namespace
+
+void writeToLog(std::string_view text, std::string_view reason, const RescueFolder::Result& result) {
+    auto line = fmt::format("{} – {} Wörter gerettet", clause(reason), countWords(text));
+    if (result.textFile) line += " → " + result.textFile->filename().string();
+    DiagnosticsLog::note("rescue", line);
+}
+
+void notify(Notifier& notifier, std::string_view text, std::string_view reason, std::string_view whereabouts) {
+    constexpr std::size_t shownCharacters = 120;
+    notifier.post("Diktat nicht eingefügt", fmt::format("{}. {}\n\n„{}…“", clause(reason), whereabouts,
+                                                        firstGraphemes(text, shownCharacters)));
+}
+
+} // namespace RescueReport
+
+} // namespace querlin

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "desktop/TextInserter.h"
+#include "dictation/Notifier.h"
+#include "dictation/RescueFolder.h"
+
+#include <optional>
+#include <string_view>
+
+namespace querlin {
+
+/// Saves a text that could not be delivered: onto the clipboard first, then into the rescue folder
+/// with its recording, and tells the user. Main thread.
+class DictationRescue {
+public:
+    DictationRescue(RescueFolder& folder, TextInserter& inserter, Notifier& notifier)
+        : folder_(folder), inserter_(inserter), notifier_(notifier) {}
+
+    /// `reason` is a German clause without a full stop. Whatever the disk does, the text is on the
+    /// clipboard and the user is told.
+    RescueFolder::Result rescue(std::string_view text, std::optional<RecordingFile> recording,
+                                std::string_view reason);
+
+    bool hasEntries() const { return folder_.hasEntries(); }
+
+private:
+    RescueFolder& folder_;
+    TextInserter& inserter_;
+    Notifier& notifier_;
+};
+
+/// What rescues have in common, whoever makes them: the log line and the words for the user.
+namespace RescueReport {
+
+/// "⟨reason⟩ – ⟨n⟩ Wörter gerettet → ⟨file⟩"; the words themselves stay out of the log.
+void writeToLog(std::string_view text, std::string_view reason, const RescueFolder::Result& result);
+/// "⟨reason⟩. ⟨whereabouts⟩", and the beginning of the text.
+void notify(Notifier& notifier, std::string_view text, std::string_view reason, std::string_view whereabouts);
+
+} // namespace RescueReport
+
+} // namespace querlin

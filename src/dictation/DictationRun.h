@@ -1,0 +1,43 @@
+#pragma once
+
+#include "cleanup/EffectiveStyle.h"
+#include "cleanup/Enhancement.h"
+#include "desktop/DictationContext.h"
+#include "desktop/SystemSignals.h"
+#include "speech/StreamingTranscriber.h"
+#include "state/RecordingFolder.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace querlin {
+
+/// One dictation from key press to delivered text, with everything that belongs to it alone. A run
+/// never touches the things of another.
+struct DictationRun {
+    // Fixed when the key goes down
+    DictationContext context;
+    EffectiveStyle style;
+
+    // While recording
+    std::shared_ptr<StreamingTranscriber> transcriber;
+    std::string partialText;
+
+    // From the key release on
+    std::optional<RecordingFile> recording;
+    double recordingSeconds = 0;
+    /// The best text there is: the transcript, then what the stages made of it.
+    std::string text;
+    TextTreatment treatment;
+    std::string engineName;
+
+    /// When set, the finished text goes to the rescue folder under this reason and is not pasted.
+    std::optional<std::string> rescueReason;
+    /// Keeps the machine awake until the text is safe.
+    SystemHold hold;
+    /// The user has given it up. What it still finds to deliver it delivers.
+    bool isCancelled = false;
+};
+
+} // namespace querlin

@@ -1,0 +1,212 @@
+#include "foundation/Files.h"
+
+#include "foundation/GermanFormat.h"
+#include "foundation/Uuid.h"
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fmt/format.h>
+
+namespace querlin::Files {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr mode_t ownerFile = 0600;
+constexpr mode_t ownerFolder = 0700;
+constexpr std::string_view unfinishedSuffix = ".neu";
+
+std::unexpected<FileError> failure(int code) {
+    return std::unexpected(FileError{std::error_code(code, std::generic_category())});
+}
+std::unexpected<FileError> lastFailure() { return failure(errno); }
+
+/// An open file descriptor that is closed at the end of the scope.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (number_ >= 0) ::close(number_);
+    }
+    explicit operator bool() const { return number_ >= 0; }
+    int number() const { return number_; }
+    /// Closes now and tells whether the system kept everything (a full disk may show only here).
+    bool close() { return ::close(std::exchange(number_, -1)) == 0; }
+
+private:
+    int number_;
+};
+
+Descriptor openForReading(const fs::path& file) {
+    // Not blocking: a pipe in the place of a file must not hang us.
+    return Descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+}
+
+bool writeAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const auto count = ::write(descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return false;
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+void syncFolder(const fs::path& folder) {
+    const Descriptor open(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (open) ::fsync(open.number());
+}
+
+fs::path folderOf(const fs::path& file) { return file.has_parent_path() ? file.parent_path() : fs::path("."); }
+
+bool isUnfinishedName(std::string_view name) {
+    constexpr std::size_t uuidLength = 36;
+    if (!name.starts_with('.') || !name.ends_with(unfinishedSuffix)) return false;
+    name.remove_suffix(unfinishedSuffix.size());
+    return name.size() > uuidLength + 1 && canonicalUuid(name.substr(name.size() - uuidLength)).has_value();
+}
+
+/// Fills a new file beside `file` through `fill` and renames it into place.
+template<class Fill>
+FileResult<> replace(const fs::path& file, Durability durability, Fill fill) {
+    const auto unfinished = unfinishedName(file);
+    Descriptor out(::open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, ownerFile));
+    if (!out) return lastFailure();
+    const bool synced = durability == Durability::Synced;
+    if (!fill(out.number()) || (synced && ::fsync(out.number()) != 0) || !out.close() ||
+        ::rename(unfinished.c_str(), file.c_str()) != 0) {
+        const auto error = lastFailure();
+        ::unlink(unfinished.c_str());
+        return error;
+    }
+    if (synced) syncFolder(folderOf(file));
+    return {};
+}
+
+bool isStemTaken(const fs::path& folder, const std::string& stem) {
+    std::error_code ignored;
+    for (fs::directory_iterator entry(folder, ignored), end; !ignored && entry != end; entry.increment(ignored)) {
+        if (entry->path().stem() == stem) return true;
+    }
+    return false;
+}
+
+} // namespace
+
+fs::path unfinishedName(const fs::path& file) {
+    return folderOf(file) / fmt::format(".{}.{}{}", file.filename().string(), newUuid(), unfinishedSuffix);
+}
+
+FileResult<std::string> read(const fs::path& file, std::size_t limitInBytes) {
+    const auto in = openForReading(file);
+    if (!in) return lastFailure();
+    struct stat status {};
+    if (::fstat(in.number(), &status) != 0) return lastFailure();
+    if (!S_ISREG(status.st_mode)) return failure(ENOTSUP);
+
+    std::string content;
+    std::array<char, 64U << 10U> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init)
+    while (true) {
+        const auto count = ::read(in.number(), buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return lastFailure();
+        if (count == 0) return content;
+        content.append(buffer.data(), static_cast<std::size_t>(count));
+        if (content.size() > limitInBytes) return failure(EFBIG);
+    }
+}
+
+FileResult<> writeAtomically(const fs::path& file, std::string_view content, Durability durability) {
+    return replace(file, durability, [content](int out) { return writeAll(out, content); });
+}
+
+FileResult<> makeFolder(const fs::path& folder) {
+    std::error_code error;
+    if (fs::is_directory(folder, error)) return {};
+    if (folder.has_parent_path() && folder.parent_path() != folder) {
+        if (auto parents = makeFolder(folder.parent_path()); !parents) return parents;
+    }
+    if (::mkdir(folder.c_str(), ownerFolder) == 0) return {};
+    const int code = errno;
+    if (code == EEXIST && fs::is_directory(folder, error)) return {};
+    return failure(code);
+}
+
+FileResult<> copy(const fs::path& from, const fs::path& to) {
+    const auto in = openForReading(from);
+    if (!in) return lastFailure();
+    struct stat status {};
+    if (::fstat(in.number(), &status) != 0) return lastFailure();
+    if (!S_ISREG(status.st_mode)) return failure(ENOTSUP);
+    return replace(to, Durability::Synced, [&in](int out) {
+        std::array<char, 64U << 10U> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init)
+        while (true) {
+            const auto count = ::read(in.number(), buffer.data(), buffer.size());
+            if (count < 0 && errno == EINTR) continue;
+            if (count <= 0) return count == 0;
+            if (!writeAll(out, {buffer.data(), static_cast<std::size_t>(count)})) return false;
+        }
+    });
+}
+
+FileResult<> move(const fs::path& from, const fs::path& to) {
+    if (::rename(from.c_str(), to.c_str()) == 0) {
+        syncFolder(folderOf(to));
+        return {};
+    }
+    if (errno != EXDEV) return lastFailure();
+    if (auto copied = Files::copy(from, to); !copied) return copied;
+    // From here on the content is safe at its new place; what stays behind is only a second copy.
+    ::unlink(from.c_str());
+    return {};
+}
+
+bool remove(const fs::path& file) { return ::unlink(file.c_str()) == 0 || errno == ENOENT; }
+
+std::optional<Date> modificationTime(const fs::path& file) {
+    struct stat status {};
+    if (::stat(file.c_str(), &status) != 0) return std::nullopt;
+    return Date(std::chrono::duration_cast<Date::duration>(std::chrono::seconds(status.st_mtim.tv_sec) +
+                                                           std::chrono::nanoseconds(status.st_mtim.tv_nsec)));
+}
+
+FileResult<fs::path> setAside(const fs::path& file, Date now) {
+    const auto stem = fmt::format("{} beschädigt {}", file.stem().string(), localFileStamp(now));
+    const auto place = unusedName(folderOf(file), stem, file.extension().string());
+    if (::rename(file.c_str(), place.c_str()) != 0) return lastFailure();
+    syncFolder(folderOf(file));
+    return place;
+}
+
+fs::path unusedName(const fs::path& folder, const std::string& stem, const std::string& extension) {
+    auto candidate = stem;
+    for (int number = 2; isStemTaken(folder, candidate); ++number) {
+        candidate = fmt::format("{} ({})", stem, number);
+    }
+    return folder / (candidate + extension);
+}
+
+void removeUnfinishedWrites(const fs::path& folder) {
+    const auto limit = std::chrono::system_clock::now() - std::chrono::minutes(1);
+    std::error_code error;
+    std::vector<fs::path> left;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        const auto& file = entry->path();
+        if (!isUnfinishedName(file.filename().string())) continue;
+        if (const auto changed = modificationTime(file); changed && *changed < limit) left.push_back(file);
+    }
+    for (const auto& file : left) Files::remove(file);
+}
+
+} // namespace querlin::Files

@@ -1,0 +1,83 @@
+#include "foundation/GermanFormat.h"
+
+#include <array>
+#include <ctime>
+
+#include <fmt/format.h>
+
+namespace querlin {
+
+namespace {
+
+constexpr std::array<std::string_view, 7> weekdays = {"Sonntag",    "Montag",  "Dienstag", "Mittwoch",
+                                                      "Donnerstag", "Freitag", "Samstag"};
+
+std::tm brokenDown(std::chrono::sys_seconds moment) {
+    const std::time_t seconds = moment.time_since_epoch().count();
+    std::tm parts{};
+    ::localtime_r(&seconds, &parts);
+    return parts;
+}
+
+} // namespace
+
+LocalTime localTime(Date date) {
+    const auto whole = std::chrono::floor<std::chrono::seconds>(date);
+    const auto parts = brokenDown(whole);
+    return {.year = parts.tm_year + 1900,
+            .month = parts.tm_mon + 1,
+            .day = parts.tm_mday,
+            .hour = parts.tm_hour,
+            .minute = parts.tm_min,
+            .second = parts.tm_sec,
+            .millisecond = static_cast<int>(std::chrono::floor<std::chrono::milliseconds>(date - whole).count()),
+            .weekday = parts.tm_wday};
+}
+
+std::string germanDate(Date date) {
+    const auto t = localTime(date);
+    return fmt::format("{:02}.{:02}.{:04}", t.day, t.month, t.year);
+}
+
+std::string germanTime(Date date) {
+    const auto t = localTime(date);
+    return fmt::format("{:02}:{:02}", t.hour, t.minute);
+}
+
+std::string germanWeekday(Date date) {
+    return std::string(weekdays.at(static_cast<std::size_t>(localTime(date).weekday)));
+}
+
+std::string germanNumber(std::int64_t number) {
+    auto digits = std::to_string(number);
+    const std::size_t sign = number < 0 ? 1 : 0;
+    for (auto at = digits.size(); at > sign + 3;) {
+        at -= 3;
+        digits.insert(at, ".");
+    }
+    return digits;
+}
+
+std::string localFileStamp(Date date) {
+    const auto t = localTime(date);
+    return fmt::format("{:04}-{:02}-{:02} {:02}-{:02}-{:02}", t.year, t.month, t.day, t.hour, t.minute, t.second);
+}
+
+std::string localLogStamp(Date date) {
+    const auto t = localTime(date);
+    return fmt::format("{:02}:{:02}:{:02}.{:03}", t.hour, t.minute, t.second, t.millisecond);
+}
+
+std::optional<Date> daysBefore(Date date, std::int64_t days) {
+    constexpr std::int64_t furthest = 365 * 250; // Within what a date can hold, from any present day.
+    if (days < 0 || days > furthest) return std::nullopt;
+    const auto whole = std::chrono::floor<std::chrono::seconds>(date);
+    auto parts = brokenDown(whole);
+    parts.tm_mday -= static_cast<int>(days);
+    parts.tm_isdst = -1; // Summer time is that day's affair.
+    const auto earlier = std::chrono::sys_seconds(std::chrono::seconds(::mktime(&parts)));
+    if (earlier < std::chrono::ceil<std::chrono::seconds>(Date::min())) return std::nullopt;
+    return Date(earlier) + (date - whole);
+}
+
+} // namespace querlin

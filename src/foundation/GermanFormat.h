@@ -1,0 +1,43 @@
+#pragma once
+
+#include "foundation/Time.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace querlin {
+
+/// A date broken down by the Gregorian calendar in the local time zone.
+struct LocalTime {
+    int year = 0;
+    int month = 0; ///< 1 to 12
+    int day = 0;   ///< 1 to 31
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int millisecond = 0;
+    int weekday = 0; ///< 0 is Sunday
+};
+
+LocalTime localTime(Date date);
+
+/// "14.03.2026"
+std::string germanDate(Date date);
+/// "09:30"
+std::string germanTime(Date date);
+/// "Samstag"
+std::string germanWeekday(Date date);
+/// "1.234.567"
+std::string germanNumber(std::int64_t number);
+
+/// For file names, "2026-03-14 09-30-00".
+std::string localFileStamp(Date date);
+/// For log lines, "09:30:00.000".
+std::string localLogStamp(Date date);
+
+/// The same local time of day that many calendar days earlier; nothing if the calendar doesn't reach
+/// that far.
+std::optional<Date> daysBefore(Date date, std::int64_t days);
+
+} // namespace querlin

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <iterator>
+#include <string_view>
+
+namespace querlin {
+
+/// The characters of a text as people see them: extended grapheme clusters (UAX #29), each as a view
+/// into the text.
+///
+///     for (const auto character : Graphemes("Bo\u0308e")) …   // "B", "o\u0308", "e"
+///
+/// CR LF is one character. Any bytes are taken; ill-formed ones count as U+FFFD.
+class Graphemes {
+public:
+    class Iterator {
+    public:
+        using value_type = std::string_view;
+        using difference_type = std::ptrdiff_t;
+        using iterator_category = std::forward_iterator_tag;
+        using pointer = const std::string_view*;
+        using reference = std::string_view;
+
+        Iterator() = default;
+        explicit Iterator(std::string_view rest) : rest_(rest), length_(firstLength(rest)) {}
+        std::string_view operator*() const { return rest_.substr(0, length_); }
+        Iterator& operator++() {
+            rest_.remove_prefix(length_);
+            length_ = firstLength(rest_);
+            return *this;
+        }
+        Iterator operator++(int) {
+            auto before = *this;
+            ++*this;
+            return before;
+        }
+        bool operator==(const Iterator& other) const { return rest_.size() == other.rest_.size(); }
+
+    private:
+        std::string_view rest_;
+        std::size_t length_ = 0;
+    };
+
+    explicit Graphemes(std::string_view text) : text_(text) {}
+    Iterator begin() const { return Iterator(text_); }
+    Iterator end() const { return Iterator(text_.substr(text_.size())); }
+
+    /// Bytes of the first character; 0 for the empty text.
+    static std::size_t firstLength(std::string_view text) {
+        // Below U+0300 nothing combines, apart from CR with LF: most German text never gets further.
+        if (text.empty()) return 0;
+        const auto byteAt = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+        if (byteAt(0) < 0x80 && byteAt(0) != '\r' && (text.size() == 1 || byteAt(1) < firstCombiningLead)) return 1;
+        return firstLengthBeyondAscii(text);
+    }
+
+private:
+    /// Lead bytes from here on may begin a scalar that joins the one before it (U+0300 and up).
+    static constexpr unsigned char firstCombiningLead = 0xCC;
+
+    static std::size_t firstLengthBeyondAscii(std::string_view text);
+
+    std::string_view text_;
+};
+
+std::size_t graphemeCount(std::string_view text);
+
+/// The longest beginning of a text that has no more than `count` characters.
+std::string_view firstGraphemes(std::string_view text, std::size_t count);
+
+} // namespace querlin

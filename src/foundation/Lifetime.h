@@ -1,0 +1,37 @@
+#pragma once
+
+#include "foundation/MainQueue.h"
+
+#include <memory>
+#include <utility>
+
+namespace querlin {
+
+/// Held by an object whose callbacks others keep: what `onMain` and `whileAlive` make does nothing
+/// once the object is gone. Declare it last, so that it goes first.
+class Lifetime {
+public:
+    /// Wraps `call` for callers on the main thread.
+    template<class Call>
+    auto whileAlive(Call call) const {
+        return [weak = std::weak_ptr(token_), call = std::move(call)](auto... arguments) mutable {
+            if (!weak.expired()) call(std::move(arguments)...);
+        };
+    }
+
+    /// Wraps `call` for callers on any thread: each call is posted to the main thread and made there.
+    template<class Call>
+    auto onMain(MainQueue& queue, Call call) const {
+        return [&queue, weak = std::weak_ptr(token_), call = std::move(call)](auto... arguments) {
+            queue.post([weak, call, ... arguments = std::move(arguments)]() mutable {
+                if (!weak.expired()) call(std::move(arguments)...);
+            });
+        };
+    }
+
+private:
+    struct Token {};
+    std::shared_ptr<Token> token_ = std::make_shared<Token>();
+};
+
+} // namespace querlin

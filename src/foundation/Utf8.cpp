@@ -1,0 +1,78 @@
+#include "foundation/Utf8.h"
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+#include <unicode/utf8.h>
+
+namespace querlin {
+
+namespace {
+
+/// How many bytes at the front are ASCII.
+std::size_t asciiPrefix(std::string_view text) {
+    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    std::size_t at = 0;
+    for (; at + sizeof(std::uint64_t) <= text.size(); at += sizeof(std::uint64_t)) {
+        std::uint64_t block = 0;
+        std::memcpy(&block, text.data() + at, sizeof(block));
+        if ((block & highBits) != 0) break;
+    }
+    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
+    return at;
+}
+
+/// The scalar at `at`, which moves behind it; negative for ill-formed bytes.
+std::int32_t nextScalar(std::string_view text, std::size_t& at) {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data()); // NOLINT: ICU's idea of UTF-8
+    std::int32_t scalar = 0;
+    U8_NEXT(bytes, at, text.size(), scalar);
+    return scalar;
+}
+
+/// The position of the first ill-formed byte, or the length.
+std::size_t validPrefix(std::string_view text) {
+    std::size_t at = 0;
+    while (true) {
+        at += asciiPrefix(text.substr(at));
+        if (at == text.size()) return at;
+        const auto start = at;
+        if (nextScalar(text, at) < 0) return start;
+    }
+}
+
+} // namespace
+
+DecodedScalar decodeScalar(std::string_view text) {
+    std::size_t at = 0;
+    const auto scalar = nextScalar(text, at);
+    return {scalar < 0 ? replacementScalar : static_cast<char32_t>(scalar), at};
+}
+
+void appendScalar(std::string& text, char32_t scalar) {
+    std::array<std::uint8_t, U8_MAX_LENGTH> bytes{};
+    std::size_t length = 0;
+    UBool isError = false;
+    U8_APPEND(bytes, length, bytes.size(), scalar, isError);
+    if (isError) return appendScalar(text, replacementScalar);
+    text.append(bytes.begin(), bytes.begin() + length);
+}
+
+bool isValidUtf8(std::string_view text) { return validPrefix(text) == text.size(); }
+
+std::string validUtf8(std::string_view text) {
+    auto valid = validPrefix(text);
+    std::string repaired(text.substr(0, valid));
+    while (valid < text.size()) {
+        text.remove_prefix(valid);
+        const auto bad = decodeScalar(text);
+        appendScalar(repaired, bad.scalar);
+        text.remove_prefix(bad.lengthInBytes);
+        valid = validPrefix(text);
+        repaired += text.substr(0, valid);
+    }
+    return repaired;
+}
+
+} // namespace querlin

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+namespace querlin {
+
+/// Where the program keeps its files, after the XDG Base Directory Specification 0.8.
+struct ApplicationPaths {
+    /// History, rescued dictations, laws: "$XDG_DATA_HOME/Querlin".
+    std::filesystem::path support;
+    /// The preferences, one file per domain: "$XDG_CONFIG_HOME".
+    std::filesystem::path preferences;
+    /// The log: "$XDG_STATE_HOME/Querlin.log".
+    std::filesystem::path log;
+    /// Recordings under way: "$XDG_CACHE_HOME/Querlin". A user's own temporary folder that outlives
+    /// the login and a power cut, so that a recording cut off by one can be rescued.
+    std::filesystem::path recordings;
+
+    std::filesystem::path rescuedDictations() const { return support / "Gerettete Diktate"; }
+    std::filesystem::path preferencesFile(std::string_view domain) const;
+
+    /// From this process's environment. A variable that is unset, empty or not an absolute path
+    /// counts as its default below the home folder.
+    static ApplicationPaths fromEnvironment();
+};
+
+} // namespace querlin

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <atomic>
+#include <string>
+#include <string_view>
+
+namespace querlin {
+
+/// Takes the lines of the log. Called from any thread; must neither wait nor fail.
+class LogSink {
+public:
+    virtual ~LogSink() = default;
+    virtual void write(std::string_view category, std::string_view message) = 0;
+    /// Empties the log of what was written before this call.
+    virtual void clear() = 0;
+};
+
+/// The program's one log. German lines under short categories ("controller", "pipeline", "rescue").
+///
+/// What was dictated doesn't belong into it: a line holds counts, names and reasons, and words of a
+/// dictation only where the line's own purpose says so.
+///
+/// Callable from any thread; a call never waits for the disk and never fails. Before a sink is
+/// installed, lines go nowhere.
+namespace DiagnosticsLog {
+
+/// For what must be in every log: phases, decisions, failures.
+void note(std::string_view category, std::string_view message);
+/// For chatty detail; silent while `verbose` is false.
+void trace(std::string_view category, std::string_view message);
+void clear();
+
+/// Whether `trace` writes. True at start.
+inline std::atomic<bool> verbose = true;
+
+/// Sends all lines to `sink` for as long as this lives; then to the sink that was there before.
+class Installation {
+public:
+    explicit Installation(LogSink& sink);
+    ~Installation();
+    Installation(const Installation&) = delete;
+    Installation& operator=(const Installation&) = delete;
+
+private:
+    LogSink* former_;
+};
+
+} // namespace DiagnosticsLog
+
+} // namespace querlin

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string_view>
+
+/// The names by which the product is known to files, folders and the desktop.
+namespace querlin::Product {
+
+inline constexpr std::string_view name = "Querlin";
+inline constexpr std::string_view bundleIdentifier = "local.mandolan.querlin";
+/// The preferences domain of the earlier product, read once.
+inline constexpr std::string_view legacyDomain = "local.tiktalon";
+
+} // namespace querlin::Product

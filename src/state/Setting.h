@@ -1,0 +1,126 @@
+#pragma once
+
+#include "foundation/Json.h"
+#include "foundation/Published.h"
+#include "foundation/RawValues.h"
+#include "state/PreferencesStore.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace querlin {
+
+/// How a value of a setting is stored. `read` gives nothing for an absent key, another type and what
+/// can't be decoded, which are all the same to the reader.
+template<class Value>
+struct StoredForm;
+
+/// Values that the store keeps as they are.
+template<class Value>
+    requires std::is_constructible_v<PreferenceValue, std::in_place_type_t<Value>, Value>
+struct StoredForm<Value> {
+    static std::optional<Value> read(const PreferencesStore& store, std::string_view key) {
+        return store.get<Value>(key);
+    }
+    static void write(PreferencesStore& store, std::string_view key, const Value& value) {
+        store.set(key, PreferenceValue(std::in_place_type<Value>, value));
+    }
+};
+
+/// An optional value is an absent key when it is none.
+template<class Value>
+struct StoredForm<std::optional<Value>> {
+    static std::optional<std::optional<Value>> read(const PreferencesStore& store, std::string_view key) {
+        auto value = StoredForm<Value>::read(store, key);
+        return value ? std::optional(std::move(value)) : std::nullopt;
+    }
+    static void write(PreferencesStore& store, std::string_view key, const std::optional<Value>& value) {
+        if (value) {
+            StoredForm<Value>::write(store, key, *value);
+        } else {
+            store.remove(key);
+        }
+    }
+};
+
+/// An enumeration is stored by its raw value.
+template<RawValued Enum>
+struct StoredForm<Enum> {
+    static std::optional<Enum> read(const PreferencesStore& store, std::string_view key) {
+        const auto text = store.get<std::string>(key);
+        return text ? fromRawValue<Enum>(*text) : std::nullopt;
+    }
+    static void write(PreferencesStore& store, std::string_view key, Enum value) {
+        store.set(key, std::string(rawValue(value)));
+    }
+};
+
+/// A record with `toJson` and `readJson` beside it.
+template<class Record>
+concept JsonRecord = requires(const Record& record, const JsonValue& json) {
+    toJson(record);
+    readJson(json, &record);
+};
+
+/// Records are stored as the bytes of their JSON.
+template<JsonRecord Record>
+struct StoredForm<Record> {
+    static std::optional<Record> read(const PreferencesStore& store, std::string_view key) {
+        const auto data = store.get<PreferenceData>(key);
+        if (!data) return std::nullopt;
+        const auto json = Json::parse(data->bytes);
+        return json ? readJson(*json, static_cast<const Record*>(nullptr)) : std::nullopt;
+    }
+    static void write(PreferencesStore& store, std::string_view key, const Record& record) {
+        store.set(key, PreferenceData{Json::compact(toJson(record))});
+    }
+};
+
+/// Lists of records are one JSON array; a single bad element makes the list undecodable.
+template<JsonRecord Record>
+JsonValue toJson(const std::vector<Record>& records) {
+    JsonValue::Array array;
+    for (const auto& record : records) array.push_back(toJson(record));
+    return array;
+}
+
+template<JsonRecord Record>
+std::optional<std::vector<Record>> readJson(const JsonValue& json, const std::vector<Record>*) {
+    if (!json.array()) return std::nullopt;
+    std::vector<Record> records;
+    for (const auto& element : *json.array()) {
+        auto record = readJson(element, static_cast<const Record*>(nullptr));
+        if (!record) return std::nullopt;
+        records.push_back(std::move(*record));
+    }
+    return records;
+}
+
+/// One setting: a published value that mirrors a key of the store. It is read once; each assignment
+/// tells the observers and is stored at once. Main thread only.
+template<class Value>
+class Setting {
+public:
+    Setting(PreferencesStore& store, std::string_view key, Value fallback)
+        : store_(store), key_(key),
+          value_(StoredForm<Value>::read(store, key).value_or(std::move(fallback))) {}
+
+    const Value& get() const { return value_.get(); }
+    void set(Value value) {
+        value_.set(value);
+        StoredForm<Value>::write(store_, key_, value);
+    }
+    Registration subscribe(typename Published<Value>::Subscriber subscriber,
+                           FirstValue first = FirstValue::Deliver) const {
+        return value_.subscribe(std::move(subscriber), first);
+    }
+
+private:
+    PreferencesStore& store_;
+    std::string_view key_;
+    Published<Value> value_;
+};
+
+} // namespace querlin

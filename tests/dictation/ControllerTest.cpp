@@ -1,0 +1,318 @@
+// The life cycle: keys, refusals, timers, small commands.
+
+#include "support/DictationWorld.h"
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+using Kind = DictationPhase::Kind;
+using Sounds = std::vector<FeedbackSound>;
+using enum FeedbackSound;
+
+TEST(Controller, AFreshOneIsAtRest) {
+    const DictationWorld w;
+    EXPECT_EQ(w.controller.phase().get(), DictationPhase());
+    EXPECT_EQ(w.controller.lastEngineName().get(), "–");
+    EXPECT_EQ(w.controller.elapsedDescription().get(), "0:00");
+    EXPECT_EQ(w.controller.context().get(), DictationContext());
+    EXPECT_EQ(w.controller.effectiveStyle().get(), EffectiveStyle());
+    EXPECT_TRUE(w.log.has("[controller] installHotkey → OK"));
+    EXPECT_TRUE(w.log.has("[notify] Mitteilungen erlaubt"));
+}
+
+TEST(Controller, PhasesShowTheirLabels) {
+    EXPECT_EQ(DictationPhase::notice("Nichts gehört").statusText(), "Nichts gehört");
+    EXPECT_EQ(DictationPhase::notice("x").symbolName(), "info.circle");
+    EXPECT_EQ((DictationPhase{Kind::inserting, {}}).statusText(), "Einfügen");
+    EXPECT_NE(DictationPhase::error("x"), DictationPhase::notice("x"));
+    EXPECT_NE(DictationPhase::error("x"), DictationPhase::error("y"));
+    EXPECT_FALSE(DictationPhase::error("x").isBusy());
+}
+
+TEST(Controller, AHoldGoesThroughAllPhasesToDelivery) {
+    DictationWorld w;
+    w.press();
+    EXPECT_EQ(w.phase(), Kind::recording);
+    EXPECT_TRUE(w.windows.overlayIsVisible);
+    EXPECT_EQ(w.takeSounds(), Sounds{start});
+    w.services.transcriber->partial("Hallo");
+    w.recorder.onLevel(0.5F);
+    w.wait(seconds(0.5));
+    EXPECT_EQ(w.controller.livePartialText().get(), "Hallo");
+    EXPECT_EQ(w.controller.inputLevel().get(), 0.5F);
+    w.recorder.onBuffer({});
+    EXPECT_EQ(w.services.transcriber->appendedBuffers, 1);
+    w.release();
+    w.recorder.onLevel(0.9F); // was on its way
+    EXPECT_EQ(w.phase(), Kind::transcribing);
+    EXPECT_FALSE(w.recorder.onBuffer);
+    w.wait(seconds(0.4));
+    EXPECT_EQ(w.phase(), Kind::inserting) << "without the model there is no enhancing";
+    EXPECT_EQ(w.controller.inputLevel().get(), 0.0F);
+    w.wait(seconds(0.6));
+    EXPECT_EQ(w.phase(), Kind::idle);
+    EXPECT_EQ(w.takeSounds(), Sounds{success});
+    EXPECT_TRUE(w.windows.overlayIsVisible) << "for a moment longer";
+    w.wait(seconds(0.25));
+    EXPECT_FALSE(w.windows.overlayIsVisible);
+    EXPECT_TRUE(w.recordings().empty());
+}
+
+TEST(Controller, RefusalsShowTheirTextForTwoSeconds) {
+    struct Row {
+        std::function<void(DictationWorld&)> given;
+        const char* message;
+        int onboardings;
+        const char* reason;
+    };
+    const std::vector<Row> rows = {
+        {[](auto& w) { w.permissions.microphone = PermissionState::denied; }, "Mikrofon-Zugriff fehlt", 1, "microphone"},
+        {[](auto& w) { w.permissions.speech = PermissionState::notDetermined; }, "Spracherkennung nicht erlaubt", 1, "speech right of the classic recogniser"},
+        {[](auto& w) { w.services.context.field = DictationContext::FieldKind::secure; }, "Passwortfeld – hier wird nicht eingefügt", 0, "password field"},
+        {[](auto& w) { w.services.script.beginError = TranscriptionError{TranscriptionError::Kind::unavailable, "kein Modell"}; }, "Spracherkennung nicht verfügbar: kein Modell", 0, "recogniser"},
+        {[](auto& w) { w.recorder.nextStartError = AudioRecorderError{AudioRecorderError::Kind::noInputDevice, {}}; }, "Kein Mikrofon gefunden.", 0, "recorder"},
+    };
+    for (const auto& row : rows) {
+        DictationWorld w;
+        row.given(w);
+        w.hold(seconds(1));
+        EXPECT_EQ(w.controller.phase().get(), DictationPhase::error(row.message)) << row.reason;
+        EXPECT_EQ(w.takeSounds(), Sounds{failure}) << row.reason;
+        EXPECT_TRUE(w.windows.overlayIsVisible) << row.reason;
+        EXPECT_EQ(w.windows.onboardings, row.onboardings) << row.reason;
+        EXPECT_FALSE(w.recorder.onBuffer) << row.reason;
+        EXPECT_FALSE(w.recorder.isRecording()) << row.reason;
+        w.wait(seconds(1.2));
+        EXPECT_EQ(w.phase(), Kind::idle) << row.reason;
+        EXPECT_FALSE(w.windows.overlayIsVisible) << row.reason;
+    }
+}
+
+TEST(Controller, AFailedRecorderCancelsTheRecogniserAFailedRecogniserNot) {
+    DictationWorld w;
+    w.recorder.nextStartError = AudioRecorderError{AudioRecorderError::Kind::engineFailed, "belegt"};
+    w.press();
+    EXPECT_EQ(w.errorText(), "Audio-Engine konnte nicht starten: belegt");
+    EXPECT_TRUE(w.services.transcriber->isCancelled);
+    EXPECT_EQ(w.recordings().size(), 2U) << "the file stays with the recorder";
+    w.dictate("Weiter");
+    EXPECT_TRUE(w.recordings().empty()) << "until the next start";
+
+    w.services.script.beginError = TranscriptionError{TranscriptionError::Kind::notAuthorized, {}};
+    w.press();
+    EXPECT_FALSE(w.services.transcriber->isCancelled);
+}
+
+TEST(Controller, ErrorsLetAPressThroughNoticesDoNot) {
+    DictationWorld w;
+    w.permissions.microphone = PermissionState::denied;
+    w.press();
+    w.permissions.microphone = PermissionState::granted;
+    w.wait(seconds(1));
+    w.press();
+    EXPECT_EQ(w.phase(), Kind::recording);
+    w.wait(seconds(2));
+    EXPECT_EQ(w.phase(), Kind::recording) << "the old error's timer finds another phase";
+    w.services.script.result = "";
+    w.release();
+    w.hold(seconds(1));
+    w.dictate("");
+    w.hold(seconds(1));
+    ASSERT_EQ(w.phase(), Kind::transcribing);
+    w.wait(seconds(0.4));
+    EXPECT_EQ(w.controller.phase().get(), DictationPhase::notice("Nichts gehört"));
+    w.takeSounds();
+    const auto recognisers = w.services.madeEngines.size();
+    w.press();
+    EXPECT_EQ(w.services.madeEngines.size(), recognisers);
+    EXPECT_TRUE(w.takeSounds().empty());
+    w.wait(seconds(1.6));
+    EXPECT_EQ(w.phase(), Kind::idle);
+    w.press();
+    EXPECT_EQ(w.phase(), Kind::recording);
+}
+
+TEST(Controller, TheTimerOfAnEarlierErrorTakesTheLaterOne) {
+    DictationWorld w;
+    w.permissions.microphone = PermissionState::denied;
+    w.press();
+    w.wait(seconds(2));
+    w.press();
+    w.wait(seconds(0.2));
+    EXPECT_EQ(w.phase(), Kind::idle);
+}
+
+TEST(Controller, AHoldBelowTheMinimumLeavesNothing) {
+    DictationWorld w;
+    w.hold(seconds(0.34));
+    EXPECT_EQ(w.phase(), Kind::idle);
+    EXPECT_FALSE(w.windows.overlayIsVisible);
+    EXPECT_TRUE(w.services.transcriber->isCancelled);
+    EXPECT_TRUE(w.recordings().empty());
+    EXPECT_EQ(w.takeSounds(), Sounds{start});
+    w.hold(seconds(0.35));
+    EXPECT_EQ(w.phase(), Kind::transcribing);
+}
+
+TEST(Controller, ElapsedTimeWarningAndLimit) {
+    DictationWorld w;
+    w.settings.maxDictationMinutes.set(6);
+    w.press();
+    w.wait(seconds(61.9));
+    EXPECT_EQ(w.controller.elapsedDescription().get(), "1:01");
+    EXPECT_FALSE(w.controller.isLongDictation().get());
+    w.wait(seconds(299.5 - 61.9));
+    EXPECT_FALSE(w.controller.isLongDictation().get());
+    w.wait(seconds(10));
+    EXPECT_TRUE(w.controller.isLongDictation().get());
+    EXPECT_EQ(w.log.countOf("[audio] Diktat läuft länger als fünf Minuten."), 1U);
+    w.wait(seconds(49.9));
+    EXPECT_EQ(w.phase(), Kind::recording);
+    w.wait(seconds(0.6));
+    EXPECT_EQ(w.phase(), Kind::transcribing);
+    EXPECT_TRUE(w.log.has("[audio] Obergrenze von 6 Minuten erreicht – Diktat wird beendet."));
+    w.wait(seconds(5));
+    EXPECT_EQ(w.inserter.delivered.size(), 1U);
+
+    w.settings.maxDictationMinutes.set(0);
+    w.press();
+    EXPECT_FALSE(w.controller.isLongDictation().get());
+    w.wait(std::chrono::hours(3));
+    EXPECT_EQ(w.phase(), Kind::recording) << "below 1 there is no limit";
+}
+
+TEST(Controller, ChoosesTheRecogniserAndItsWords) {
+    DictationWorld w;
+    w.settings.userDictionary.set({"Nießbrauch", "Querulanz", "Sorge"});
+    w.settings.language.set(DictationLanguage::english);
+    w.dictate("a");
+    EXPECT_EQ(w.services.transcriber->contextual.back(), "Betreuungsgericht");
+    EXPECT_EQ(w.services.transcriber->begunLocale, "en-US");
+    EXPECT_TRUE(w.services.transcriber->begunOnDeviceOnly);
+
+    w.settings.legalVocabularyEnabled.set(false);
+    w.settings.contextualLimit.set(2);
+    w.settings.engine.set(TranscriptionEngine::speechAnalyzer);
+    w.permissions.speech = PermissionState::denied; // not asked for by the newer recogniser
+    w.dictate("b");
+    EXPECT_EQ(w.services.transcriber->contextual, (std::vector<std::string>{"Nießbrauch", "Querulanz"}));
+    EXPECT_TRUE(w.log.has("[speech] SpeechAnalyzer nicht verfügbar – nutze Apple Speech."));
+    w.settings.contextualLimit.set(-1);
+    w.services.version = {26, 0, 0};
+    w.dictate("c");
+    EXPECT_TRUE(w.services.transcriber->contextual.empty());
+    EXPECT_EQ(w.services.madeEngines, (std::vector{TranscriptionEngine::appleSpeech, TranscriptionEngine::appleSpeech,
+                                                   TranscriptionEngine::speechAnalyzer}));
+}
+
+TEST(Controller, WithoutContextThereIsNoPasswordFieldAndNoProfile) {
+    DictationWorld w;
+    w.settings.contextAwareStyle.set(false);
+    w.settings.appProfiles.set({{"com.example.mail", "Mail", WritingStyle::locker, false}});
+    w.services.context.field = DictationContext::FieldKind::secure;
+    w.press();
+    EXPECT_EQ(w.phase(), Kind::recording);
+    EXPECT_EQ(w.controller.context().get(), DictationContext());
+    EXPECT_EQ(w.controller.effectiveStyle().get().reason, "allgemeine Einstellung");
+    w.release();
+}
+
+TEST(Controller, TriesTheHotkeyEveryTwoSecondsUntilItWorks) {
+    DictationWorld w;
+    w.hotkey.canStart = false;
+    w.permissions.accessibility = false;
+    w.controller.installHotkey();
+    EXPECT_TRUE(w.controller.hotkeyBlocked().get());
+    EXPECT_TRUE(w.log.has("[controller] Warte auf Bedienungshilfen, prüfe alle 2 s…"));
+    const int starts = w.hotkey.starts;
+    w.wait(seconds(10));
+    EXPECT_EQ(w.hotkey.starts, starts) << "not tried while the permission is missing";
+    w.permissions.accessibility = true;
+    w.wait(seconds(4));
+    EXPECT_EQ(w.hotkey.starts, starts + 2);
+    w.hotkey.canStart = true;
+    w.wait(seconds(2));
+    EXPECT_FALSE(w.controller.hotkeyBlocked().get());
+    w.wait(seconds(10));
+    EXPECT_EQ(w.hotkey.starts, starts + 3) << "the timer has stopped";
+}
+
+TEST(Controller, PassesSettingsOn) {
+    DictationWorld w;
+    const HotkeyConfig combo{HotkeyConfig::Mode::holdCombo, ModifierKey::fn, ComboHotkey::controlSpace};
+    w.settings.hotkey.set(combo);
+    EXPECT_EQ(w.hotkey.config, combo);
+    w.settings.inputDeviceUID.set("usb-1");
+    EXPECT_EQ(w.recorder.preferredDevice, "usb-1");
+    w.dictate("Alter Eintrag");
+    w.wait(std::chrono::days(8));
+    w.settings.historyRetentionDays.set(7);
+    EXPECT_TRUE(w.history.entries().empty());
+    w.watcher.suggest({"id", "falsch", "richtig", "Mail"});
+    w.time.settle();
+    EXPECT_EQ(w.windows.suggestions.size(), 1U);
+}
+
+TEST(Controller, SoundsFollowTheirSettings) {
+    DictationWorld w;
+    w.settings.playStartSound.set(false);
+    w.dictate("a");
+    EXPECT_EQ(w.takeSounds(), Sounds{success});
+    w.settings.playStopSound.set(false);
+    w.dictate("a");
+    w.permissions.microphone = PermissionState::denied;
+    w.press();
+    EXPECT_TRUE(w.takeSounds().empty());
+}
+
+TEST(Controller, TogglesAndWritesDiagnostics) {
+    DictationWorld w;
+    w.settings.inputDeviceUID.set("usb-1");
+    w.controller.toggleDictation();
+    w.controller.writeDiagnostics();
+    w.wait(seconds(1));
+    w.controller.toggleDictation();
+    EXPECT_EQ(w.phase(), Kind::transcribing);
+    EXPECT_TRUE(w.log.has("[menu] Aufnahme umschalten, Phase=Bereit"));
+    EXPECT_TRUE(w.log.has("[menu] Aufnahme umschalten, Phase=Aufnehmen"));
+    EXPECT_TRUE(w.log.has("[diag] --- Diagnose ---\n  Hotkey: Attrappe\n  Mikrofon: granted\n"
+                          "  Spracherkennung: granted\n  Phase: Aufnehmen\n  hotkeyBlocked: false\n"
+                          "  Engine: appleSpeech, Sprache: de-DE\n  Mikrofon: Headset (verfügbar: 1)\n"
+                          "  Diktate gesamt: 0, Wörter: 0\n  Gerettete Diktate vorhanden: false"));
+    w.settings.inputDeviceUID.set("weg");
+    w.controller.writeDiagnostics();
+    EXPECT_EQ(w.log.countOf("Mikrofon: Systemvorgabe (verfügbar: 1)"), 1U);
+}
+
+TEST(Controller, InsertsLawTextsWhateverElseGoesOn) {
+    DictationWorld w;
+    w.press();
+    w.controller.insertLegalText("§ 1814");
+    w.wait(seconds(1));
+    EXPECT_EQ(w.inserter.delivered, (std::vector<std::string>{"§ 1814"}));
+    EXPECT_EQ(w.controller.lastInsertedText().get(), "§ 1814");
+    EXPECT_EQ(w.phase(), Kind::recording);
+
+    w.inserter.next = std::unexpected(InsertError::noAccessibilityPermission);
+    w.controller.insertLegalText("§ 1815");
+    EXPECT_EQ(w.phase(), Kind::recording) << "its failure must not end the dictation";
+    EXPECT_EQ(w.rescuedTexts(), (std::vector<std::string>{"§ 1815"}));
+    w.inserter.next = TextInserter::Outcome::inserted;
+    w.release();
+    w.wait(seconds(5));
+    EXPECT_EQ(w.inserter.delivered.size(), 2U);
+
+    w.inserter.next = std::unexpected(InsertError::noAccessibilityPermission);
+    w.controller.insertLegalText("§ 1816");
+    EXPECT_EQ(w.errorText(), "Ohne Bedienungshilfen-Berechtigung kann nicht eingefügt werden.");
+    w.wait(seconds(3));
+    w.inserter.next = TextInserter::Outcome::notInserted;
+    w.controller.insertLegalText("§ 1817");
+    w.wait(seconds(1));
+    EXPECT_EQ(w.log.countOf("[rescue] Der Gesetzestext kam im Zielfeld nicht an – 2 Wörter gerettet → Diktat 2026"), 1U);
+}
+
+} // namespace
+} // namespace querlin

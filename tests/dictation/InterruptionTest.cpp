@@ -1,0 +1,186 @@
+// Sleep, lock, lost microphones and quitting, at every phase.
+
+#include "support/DictationWorld.h"
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+using Kind = DictationPhase::Kind;
+using Texts = std::vector<std::string>;
+
+/// Brings a world to a phase of a dictation in mode `local`, with partial text "Teil".
+void bringTo(DictationWorld& w, Kind phase) {
+    w.stages.marks = false;
+    w.settings.cleanupMode.set(CleanupMode::local);
+    if (phase == Kind::idle) return;
+    w.press();
+    w.services.transcriber->partial("Teil");
+    w.wait(seconds(1));
+    if (phase == Kind::recording) return;
+    w.release();
+    if (phase == Kind::transcribing) return;
+    w.wait(seconds(0.5));
+    if (phase == Kind::enhancing) return;
+    w.wait(seconds(1.5));
+    ASSERT_EQ(w.phase(), Kind::inserting);
+}
+
+TEST(Interruption, SystemSignalsEndARecordingIntoTheRescueFolderAndNothingElse) {
+    struct Row {
+        SystemSignal signal;
+        const char* reason;
+    };
+    for (const auto& row : {Row{SystemSignal::willSleep, "Der Mac wurde gesperrt oder ging in den Ruhezustand"},
+                            Row{SystemSignal::sessionResigned, "Der Mac wurde gesperrt oder ging in den Ruhezustand"},
+                            Row{SystemSignal::screenLocked, "Der Bildschirm wurde gesperrt"}}) {
+        for (const auto phase : {Kind::idle, Kind::recording, Kind::transcribing, Kind::enhancing, Kind::inserting}) {
+            DictationWorld w;
+            bringTo(w, phase);
+            w.signals.send(row.signal);
+            w.time.settle();
+            const bool ends = phase == Kind::recording;
+            EXPECT_EQ(w.log.countOf("[controller] Diktat unterbrochen: " + std::string(row.reason)), ends ? 1U : 0U);
+            w.wait(seconds(10));
+            EXPECT_EQ(w.rescuedTexts(), ends ? Texts{"Hallo Welt"} : Texts{}) << row.reason;
+            EXPECT_EQ(w.rescuedRecordings(), ends ? 1U : 0U);
+            EXPECT_EQ(w.inserter.delivered.size(), ends || phase == Kind::idle ? 0U : 1U);
+            EXPECT_EQ(w.inserter.pasteboard, ends ? "Hallo Welt" : "");
+            EXPECT_TRUE(w.recordings().empty());
+            EXPECT_EQ(w.phase(), Kind::idle);
+            EXPECT_FALSE(w.windows.overlayIsVisible);
+            w.dictate("Danach");
+            EXPECT_EQ(w.inserter.delivered.back(), "Danach") << "the reason holds for one dictation";
+        }
+    }
+}
+
+TEST(Interruption, TheMachineIsHeldAwakeUntilTheTextIsSafe) {
+    DictationWorld w;
+    bringTo(w, Kind::recording);
+    auto hold = std::make_shared<int>();
+    const std::weak_ptr held = hold;
+    w.signals.send(SystemSignal::willSleep, std::exchange(hold, nullptr));
+    w.wait(seconds(0.3));
+    EXPECT_FALSE(held.expired());
+    w.wait(seconds(3));
+    EXPECT_EQ(w.rescuedTexts().size(), 1U);
+    EXPECT_TRUE(held.expired());
+
+    for (const auto phase : {Kind::idle, Kind::transcribing}) {
+        DictationWorld other;
+        bringTo(other, phase);
+        auto unneeded = std::make_shared<int>();
+        const std::weak_ptr watch = unneeded;
+        other.signals.send(SystemSignal::willSleep, std::exchange(unneeded, nullptr));
+        other.time.settle();
+        EXPECT_TRUE(watch.expired()) << "nothing to wait for";
+    }
+    for (const double length : {0.1, 1.0}) { // too short; cancelled
+        DictationWorld other;
+        other.press();
+        other.wait(seconds(length));
+        auto unneeded = std::make_shared<int>();
+        const std::weak_ptr watch = unneeded;
+        other.signals.send(SystemSignal::willSleep, std::exchange(unneeded, nullptr));
+        other.time.settle();
+        if (length == 1.0) other.controller.cancelDictation();
+        other.time.settle();
+        EXPECT_TRUE(watch.expired()) << length;
+    }
+}
+
+TEST(Interruption, AnInterruptedSilenceIsNothingHeard) {
+    DictationWorld w;
+    w.services.script.result = "";
+    w.press();
+    w.wait(seconds(1));
+    w.signals.send(SystemSignal::screenLocked);
+    w.wait(seconds(0.5));
+    EXPECT_EQ(w.controller.phase().get(), DictationPhase::notice("Nichts gehört"));
+    EXPECT_TRUE(w.rescuedTexts().empty());
+    EXPECT_TRUE(w.recordings().empty());
+}
+
+TEST(Interruption, MicrophoneChangesEndTheRecordingButPasteAsUsual) {
+    using Change = ConfigurationChange::Kind;
+    struct Row {
+        Change kind;
+        const char* text;
+        const char* line;
+        bool ends;
+    };
+    for (const auto& row :
+         {Row{Change::resumed, "Headset", "[audio] Eingang gewechselt (Headset) – gleiches Format, Aufnahme läuft weiter.", false},
+          Row{Change::formatChanged, "USB", "[audio] Eingang gewechselt (USB) – anderes Format, Diktat wird hier beendet.", true},
+          Row{Change::failed, "weg", "[audio] Nach dem Gerätewechsel kein Eingang: weg", true}}) {
+        DictationWorld w;
+        bringTo(w, Kind::recording);
+        w.recorder.onChange({row.kind, row.text});
+        w.time.settle();
+        EXPECT_TRUE(w.log.has(row.line));
+        EXPECT_EQ(w.phase(), row.ends ? Kind::transcribing : Kind::recording);
+        w.release();
+        w.wait(seconds(10));
+        EXPECT_EQ(w.inserter.delivered, Texts{"Hallo Welt"});
+        EXPECT_TRUE(w.rescuedTexts().empty());
+    }
+}
+
+TEST(Shutdown, RescuesWhateverIsUnderWay) {
+    struct Row {
+        Kind phase;
+        Texts rescued;
+        const char* reason;
+    };
+    for (const auto& row : {Row{Kind::idle, {}, "nothing runs"}, Row{Kind::recording, {"Teil"}, "partial text"},
+                            Row{Kind::transcribing, {"Teil"}, "no transcript yet"},
+                            Row{Kind::enhancing, {"Hallo Welt"}, "the transcript goes before the partial text"},
+                            Row{Kind::inserting, {"Hallo Welt"}, "not known to have arrived"}}) {
+        DictationWorld w;
+        bringTo(w, row.phase);
+        w.controller.shutdown();
+        w.controller.shutdown();
+        EXPECT_EQ(w.rescuedTexts(), row.rescued) << row.reason;
+        EXPECT_EQ(w.rescuedRecordings(), row.rescued.size()) << row.reason;
+        EXPECT_EQ(w.log.countOf("[rescue] Beim Beenden des Programms unterbrochen – "), row.rescued.size());
+        EXPECT_EQ(w.services.notifications.size(), row.rescued.size());
+        EXPECT_TRUE(w.recordings().empty()) << row.reason;
+        EXPECT_FALSE(w.recorder.isRecording());
+        EXPECT_EQ(w.hotkey.stops, 1);
+        EXPECT_EQ(w.watcher.stops, 1);
+        EXPECT_FALSE(w.signals.isObserved());
+        w.wait(seconds(20));
+        w.press();
+        EXPECT_TRUE(w.inserter.delivered.empty()) << "nothing runs on: " << row.reason;
+        EXPECT_EQ(w.rescuedTexts().size(), row.rescued.size()) << row.reason;
+        EXPECT_FALSE(w.recorder.isRecording()) << "nothing starts any more";
+    }
+}
+
+TEST(Shutdown, WithoutPartialTextThePlaceholderStandsForTheAudio) {
+    const Texts placeholder = {"(nur Tonaufnahme – beim Beenden unterbrochen)"};
+    DictationWorld recording;
+    recording.press();
+    recording.controller.shutdown();
+    EXPECT_EQ(recording.rescuedTexts(), placeholder);
+
+    DictationWorld afterFailedStart;
+    afterFailedStart.recorder.nextStartError = AudioRecorderError{};
+    afterFailedStart.press();
+    afterFailedStart.controller.shutdown();
+    EXPECT_EQ(afterFailedStart.rescuedTexts(), placeholder);
+    EXPECT_EQ(afterFailedStart.rescuedRecordings(), 1U);
+}
+
+TEST(Shutdown, LeavesACancelledDictationAlone) {
+    DictationWorld w;
+    bringTo(w, Kind::enhancing);
+    w.controller.cancelDictation();
+    w.controller.shutdown();
+    EXPECT_TRUE(w.rescuedTexts().empty());
+}
+
+} // namespace
+} // namespace querlin

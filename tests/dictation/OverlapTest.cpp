@@ -1,0 +1,177 @@
+// Cancellations, and two dictations at once: neither touches the other's things.
+
+#include "support/DictationWorld.h"
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+using Kind = DictationPhase::Kind;
+using Texts = std::vector<std::string>;
+
+/// In mode `local` and without marks, so that there is time between the steps.
+void prepare(DictationWorld& w, std::string transcript) {
+    w.stages.marks = false;
+    w.settings.cleanupMode.set(CleanupMode::local);
+    w.services.script.result = std::move(transcript);
+}
+
+TEST(Cancellation, EndsEachPhaseAtOnce) {
+    struct Row {
+        double secondsAfterRelease;
+        Texts deliveredAfterwards;
+        DictationPhase phaseSoonAfter;
+        const char* reason;
+    };
+    const std::vector<Row> rows = {
+        {-1, {}, {}, "recording: nothing happens any more"},
+        {0.1, {}, DictationPhase::notice("Nichts gehört"), "transcribing: the recogniser gives the empty text"},
+        {1.0, {"Hallo"}, {}, "enhancing: the text is there and is delivered"},
+        {2.2, {"Hallo"}, {}, "inserting: likewise"},
+    };
+    for (const auto& row : rows) {
+        DictationWorld w;
+        prepare(w, "Hallo");
+        w.press();
+        w.wait(seconds(1));
+        if (row.secondsAfterRelease >= 0) {
+            w.release();
+            w.wait(seconds(row.secondsAfterRelease));
+        }
+        w.controller.cancelDictation();
+        EXPECT_EQ(w.phase(), Kind::idle) << row.reason;
+        EXPECT_FALSE(w.windows.overlayIsVisible) << row.reason;
+        EXPECT_FALSE(w.recorder.isRecording()) << row.reason;
+        EXPECT_TRUE(w.recordings().empty()) << row.reason;
+        w.wait(seconds(0.01));
+        EXPECT_EQ(w.controller.phase().get(), row.phaseSoonAfter) << row.reason;
+        w.wait(seconds(10));
+        EXPECT_EQ(w.inserter.delivered, row.deliveredAfterwards) << row.reason;
+        EXPECT_EQ(w.phase(), Kind::idle) << row.reason;
+        EXPECT_FALSE(w.windows.overlayIsVisible) << row.reason;
+    }
+}
+
+TEST(Overlap, APressDuringThePipelineIsNotQueued) {
+    DictationWorld w;
+    prepare(w, "Hallo");
+    w.hold(seconds(1));
+    w.hold(seconds(0.2));
+    w.wait(seconds(10));
+    EXPECT_EQ(w.services.madeEngines.size(), 1U);
+    EXPECT_EQ(w.inserter.delivered.size(), 1U);
+}
+
+TEST(Overlap, APressRightAfterDeliveryKeepsItsOverlay) {
+    DictationWorld w;
+    w.hold(seconds(1));
+    w.wait(seconds(1.1)); // delivered; the overlay would go in 0.15 s
+    ASSERT_EQ(w.phase(), Kind::idle);
+    w.press();
+    w.wait(seconds(0.3));
+    EXPECT_EQ(w.phase(), Kind::recording);
+    EXPECT_TRUE(w.windows.overlayIsVisible);
+}
+
+TEST(Overlap, AnOlderRunDeliversAndBooksButLeavesTheNewerAlone) {
+    DictationWorld w;
+    prepare(w, "alt");
+    w.settings.historyKeepAudio.set(true);
+    w.hold(seconds(1));
+    w.wait(seconds(0.6)); // enhancing
+    w.controller.cancelDictation();
+    w.services.script.result = "neu";
+    w.services.context.appName = "Writer";
+    w.press();
+    w.services.transcriber->partial("ne");
+    w.time.settle();
+    const auto recordings = w.recordings();
+    w.wait(seconds(4)); // the older run ends in here
+    EXPECT_EQ(w.inserter.delivered, Texts{"alt"});
+    EXPECT_EQ(w.history.entries().at(0).appName, "Mail") << "booked under its own context";
+    EXPECT_EQ(w.phase(), Kind::recording);
+    EXPECT_TRUE(w.windows.overlayIsVisible);
+    EXPECT_EQ(w.controller.livePartialText().get(), "ne");
+    EXPECT_EQ(w.recordings(), recordings) << "audio, text and lock of the newer one";
+    w.release();
+    w.wait(seconds(10));
+    EXPECT_EQ(w.inserter.delivered, (Texts{"alt", "neu"}));
+    EXPECT_TRUE(w.history.audioFile(w.history.entries().at(0)));
+    EXPECT_TRUE(w.recordings().empty());
+}
+
+TEST(Overlap, AnOlderRunsFailureIsNotTheNewersError) {
+    struct Row {
+        std::variant<std::string, TranscriptionError> result;
+        InsertResult inserted;
+        Texts rescued;
+        const char* reason;
+    };
+    const std::vector<Row> rows = {
+        {TranscriptionError{}, TextInserter::Outcome::inserted, {}, "recognition fails"},
+        {std::string(), TextInserter::Outcome::inserted, {}, "nothing heard"},
+        {std::string("alles verwerfen"), TextInserter::Outcome::inserted, {}, "discarded"},
+        {std::string("alt"), TextInserter::Outcome::notInserted, {"alt"}, "not inserted"},
+        {std::string("streiche das"), std::unexpected(InsertError::noAccessibilityPermission), {}, "refused and empty"},
+    };
+    for (const auto& row : rows) {
+        DictationWorld w;
+        prepare(w, "");
+        w.services.script.result = row.result;
+        w.services.script.delay = seconds(2);
+        w.inserter.next = row.inserted;
+        w.hold(seconds(1));
+        // A law text that can't be inserted turns the phase of a run that is at rest into an error,
+        // which lets the next press through while the run goes on.
+        w.wait(seconds(1));
+        w.controller.cancelDictation();
+        w.services.script.result = "neu";
+        w.press();
+        w.wait(seconds(6));
+        EXPECT_EQ(w.phase(), Kind::recording) << row.reason;
+        EXPECT_TRUE(w.windows.overlayIsVisible) << row.reason;
+        EXPECT_EQ(w.recordings().size(), 2U) << row.reason << ": audio and lock";
+    }
+}
+
+TEST(Overlap, LatePartialTextsOfAnOlderDictationAreDropped) {
+    DictationWorld w;
+    w.hold(seconds(1));
+    const auto older = w.services.transcriber;
+    w.wait(seconds(5));
+    w.press();
+    older->partial("von gestern");
+    w.time.settle();
+    EXPECT_EQ(w.controller.livePartialText().get(), "");
+}
+
+TEST(Overlap, InsertionsTakeTurns) {
+    DictationWorld w;
+    w.stages.marks = false;
+    w.hold(seconds(1));
+    w.wait(seconds(0.5)); // inserting
+    w.controller.insertLegalText("§ 1");
+    w.controller.insertLegalText("§ 2");
+    w.wait(seconds(10));
+    EXPECT_EQ(w.inserter.mostAtOnce, 1);
+    EXPECT_EQ(w.inserter.delivered, (Texts{"Hallo Welt", "§ 1", "§ 2"}));
+}
+
+TEST(Overlap, ShutdownRescuesAnOlderRunAndTheRecording) {
+    DictationWorld w;
+    prepare(w, "alt");
+    w.hold(seconds(1));
+    w.wait(seconds(0.6)); // enhancing
+    // A failing law text in the pause of a phase at rest can't occur here, so the newer dictation comes
+    // from the only other way in: the older one is cancelled.
+    w.controller.cancelDictation();
+    w.press();
+    w.services.transcriber->partial("neuer Teil");
+    w.time.settle();
+    w.controller.shutdown();
+    EXPECT_EQ(w.rescuedTexts(), Texts{"neuer Teil"}) << "the cancelled one was given up by the user";
+}
+
+} // namespace
+} // namespace querlin

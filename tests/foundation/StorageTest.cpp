@@ -1,0 +1,204 @@
+// Files, JSON, dates and identifiers as they reach the disk.
+
+#include "foundation/Files.h"
+#include "foundation/IsoDate.h"
+#include "foundation/Json.h"
+#include "foundation/Uuid.h"
+#include "support/TempFolder.h"
+
+#include <csignal>
+#include <thread>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+namespace fs = std::filesystem;
+
+mode_t modeOf(const fs::path& path) {
+    struct stat status {};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0);
+    return status.st_mode & 0777U;
+}
+
+TEST(Files, WritesForTheOwnerAloneAndReplacesWhole) {
+    const TempFolder folder;
+    const auto file = folder / "a/b/Verlauf.json";
+    ASSERT_TRUE(Files::makeFolder(file.parent_path()));
+    ASSERT_TRUE(Files::writeAtomically(file, "alt"));
+    ASSERT_TRUE(Files::writeAtomically(file, "neu"));
+    EXPECT_EQ(contentOf(file), "neu");
+    EXPECT_EQ(modeOf(file), 0600U);
+    EXPECT_EQ(modeOf(folder / "a"), 0700U);
+    EXPECT_EQ(fileNames(file.parent_path()), (std::vector<std::string>{"Verlauf.json"}));
+}
+
+TEST(Files, AReaderNeverSeesAPartOfAWrite) {
+    const TempFolder folder;
+    const auto file = folder / "x";
+    const std::string ones(300'000, '1');
+    const std::string twos(200'000, '2');
+    ASSERT_TRUE(Files::writeAtomically(file, ones));
+    std::jthread writer([&](const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            (void)Files::writeAtomically(file, twos, Files::Durability::Unsynced);
+            (void)Files::writeAtomically(file, ones, Files::Durability::Unsynced);
+        }
+    });
+    for (int i = 0; i < 300; ++i) {
+        const auto content = Files::read(file);
+        ASSERT_TRUE(content);
+        ASSERT_TRUE(*content == ones || *content == twos);
+    }
+}
+
+/// Lets no file of this process grow beyond a size, as a full disk would.
+class FullDisk {
+public:
+    explicit FullDisk(rlim_t bytes) {
+        ::getrlimit(RLIMIT_FSIZE, &former_);
+        formerHandler_ = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit full{bytes, former_.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &full);
+    }
+    ~FullDisk() {
+        ::setrlimit(RLIMIT_FSIZE, &former_);
+        std::signal(SIGXFSZ, formerHandler_);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit former_{};
+    void (*formerHandler_)(int) = SIG_DFL;
+};
+
+TEST(Files, AFullDiskLeavesTheOldContentAndNoRemains) {
+    const TempFolder folder;
+    const auto file = folder / "x";
+    ASSERT_TRUE(Files::writeAtomically(file, "alt"));
+    {
+        const FullDisk full(1000);
+        EXPECT_FALSE(Files::writeAtomically(file, std::string(5000, 'n')));
+    }
+    EXPECT_EQ(contentOf(file), "alt");
+    EXPECT_EQ(fileNames(folder.path()).size(), 1U);
+}
+
+TEST(Files, ReadsOnlyWholeRegularFilesOfReasonableSize) {
+    const TempFolder folder;
+    writeFile(folder / "groß", std::string(101, 'x'));
+    ASSERT_EQ(::mkfifo((folder / "rohr").c_str(), 0600), 0);
+    EXPECT_EQ(Files::read(folder / "groß", 100).error().code, std::errc::file_too_large);
+    EXPECT_TRUE(Files::read(folder / "groß", 101));
+    EXPECT_FALSE(Files::read(folder / "rohr")) << "a pipe without a writer must not hang";
+    EXPECT_FALSE(Files::read(folder.path()));
+    EXPECT_EQ(Files::read(folder / "fehlt").error().code, std::errc::no_such_file_or_directory);
+}
+
+TEST(Files, MovesAcrossFileSystems) {
+    const fs::path elsewhere = "/var/tmp";
+    const TempFolder folder;
+    struct stat here {}, there {};
+    if (::stat(elsewhere.c_str(), &there) != 0 || ::stat(folder.path().c_str(), &here) != 0 ||
+        here.st_dev == there.st_dev) {
+        GTEST_SKIP() << "no second file system here";
+    }
+    const auto from = elsewhere / ("querlin-" + newUuid());
+    writeFile(from, "Ton");
+    EXPECT_TRUE(Files::move(from, folder / "an"));
+    EXPECT_EQ(contentOf(folder / "an"), "Ton");
+    EXPECT_FALSE(fs::exists(from));
+}
+
+TEST(Files, FindsNamesThatNobodyHas) {
+    const TempFolder folder;
+    const fs::path base = folder.path();
+    EXPECT_EQ(Files::unusedName(base, "Diktat", ".txt"), base / "Diktat.txt");
+    writeFile(base / "Diktat.caf", "");
+    EXPECT_EQ(Files::unusedName(base, "Diktat", ".txt"), base / "Diktat (2).txt") << "another extension counts too";
+    writeFile(base / "Diktat (2).txt", "");
+    EXPECT_EQ(Files::unusedName(base, "Diktat", ".txt"), base / "Diktat (3).txt");
+}
+
+TEST(Files, SweepsOldUnfinishedWritesAlone) {
+    const TempFolder folder;
+    const auto old = Files::unfinishedName(folder / "Verlauf.json");
+    const auto young = Files::unfinishedName(folder / "Verlauf.json");
+    writeFile(old, "halb");
+    writeFile(young, "halb");
+    writeFile(folder / ".fremd.neu", "fremd");
+    const auto hourAgo = fs::file_time_type::clock::now() - std::chrono::hours(1);
+    fs::last_write_time(old, hourAgo);
+    fs::last_write_time(folder / ".fremd.neu", hourAgo);
+    Files::removeUnfinishedWrites(folder.path());
+    EXPECT_FALSE(fs::exists(old));
+    EXPECT_TRUE(fs::exists(young)) << "may be under way in another process";
+    EXPECT_TRUE(fs::exists(folder / ".fremd.neu"));
+}
+
+TEST(Json, KeepsTypesAndTexts) {
+    const auto value = Json::parse(R"({"a":15,"b":15.0,"c":-3e2,"d":"ä\u00df\n","e":[true,null],"a":16,"big":18446744073709551615})");
+    ASSERT_TRUE(value);
+    EXPECT_EQ(value->member("a")->integer(), 16) << "the last member of a name counts";
+    EXPECT_EQ(value->member("b")->integer(), std::nullopt);
+    EXPECT_EQ(value->member("b")->number(), 15.0);
+    EXPECT_EQ(value->member("a")->number(), 16.0);
+    EXPECT_EQ(*value->member("d")->string(), "äß\n");
+    EXPECT_FALSE(value->member("big")->integer());
+    EXPECT_EQ(Json::parse(Json::pretty(*value)), *value);
+    EXPECT_EQ(Json::compact(JsonValue(2.0)), "2.0") << "a double stays one";
+}
+
+TEST(Json, RefusesWhatIsNoJson) {
+    const std::string deepArray = std::string(100'000, '[') + std::string(100'000, ']');
+    std::string deepObject;
+    for (int i = 0; i < 100'000; ++i) deepObject += R"({"a":)";
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"", "empty"},
+        {"{\"a\":1", "truncated"},
+        {"{} {}", "text behind the value"},
+        {"\"\xff\"", "ill-formed UTF-8"},
+        {R"("\ud800")", "half a surrogate pair"},
+        {"[1,]", "trailing comma"},
+        {"nul", "half a word"},
+        {"1e999", "beyond a double"},
+        {std::string("\0\0", 2), "zeros of a crashed file system"},
+        {deepArray, "deep arrays"},
+        {deepObject, "deep objects"},
+    };
+    for (const auto& [text, reason] : cases) EXPECT_FALSE(Json::parse(text)) << reason;
+}
+
+TEST(IsoDate, ReadsWhatItWrites) {
+    using namespace std::chrono;
+    const Date date = sys_days(2026y / 3 / 1) + 9h + 30min;
+    EXPECT_EQ(isoDate(date), "2026-03-01T09:30:00Z");
+    EXPECT_EQ(isoDate(date + 120ms), "2026-03-01T09:30:00.12Z");
+    EXPECT_EQ(isoDate(Date(-1ns)), "1969-12-31T23:59:59.999999999Z");
+    for (const auto odd : {date, date + 1ns, date + 999999999ns, Date(-1ns), Date::max() - hours(24 * 365)}) {
+        EXPECT_EQ(parseIsoDate(isoDate(odd)), odd);
+    }
+    for (const auto* bad : {"", "2026-03-01", "2026-02-29T00:00:00Z", "2026-03-01T24:00:00Z", "2026-03-01T09:30:00",
+                            "2026-03-01T09:30:00+01:00", "2026-03-01T09:30:00.Z", "2026-03-01T09:30:00.1234567890Z",
+                            "9999-01-01T00:00:00Z", "2026-13-01T00:00:00Z", " 2026-03-01T09:30:00Z"}) {
+        EXPECT_EQ(parseIsoDate(bad), std::nullopt) << bad;
+    }
+}
+
+TEST(Uuid, IsRandomAndCanonical) {
+    const auto uuid = newUuid();
+    EXPECT_EQ(canonicalUuid(uuid), uuid);
+    EXPECT_EQ(uuid[14], '4');
+    EXPECT_NE(uuid, newUuid());
+    EXPECT_EQ(canonicalUuid("3f2504e0-4f89-41d3-9a0c-0305e82c3301"), "3F2504E0-4F89-41D3-9A0C-0305E82C3301");
+    EXPECT_FALSE(canonicalUuid("3f2504e0-4f89-41d3-9a0c-0305e82c330"));
+    EXPECT_FALSE(canonicalUuid("3f2504e0-4f89-41d3-9a0c-0305e82c33g1"));
+}
+
+} // namespace
+} // namespace querlin

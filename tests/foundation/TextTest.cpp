@@ -1,0 +1,195 @@
+// Unicode text: characters, case, forms, trimming, order, German formats.
+
+#include "foundation/Characters.h"
+#include "foundation/Collation.h"
+#include "foundation/GermanFormat.h"
+#include "foundation/Graphemes.h"
+#include "foundation/TextCase.h"
+#include "foundation/Trimming.h"
+#include "foundation/Utf8.h"
+
+#include <algorithm>
+#include <random>
+
+#include <gtest/gtest.h>
+#include <unicode/brkiter.h>
+#include <unicode/unistr.h>
+
+namespace querlin {
+namespace {
+
+using namespace std::string_view_literals;
+using Texts = std::vector<std::string_view>;
+
+TEST(Utf8, ReplacesEachMaximalIllFormedSubpart) {
+    const std::vector<std::tuple<std::string_view, std::string_view, const char*>> rows = {
+        {"Grüße, 𝄞 und \0 Ende"sv, "Grüße, 𝄞 und \0 Ende"sv, "well-formed, with a zero"},
+        {"a\xFFz", "a\uFFFDz", "a byte that never occurs"},
+        {"12345678\x80", "12345678\uFFFD", "a lone continuation behind eight ASCII bytes"},
+        {"\xE2\x82", "\uFFFD", "truncated: one subpart"},
+        {"\xE2\x82x\xF0\x9F", "\uFFFDx\uFFFD", "two of them"},
+        {"\xC0\xAF", "\uFFFD\uFFFD", "overlong"},
+        {"\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD", "surrogate"},
+        {"\xF4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD", "beyond U+10FFFF"},
+    };
+    for (const auto& [text, expected, reason] : rows) {
+        EXPECT_EQ(validUtf8(text), expected) << reason;
+        EXPECT_EQ(isValidUtf8(text), text == expected) << reason;
+    }
+    std::string appended;
+    for (const char32_t scalar : {U'a', U'ß', U'€', U'𝄞', char32_t(0xD800)}) appendScalar(appended, scalar);
+    EXPECT_EQ(appended, "aß€𝄞\uFFFD");
+}
+
+TEST(Graphemes, AgreeWithIcuOnAnyMixture) {
+    const std::vector<std::string_view> pieces = {
+        "a", "Z", " ", "\n", "\r", "\r\n", "\t", "ä", "ß", "\u00AD", "\u00A9", "\u0308", "\u0301", "\u200D", "\uFE0F",
+        "👩", "👨‍👩‍👧", "❤️", "🇩🇪", "🇩", "🇫", "👍🏽", "각", "\u1100", "\u1161", "\u11A8", "क", "\u094D", "\u0915",
+        "\u0600", "\u0E33", "é", "€", "中", "\u2028", "\u0085", "\0"sv, "\xFF", "\xE2\x82"};
+    std::mt19937 random(7);
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::BreakIterator> icuIterator(
+        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+    ASSERT_TRUE(U_SUCCESS(status));
+    for (int round = 0; round < 20'000; ++round) {
+        std::string text;
+        for (auto count = std::uniform_int_distribution(0, round % 100 == 0 ? 80 : 12)(random); count > 0; --count) {
+            text += pieces[std::uniform_int_distribution<std::size_t>(0, pieces.size() - 1)(random)];
+        }
+        text = validUtf8(text);
+        const auto wide = icu::UnicodeString::fromUTF8(text);
+        icuIterator->setText(wide);
+        std::vector<std::string> expected;
+        for (auto from = icuIterator->first(), to = icuIterator->next(); to != icu::BreakIterator::DONE;
+             from = to, to = icuIterator->next()) {
+            wide.tempSubStringBetween(from, to).toUTF8String(expected.emplace_back());
+        }
+        const Graphemes graphemes(text);
+        ASSERT_EQ((std::vector<std::string>(graphemes.begin(), graphemes.end())), expected) << text;
+    }
+}
+
+TEST(Graphemes, TakeWindowsAndOddBytesInTheirStride) {
+    std::string family = "x";
+    for (int i = 0; i < 100'000; ++i) family += "\u0308";
+    EXPECT_EQ(graphemeCount(family + "yz"), 3U) << "one base with 100,000 marks";
+    EXPECT_EQ(graphemeCount("\xFF\xFE\x80z"), 4U);
+    EXPECT_EQ(graphemeCount(std::string(1'000'000, 'w')), 1'000'000U);
+    EXPECT_EQ(firstGraphemes("👩‍⚖️äo\u0308x", 2), "👩‍⚖️ä");
+    EXPECT_EQ(firstGraphemes("ab", 5), "ab");
+    EXPECT_EQ(firstGraphemes("ab", 0), "");
+}
+
+TEST(Characters, AreToldByTheirFirstScalar) {
+    struct Row {
+        std::string_view character;
+        bool white, alphabetic, numeric;
+    };
+    for (const auto& row : {Row{" ", true, false, false}, Row{"\u00A0", true, false, false}, Row{"\u2028", true, false, false},
+                            Row{"\u200B", false, false, false}, Row{" \u0308", true, false, false},
+                            Row{"o\u0308", false, true, false}, Row{"ß", false, true, false}, Row{"5", false, false, true},
+                            Row{"½", false, false, true}, Row{"Ⅷ", false, true, true}, Row{"三", false, true, true},
+                            Row{"§", false, false, false}, Row{"_", false, false, false}}) {
+        EXPECT_EQ(isWhitespace(row.character), row.white) << row.character;
+        EXPECT_EQ(isAlphabetic(row.character), row.alphabetic) << row.character;
+        EXPECT_EQ(isNumeric(row.character), row.numeric) << row.character;
+    }
+    EXPECT_EQ(splitAtWhitespace(" § 5\u00A0BGB\r\n, Ende\u2029"), (Texts{"§", "5", "BGB", ",", "Ende"}));
+    EXPECT_EQ(countWords("zwei  Wörter"), 2U);
+    EXPECT_EQ(countWords(" \n "), 0U);
+}
+
+TEST(TextCase, MapsFully) {
+    const std::vector<std::tuple<std::string_view, std::string_view, std::string_view>> rows = {
+        // text, upper, lower
+        {"Straße Äöü×÷ÿ", "STRASSE ÄÖÜ×÷Ÿ", "straße äöü×÷ÿ"},
+        {"ÀÞàþ", "ÀÞÀÞ", "àþàþ"},
+        {"ΣΑΣ", "ΣΑΣ", "σας"},
+        {"ﬁ Iı", "FI II", "ﬁ iı"},
+        {"o\u0308 \xFF", "O\u0308 \uFFFD", "o\u0308 \uFFFD"},
+        {"", "", ""},
+    };
+    for (const auto& [text, upper, lower] : rows) {
+        EXPECT_EQ(uppercase(text), upper) << text;
+        EXPECT_EQ(lowercase(text), lower) << text;
+    }
+}
+
+TEST(TextCase, ComparesUnderEquivalence) {
+    EXPECT_EQ(nfc("Bo\u0308e \u212B"), "Böe Å");
+    EXPECT_TRUE(isNfc("Böe"));
+    EXPECT_FALSE(isNfc("Bo\u0308e"));
+    EXPECT_FALSE(isNfc("\xFF"));
+    EXPECT_TRUE(canonicallyEqual("o\u0308", "ö"));
+    EXPECT_FALSE(canonicallyEqual("ö", "Ö"));
+    EXPECT_TRUE(equalIgnoringCase("A\u0308PFEL", "äpfel"));
+    EXPECT_TRUE(equalIgnoringCase("STRASSE", "Straße"));
+    EXPECT_FALSE(equalIgnoringCase("Apfel", "Äpfel"));
+    EXPECT_TRUE(containsIgnoringCase("Die BETREUUNG", "treuung"));
+    EXPECT_TRUE(containsIgnoringCase("x", ""));
+    EXPECT_FALSE(containsIgnoringCase("", "x"));
+}
+
+TEST(Trimming, GoesByItsTwoSets) {
+    struct Row {
+        std::string_view text, blanks, newlines;
+        const char* reason;
+    };
+    for (const auto& row :
+         {Row{" \t\u00A0x \u3000", "x", "x", "Zs and tab"}, Row{"\n x\r\n", "\n x\r\n", "x", "newlines are no blanks"},
+          Row{"\u2028\u0085x\u2029\v\f", "\u2028\u0085x\u2029\v\f", "x", "every line end"},
+          Row{" \u0308x ", "\u0308x", "\u0308x", "scalar by scalar, not by character"},
+          Row{"\u200Bx\u200B", "\u200Bx\u200B", "\u200Bx\u200B", "a zero-width space is none"},
+          Row{" \x80 \xE2\x80 ", "\x80 \xE2\x80", "\x80 \xE2\x80", "ill-formed bytes stay"}, Row{" \n", "\n", "", "nothing left"}}) {
+        EXPECT_EQ(trimBlanksAndTabs(row.text), row.blanks) << row.reason;
+        EXPECT_EQ(trimWhitespaceAndNewlines(row.text), row.newlines) << row.reason;
+    }
+}
+
+TEST(Collation, SortsAsGermansDo) {
+    Texts words = {"Zebra", "Ähre", "Axt", "ahorn", "apfel", "Straße", "Strasse", "Öl", "Ofen"};
+    std::ranges::stable_sort(words, [](auto a, auto b) { return compareIgnoringCaseLocalized(a, b) < 0; });
+    EXPECT_EQ(words, (Texts{"ahorn", "Ähre", "apfel", "Axt", "Ofen", "Öl", "Strasse", "Straße", "Zebra"}));
+    EXPECT_EQ(compareIgnoringCaseLocalized("APFEL", "apfel"), 0);
+    EXPECT_NE(compareIgnoringCaseLocalized("Apfel", "Äpfel"), 0);
+}
+
+class GermanFormatTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        ::setenv("TZ", "Europe/Berlin", 1);
+        ::tzset();
+    }
+    static Date at(std::chrono::year_month_day day, std::chrono::milliseconds utc) { return std::chrono::sys_days(day) + utc; }
+};
+
+TEST_F(GermanFormatTest, WritesLocalDatesAndNumbers) {
+    using namespace std::chrono;
+    const auto winter = at(2026y / 3 / 14, 8h + 30min + 5s + 7ms);
+    EXPECT_EQ(germanDate(winter), "14.03.2026");
+    EXPECT_EQ(germanTime(winter), "09:30");
+    EXPECT_EQ(germanWeekday(winter), "Samstag");
+    EXPECT_EQ(localFileStamp(winter), "2026-03-14 09-30-05");
+    EXPECT_EQ(localLogStamp(winter), "09:30:05.007");
+    EXPECT_EQ(germanTime(at(2026y / 7 / 1, 22h)), "00:00") << "summer time, next day";
+    EXPECT_EQ(germanWeekday(at(2026y / 7 / 1, 22h)), "Donnerstag");
+    EXPECT_EQ(localLogStamp(Date(-1ms)), "00:59:59.999") << "before 1970";
+    for (const auto& [number, text] : std::vector<std::pair<std::int64_t, const char*>>{
+             {0, "0"}, {999, "999"}, {1000, "1.000"}, {-1000, "-1.000"}, {-999, "-999"}, {1234567, "1.234.567"},
+             {INT64_MIN, "-9.223.372.036.854.775.808"}}) {
+        EXPECT_EQ(germanNumber(number), text);
+    }
+}
+
+TEST_F(GermanFormatTest, CountsDaysByTheCalendar) {
+    using namespace std::chrono;
+    const auto summer = at(2026y / 4 / 1, 7h + 30min + 1ms);
+    EXPECT_EQ(localFileStamp(daysBefore(summer, 7).value()), "2026-03-25 09-30-00") << "over the change to summer time";
+    EXPECT_EQ(daysBefore(summer, 7).value(), at(2026y / 3 / 25, 8h + 30min + 1ms));
+    EXPECT_EQ(daysBefore(summer, 0), summer);
+    EXPECT_EQ(daysBefore(summer, INT64_MAX), std::nullopt);
+    EXPECT_EQ(daysBefore(summer, -1), std::nullopt);
+}
+
+} // namespace
+} // namespace querlin

@@ -1,0 +1,107 @@
+// The log on disk: order, stamps, truncation, odd places.
+
+#include "state/LogFile.h"
+#include "support/ManualTime.h"
+#include "support/TempFolder.h"
+
+#include <regex>
+#include <thread>
+
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+namespace fs = std::filesystem;
+
+class LogFileTest : public testing::Test {
+protected:
+    TempFolder folder;
+    ManualTime time;
+    fs::path file = folder / "state/Querlin.log";
+    LogFile log{file, time};
+    DiagnosticsLog::Installation installation{log};
+
+    std::string content() {
+        EXPECT_TRUE(log.flush(std::chrono::seconds(20)));
+        return contentOf(file);
+    }
+};
+
+TEST_F(LogFileTest, WritesStampCategoryAndMessage) {
+    DiagnosticsLog::note("app", "=== Start ===");
+    time.advance(seconds(1.5));
+    DiagnosticsLog::trace("diag", "zwei\nZeilen");
+    EXPECT_EQ(content(), "09:30:00.000  [app] === Start ===\n09:30:01.500  [diag] zwei\nZeilen\n");
+    struct stat status {};
+    ASSERT_EQ(::stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0600U);
+}
+
+TEST_F(LogFileTest, TraceIsSilentWithoutVerbose) {
+    DiagnosticsLog::verbose = false;
+    DiagnosticsLog::trace("x", "still");
+    DiagnosticsLog::note("x", "laut");
+    DiagnosticsLog::verbose = true;
+    EXPECT_EQ(content(), "09:30:00.000  [x] laut\n");
+}
+
+TEST_F(LogFileTest, StartsAgainBeyondTheLimit) {
+    writeFile(file, std::string(2'000'000, 'x'));
+    DiagnosticsLog::note("a", "passt noch");
+    EXPECT_GT(content().size(), 2'000'000U) << "exactly the limit is appended to";
+    DiagnosticsLog::note("a", "neu");
+    EXPECT_EQ(content(), "09:30:00.000  [a] neu\n");
+}
+
+TEST_F(LogFileTest, RecreatesFileAndFolderAndClearsInOrder) {
+    DiagnosticsLog::note("a", "1");
+    (void)content();
+    fs::remove_all(folder / "state");
+    DiagnosticsLog::note("a", "2");
+    EXPECT_EQ(content(), "09:30:00.000  [a] 2\n");
+    DiagnosticsLog::clear();
+    DiagnosticsLog::note("a", "3");
+    EXPECT_EQ(content(), "09:30:00.000  [a] 3\n");
+}
+
+TEST_F(LogFileTest, NeverHangsOrFailsWhereItCannotWrite) {
+    fs::create_directories(file.parent_path());
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0); // nobody reads
+    DiagnosticsLog::note("a", "ins Rohr");
+    EXPECT_TRUE(log.flush(std::chrono::seconds(20)));
+    fs::remove(file);
+    fs::create_directory(file);
+    DiagnosticsLog::note("a", "in den Ordner");
+    EXPECT_TRUE(log.flush(std::chrono::seconds(20)));
+}
+
+TEST_F(LogFileTest, LinesOfManyThreadsStayWholeAndInEachThreadsOrder) {
+    constexpr int threads = 8;
+    constexpr int lines = 500;
+    {
+        std::vector<std::jthread> writers;
+        for (int t = 0; t < threads; ++t) {
+            writers.emplace_back([t] {
+                for (int i = 0; i < lines; ++i) {
+                    DiagnosticsLog::note("t" + std::to_string(t), std::to_string(i));
+                }
+            });
+        }
+    }
+    std::vector<int> next(threads, 0);
+    std::istringstream all(content());
+    const std::regex shape(R"(\d\d:\d\d:\d\d\.\d{3}  \[t(\d)\] (\d+))");
+    int count = 0;
+    for (std::string line; std::getline(all, line); ++count) {
+        std::smatch match;
+        ASSERT_TRUE(std::regex_match(line, match, shape)) << line;
+        EXPECT_EQ(std::stoi(match[2]), next.at(static_cast<std::size_t>(std::stoi(match[1])))++);
+    }
+    EXPECT_EQ(count, threads * lines);
+}
+
+} // namespace
+} // namespace querlin

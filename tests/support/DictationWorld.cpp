@@ -1,0 +1,195 @@
+#include "support/DictationWorld.h"
+
+#include "foundation/Waiting.h"
+
+#include <stdexcept>
+
+namespace querlin {
+
+// FakeTranscriber
+
+std::expected<void, TranscriptionError> FakeTranscriber::begin(const std::string& locale, bool onDeviceOnly) {
+    begunLocale = locale;
+    begunOnDeviceOnly = onDeviceOnly;
+    if (script_.beginError) return std::unexpected(*script_.beginError);
+    return {};
+}
+
+Task<std::expected<std::string, TranscriptionError>> FakeTranscriber::finish() {
+    timer_ = queue_.after(script_.delay, [ended = cancelled_.sender()] { ended.send(false); });
+    if (co_await cancelled_) co_return std::string();
+    if (const auto* text = std::get_if<std::string>(&script_.result)) {
+        transcripts_.push_back(*text);
+        co_return *text;
+    }
+    auto error = std::get<TranscriptionError>(script_.result);
+    co_return std::unexpected(std::move(error));
+}
+
+void FakeTranscriber::cancel() {
+    isCancelled = true;
+    cancelled_.sender().send(true);
+}
+
+// FakeRecorder
+
+std::expected<void, AudioRecorderError> FakeRecorder::start(WriteToDisk) {
+    if (isRecording()) return {};
+    discardRecording();
+    recording_ = folder_.begin().value();
+    writeFile(recording_->audio(), "caff-Ton");
+    if (nextStartError) {
+        AudioRecorderError error = *std::exchange(nextStartError, std::nullopt);
+        return std::unexpected(std::move(error));
+    }
+    startedAt_ = clock_.instant();
+    return {};
+}
+
+void FakeRecorder::discardRecording() {
+    if (recording_) recording_->discard();
+    recording_.reset();
+}
+
+// FakeInserter
+
+Task<InsertResult> FakeInserter::insert(std::string text) {
+    const auto result = next;
+    ++underWay;
+    mostAtOnce = std::max(mostAtOnce, underWay);
+    struct Leave {
+        int& count;
+        ~Leave() { --count; }
+    } const leave{underWay};
+    if (result && !text.empty()) co_await sleepFor(queue_, delay);
+    if (result && *result == Outcome::notInserted) {
+        pasteboard = text;
+    } else if (result) {
+        delivered.push_back(text);
+    }
+    co_return result;
+}
+
+// Stages
+
+std::string FakeStages::mark(std::string_view text, std::string_view sign) const {
+    if (lawStageThrows && sign == "·l") throw std::runtime_error("kaputt");
+    return marks ? std::string(text) + std::string(sign) : std::string(text);
+}
+
+TextStages::CommandOutcome FakeStages::applyCommands(std::string_view text, CommandMode mode) {
+    if (text.find("alles verwerfen") != std::string_view::npos) return {std::string(text), true, {"alles verwerfen"}};
+    if (text == "streiche das") return {"", false, {"streiche das"}};
+    std::vector<std::string> applied;
+    if (text.find("Komma") != std::string_view::npos) applied = {"Komma", "Punkt"};
+    return {mark(text, mode == CommandMode::compact ? "·C" : "·c"), false, applied};
+}
+
+TextStages::BlockOutcome FakeStages::expandBlocks(std::string_view text, std::span<const TextBlock>, Date) {
+    if (text.find("Baustein") == std::string_view::npos) return {std::string(text), {}};
+    return {mark(text, "·b"), {"Anhörung", "Grußformel"}};
+}
+
+bool FakeStages::looksLikeAddress(std::string_view text, AddressTest test) {
+    addressTests.push_back(test);
+    return text.starts_with("www");
+}
+
+Task<std::expected<std::string, EnhancementError>>
+FakeEnhancer::enhance(std::string text, DictationLanguage, WritingStyle, TextTreatment) {
+    auto work = [this, text] { return stages_.marks ? text + "·r" : text; };
+    auto cleaned = co_await background(runtime_, std::move(work));
+    if (fails) {
+        EnhancementError error{"Regelfehler"};
+        co_return std::unexpected(std::move(error));
+    }
+    co_return cleaned;
+}
+
+Task<EnhancementOutcome> FakeCoordinator::run(std::string text, WritingStyle, TextTreatment treatment) {
+    treatments.push_back(treatment);
+    co_await sleepFor(runtime_.mainQueue, delay);
+    EnhancementOutcome outcome{stages_.marks ? text + "·m" : text,
+                               fallbackReason ? "Regelbasiert (offline)" : "Lokal (Apple)", fallbackReason};
+    co_return outcome;
+}
+
+// FakeServices
+
+std::shared_ptr<StreamingTranscriber> FakeServices::make(TranscriptionEngine engine) {
+    madeEngines.push_back(engine);
+    transcriber = std::make_shared<FakeTranscriber>(queue_, script, transcripts);
+    return transcriber;
+}
+
+std::vector<std::string> FakeServices::contextualStrings(const std::vector<std::string>& terms, std::int64_t) {
+    auto all = terms;
+    all.emplace_back("Betreuungsgericht");
+    return all;
+}
+
+// DictationWorld
+
+DictationWorld::DictationWorld()
+    : controller(time.runtime(),
+                 {.settings = settings,
+                  .statistics = statistics,
+                  .history = history,
+                  .rescue = rescue,
+                  .notifier = notifier,
+                  .windows = windows,
+                  .sounds = services,
+                  .hotkey = hotkey,
+                  .permissions = permissions,
+                  .contextDetector = services,
+                  .inserter = inserter,
+                  .correctionWatcher = watcher,
+                  .systemSignals = signals,
+                  .recorder = recorder,
+                  .audioDevices = services,
+                  .transcribers = services,
+                  .vocabulary = services,
+                  .textStages = stages,
+                  .ruleBasedEnhancer = enhancer,
+                  .enhancement = coordinator}) {
+    controller.start();
+    time.settle();
+}
+
+void DictationWorld::press() {
+    hotkey.press();
+    time.settle();
+}
+
+void DictationWorld::release() {
+    hotkey.release();
+    time.settle();
+}
+
+void DictationWorld::hold(Duration span) {
+    press();
+    wait(span);
+    release();
+}
+
+void DictationWorld::dictate(std::string transcript) {
+    services.script.result = std::move(transcript);
+    hold(seconds(2));
+    wait(seconds(10));
+}
+
+std::vector<std::string> DictationWorld::rescuedTexts() const {
+    std::vector<std::string> texts;
+    for (const auto& name : fileNames(rescueFolder.path())) {
+        if (name.ends_with(".txt")) texts.push_back(contentOf(rescueFolder.path() / name));
+    }
+    return texts;
+}
+
+std::size_t DictationWorld::rescuedRecordings() const {
+    const auto names = fileNames(rescueFolder.path());
+    return static_cast<std::size_t>(
+        std::ranges::count_if(names, [](const auto& name) { return name.ends_with(".caf"); }));
+}
+
+} // namespace querlin

@@ -1,0 +1,315 @@
+#pragma once
+
+#include "dictation/DictationController.h"
+#include "foundation/OneShot.h"
+#include "support/CapturedLog.h"
+#include "support/ManualTime.h"
+#include "support/TempFolder.h"
+
+#include <functional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace querlin {
+
+/// How one recognition goes.
+struct RecognitionScript {
+    std::optional<TranscriptionError> beginError;
+    std::variant<std::string, TranscriptionError> result = "Hallo Welt";
+    Duration delay = seconds(0.4);
+};
+
+class FakeTranscriber final : public StreamingTranscriber {
+public:
+    FakeTranscriber(MainQueue& queue, RecognitionScript script, std::vector<std::string>& transcripts)
+        : queue_(queue), script_(std::move(script)), transcripts_(transcripts), cancelled_(queue) {}
+
+    void setOnPartialResult(std::function<void(std::string)> callback) override { partial = std::move(callback); }
+    void setContextualStrings(std::vector<std::string> strings) override { contextual = std::move(strings); }
+    std::expected<void, TranscriptionError> begin(const std::string& locale, bool onDeviceOnly) override;
+    void append(const AudioBuffer&) override { ++appendedBuffers; }
+    Task<std::expected<std::string, TranscriptionError>> finish() override;
+    void cancel() override;
+
+    std::function<void(std::string)> partial;
+    std::vector<std::string> contextual;
+    std::string begunLocale;
+    bool begunOnDeviceOnly = false;
+    int appendedBuffers = 0;
+    bool isCancelled = false;
+
+private:
+    MainQueue& queue_;
+    RecognitionScript script_;
+    std::vector<std::string>& transcripts_;
+    OneShot<bool> cancelled_;
+    Registration timer_;
+};
+
+class FakeRecorder final : public AudioRecorder {
+public:
+    FakeRecorder(std::filesystem::path folder, const Clock& clock) : folder_(std::move(folder)), clock_(clock) {}
+
+    void setOnBuffer(std::function<void(const AudioBuffer&)> callback) override { onBuffer = std::move(callback); }
+    void setOnLevel(std::function<void(float)> callback) override { onLevel = std::move(callback); }
+    void setOnConfigurationChange(std::function<void(ConfigurationChange)> callback) override {
+        onChange = std::move(callback);
+    }
+    void setPreferredDeviceUID(std::optional<std::string> uid) override { preferredDevice = std::move(uid); }
+    std::expected<void, AudioRecorderError> start(WriteToDisk file) override;
+    void stop() override { startedAt_.reset(); }
+    double duration() const override {
+        return startedAt_ ? inSeconds(clock_.instant() - *startedAt_) * durationFactor : 0;
+    }
+    const RecordingFile* recording() const override { return recording_ ? &*recording_ : nullptr; }
+    void discardRecording() override;
+    std::optional<RecordingFile> detachRecording() override { return std::exchange(recording_, std::nullopt); }
+
+    bool isRecording() const { return startedAt_.has_value(); }
+
+    std::function<void(const AudioBuffer&)> onBuffer;
+    std::function<void(float)> onLevel;
+    std::function<void(ConfigurationChange)> onChange;
+    std::optional<std::string> preferredDevice;
+    /// Makes recordings of real time seem longer than the test wants to wait.
+    double durationFactor = 1;
+    /// The next start fails with this, and leaves its file behind.
+    std::optional<AudioRecorderError> nextStartError;
+
+private:
+    RecordingFolder folder_;
+    const Clock& clock_;
+    std::optional<Instant> startedAt_;
+    std::optional<RecordingFile> recording_;
+};
+
+using InsertResult = std::expected<TextInserter::Outcome, InsertError>;
+
+class FakeInserter final : public TextInserter {
+public:
+    explicit FakeInserter(MainQueue& queue) : queue_(queue) {}
+    Task<InsertResult> insert(std::string text) override;
+    void placeInPasteboard(std::string_view text) override { pasteboard = text; }
+
+    InsertResult next = Outcome::inserted;
+    Duration delay = seconds(0.6);
+    std::vector<std::string> delivered; ///< inserted or unconfirmed
+    std::string pasteboard;
+    int underWay = 0;
+    int mostAtOnce = 0;
+
+private:
+    MainQueue& queue_;
+};
+
+/// Appends a mark per stage ("·c" commands, "·b" blocks, "·l" law, "·f" formatting, "·u" addresses),
+/// so that the finished text tells the order of the stages. "alles verwerfen" discards.
+class FakeStages final : public TextStages {
+public:
+    CommandOutcome applyCommands(std::string_view text, CommandMode mode) override;
+    BlockOutcome expandBlocks(std::string_view text, std::span<const TextBlock> blocks, Date now) override;
+    std::string processLawReferences(std::string_view text) override { return mark(text, "·l"); }
+    std::string formatLegally(std::string_view text) override { return mark(text, "·f"); }
+    bool looksLikeAddress(std::string_view text, AddressTest test) override;
+    std::string compactWholeText(std::string_view text) override { return mark(text, "·w"); }
+    std::string compactAddresses(std::string_view text) override { return mark(text, "·u"); }
+
+    bool marks = true;
+    /// A stage that breaks in a way nobody expects.
+    bool lawStageThrows = false;
+    std::vector<AddressTest> addressTests;
+
+private:
+    std::string mark(std::string_view text, std::string_view sign) const;
+};
+
+class FakeEnhancer final : public TextEnhancer {
+public:
+    explicit FakeEnhancer(FakeStages& stages, Runtime runtime) : stages_(stages), runtime_(runtime) {}
+    Task<std::expected<std::string, EnhancementError>> enhance(std::string text, DictationLanguage language,
+                                                               WritingStyle style, TextTreatment treatment) override;
+    bool fails = false;
+
+private:
+    FakeStages& stages_;
+    Runtime runtime_;
+};
+
+class FakeCoordinator final : public EnhancementCoordinator {
+public:
+    FakeCoordinator(FakeStages& stages, Runtime runtime) : stages_(stages), runtime_(runtime) {}
+    Task<EnhancementOutcome> run(std::string text, WritingStyle style, TextTreatment treatment) override;
+
+    std::optional<std::string> fallbackReason;
+    Duration delay = seconds(1.5);
+    std::vector<TextTreatment> treatments;
+
+private:
+    FakeStages& stages_;
+    Runtime runtime_;
+};
+
+class FakeHotkey final : public HotkeyManager {
+public:
+    void setCallbacks(std::function<void()> onPress, std::function<void()> onRelease) override {
+        press = std::move(onPress);
+        release = std::move(onRelease);
+    }
+    bool start() override {
+        ++starts;
+        return canStart;
+    }
+    void stop() override { ++stops; }
+    void update(const HotkeyConfig& newConfig) override { config = newConfig; }
+    std::string diagnosticsSummary() override { return "Hotkey: Attrappe"; }
+
+    std::function<void()> press;
+    std::function<void()> release;
+    bool canStart = true;
+    int starts = 0;
+    int stops = 0;
+    HotkeyConfig config;
+};
+
+class FakePermissions final : public PermissionsManager {
+public:
+    PermissionState microphoneState() override { return microphone; }
+    PermissionState speechState() override { return speech; }
+    bool isAccessibilityTrusted() override { return accessibility; }
+
+    PermissionState microphone = PermissionState::granted;
+    PermissionState speech = PermissionState::granted;
+    bool accessibility = true;
+};
+
+class FakeSignals final : public SystemSignals {
+public:
+    Registration observe(Observer observer) override {
+        observer_ = std::make_shared<Observer>(std::move(observer));
+        return Registration([this] { observer_.reset(); });
+    }
+    void send(SystemSignal signal, SystemHold hold = {}) {
+        if (observer_) (*observer_)(signal, std::move(hold));
+    }
+    bool isObserved() const { return observer_ != nullptr; }
+
+private:
+    std::shared_ptr<Observer> observer_;
+};
+
+class FakeWindows final : public DictationWindows {
+public:
+    void showOverlay() override { overlayIsVisible = true; }
+    void hideOverlay() override { overlayIsVisible = false; }
+    void showOnboarding() override { ++onboardings; }
+    void showCorrectionSuggestion(const CorrectionSuggestion& suggestion) override { suggestions.push_back(suggestion); }
+    void showEnhancementFailureNotice(const std::string& reason) override { notices.push_back(reason); }
+
+    bool overlayIsVisible = false;
+    int onboardings = 0;
+    std::vector<CorrectionSuggestion> suggestions;
+    std::vector<std::string> notices;
+};
+
+class FakeWatcher final : public CorrectionWatcher {
+public:
+    void setOnSuggestion(std::function<void(CorrectionSuggestion)> callback) override { suggest = std::move(callback); }
+    void watch(std::string_view text, std::string_view) override { watched.emplace_back(text); }
+    void stop() override { ++stops; }
+
+    std::function<void(CorrectionSuggestion)> suggest;
+    std::vector<std::string> watched;
+    int stops = 0;
+};
+
+class FakeServices final : public TranscriberFactory,
+                           public VocabularyProvider,
+                           public AudioDevices,
+                           public ContextDetector,
+                           public SoundPlayer,
+                           public NotificationService {
+public:
+    explicit FakeServices(MainQueue& queue) : queue_(queue) {}
+
+    SystemVersion systemVersion() const override { return version; }
+    std::shared_ptr<StreamingTranscriber> make(TranscriptionEngine engine) override;
+    std::string locale(DictationLanguage language) const override { return std::string(rawValue(language)); }
+    std::vector<std::string> contextualStrings(const std::vector<std::string>& terms, std::int64_t) override;
+    std::vector<AudioInputDevice> inputs() override { return {{"usb-1", "Headset", 7}}; }
+    DictationContext capture() override { return context; }
+    void play(FeedbackSound sound) override { sounds.push_back(sound); }
+    void requestAuthorization(AuthorizationAnswer answer) override {
+        ++authorizationRequests;
+        answer(authorization);
+    }
+    void post(std::string title, std::string body, Failure) override { notifications.push_back(title + ": " + body); }
+
+    SystemVersion version{14, 0, 0};
+    RecognitionScript script;
+    std::shared_ptr<FakeTranscriber> transcriber; ///< the last one made
+    std::vector<TranscriptionEngine> madeEngines;
+    std::vector<std::string> transcripts; ///< all that were really handed out
+    DictationContext context{"Mail", "com.example.mail", DictationContext::FieldKind::multiLine};
+    std::vector<FeedbackSound> sounds;
+    int authorizationRequests = 0;
+    std::expected<bool, std::string> authorization = true;
+    std::vector<std::string> notifications;
+
+private:
+    MainQueue& queue_;
+};
+
+/// A controller with everything around it: scripted collaborators, virtual time, real files.
+class DictationWorld {
+public:
+    DictationWorld();
+
+    // Gestures; each settles.
+    void press();
+    void release();
+    /// Holds the key for a span and lets go.
+    void hold(Duration span);
+    /// Moves time on.
+    void wait(Duration span) { time.advance(span); }
+    /// A whole dictation that has come to rest.
+    void dictate(std::string transcript);
+
+    DictationPhase::Kind phase() const { return controller.phase().get().kind; }
+    std::string errorText() const { return controller.phase().get().text; }
+    std::vector<FeedbackSound> takeSounds() { return std::exchange(services.sounds, {}); }
+
+    /// Contents of the rescued texts, in the order of the file names.
+    std::vector<std::string> rescuedTexts() const;
+    std::size_t rescuedRecordings() const;
+    /// Files left in the folder of recordings.
+    std::vector<std::string> recordings() const { return fileNames(recordingsPath); }
+
+    TempFolder folder;
+    std::filesystem::path recordingsPath = folder / "Aufnahme";
+    CapturedLog log;
+    ManualTime time;
+    PreferencesStore store{folder / "Einstellungen.json", time};
+    AppSettings settings{store};
+    UsageStatistics statistics{store, time};
+    DictationHistory history{folder / "Verlauf", time};
+
+    FakeServices services{time};
+    FakeRecorder recorder{recordingsPath, time};
+    FakeInserter inserter{time};
+    FakeStages stages;
+    FakeEnhancer enhancer{stages, time.runtime()};
+    FakeCoordinator coordinator{stages, time.runtime()};
+    FakeHotkey hotkey;
+    FakePermissions permissions;
+    FakeSignals signals;
+    FakeWindows windows;
+    FakeWatcher watcher;
+
+    Notifier notifier{&services};
+    RescueFolder rescueFolder{folder / "Gerettete Diktate", time};
+    DictationRescue rescue{rescueFolder, inserter, notifier};
+    DictationController controller;
+};
+
+} // namespace querlin
