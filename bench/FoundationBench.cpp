@@ -19,7 +19,8 @@ const std::string& germanText() {
     static const std::string text = [] {
         std::string repeated;
         while (repeated.size() < 36U << 10U) {
-            repeated += "Die Betreute äußerte im Gespräch, dass sie in ihrer Wohnung bleiben möchte. Der Pflegedienst kommt "
+            repeated += "Die Betreute äußerte im Gespräch, dass sie in ihrer Wohnung bleiben möchte. Der "
+                        "Pflegedienst kommt "
                         "täglich; größere Ausgaben werden vorher abgesprochen (§ 1838 BGB).\n";
         }
         return repeated;
@@ -28,7 +29,8 @@ const std::string& germanText() {
 }
 
 void graphemesOurs(benchmark::State& state) {
-    for (auto _ : state) benchmark::DoNotOptimize(querlin::graphemeCount(germanText()));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(querlin::graphemeCount(germanText()));
 }
 
 void graphemesIcu(benchmark::State& state) {
@@ -36,27 +38,32 @@ void graphemesIcu(benchmark::State& state) {
     const std::unique_ptr<icu::BreakIterator> iterator(
         icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
     const std::unique_ptr<UText, decltype(&utext_close)> text(
-        utext_openUTF8(nullptr, germanText().data(), static_cast<std::int64_t>(germanText().size()), &status), &utext_close);
+        utext_openUTF8(nullptr, germanText().data(), static_cast<std::int64_t>(germanText().size()), &status),
+        &utext_close);
     for (auto _ : state) {
         iterator->setText(text.get(), status);
         std::size_t count = 0;
-        while (iterator->next() != icu::BreakIterator::DONE) ++count;
+        while (iterator->next() != icu::BreakIterator::DONE)
+            ++count;
         benchmark::DoNotOptimize(count);
     }
 }
 
 void nfcCheckOurs(benchmark::State& state) {
-    for (auto _ : state) benchmark::DoNotOptimize(querlin::isNfc(germanText()));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(querlin::isNfc(germanText()));
 }
 
 void nfcCheckIcu(benchmark::State& state) {
     UErrorCode status = U_ZERO_ERROR;
     const auto* normalizer = icu::Normalizer2::getNFCInstance(status);
-    for (auto _ : state) benchmark::DoNotOptimize(normalizer->isNormalizedUTF8(germanText(), status));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(normalizer->isNormalizedUTF8(germanText(), status));
 }
 
 void lowercaseOurs(benchmark::State& state) {
-    for (auto _ : state) benchmark::DoNotOptimize(querlin::lowercase(germanText()));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(querlin::lowercase(germanText()));
 }
 
 void lowercaseIcu(benchmark::State& state) {

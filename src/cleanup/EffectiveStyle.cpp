@@ -7,11 +7,14 @@ namespace querlin {
 EffectiveStyle EffectiveStyle::resolve(const DictationContext& context, std::span<const AppProfile> profiles,
                                        WritingStyle fallbackStyle, bool fallbackPolish) {
     if (wantsRawText(context.field)) {
-        return {WritingStyle::neutral, false, std::string(displayName(context.field)) + " – roh und schnell", true};
+        return {WritingStyle::neutral, false, std::string(displayName(context.field)) + " – roh und schnell",
+                true};
     }
     if (context.bundleIdentifier) {
-        const auto found = std::ranges::find(profiles, *context.bundleIdentifier, &AppProfile::bundleIdentifier);
-        if (found != profiles.end()) return {found->style, found->polishEnabled, "Profil " + found->appName, false};
+        const auto found =
+            std::ranges::find(profiles, *context.bundleIdentifier, &AppProfile::bundleIdentifier);
+        if (found != profiles.end())
+            return {found->style, found->polishEnabled, "Profil " + found->appName, false};
     }
     return {fallbackStyle, fallbackPolish, "allgemeine Einstellung", false};
 }

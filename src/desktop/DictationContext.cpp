@@ -3,7 +3,8 @@
 namespace querlin {
 
 std::string DictationContext::summary() const {
-    return appName + " [" + bundleIdentifier.value_or("ohne Kennung") + "] · " + std::string(displayName(field));
+    return appName + " [" + bundleIdentifier.value_or("ohne Kennung") + "] · " +
+           std::string(displayName(field));
 }
 
 } // namespace querlin

@@ -10,8 +10,8 @@ namespace querlin {
 
 /// Something outside that ends a recording.
 enum class SystemSignal : std::uint8_t {
-    willSleep,         ///< the machine is about to sleep
-    sessionResigned,   ///< the user's login is no longer the active one
+    willSleep,       ///< the machine is about to sleep
+    sessionResigned, ///< the user's login is no longer the active one
     screenLocked
 };
 

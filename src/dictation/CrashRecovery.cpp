@@ -11,11 +11,13 @@ constexpr std::string_view placeholder = "(nur Tonaufnahme – nach einem Abstur
 
 } // namespace
 
-std::size_t rescueLeftBehind(const RecordingFolder& recordings, RescueFolder& rescueFolder, Notifier& notifier) {
+std::size_t rescueLeftBehind(const RecordingFolder& recordings, RescueFolder& rescueFolder,
+                             Notifier& notifier) {
     auto found = recordings.leftBehind();
     for (auto& recording : found) {
         auto text = recording.text();
-        if (text.empty()) text = placeholder;
+        if (text.empty())
+            text = placeholder;
         const auto result = rescueFolder.keep(text, std::move(recording));
         RescueReport::writeToLog(text, reason, result);
         RescueReport::notify(notifier, text, reason,

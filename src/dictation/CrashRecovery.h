@@ -9,6 +9,7 @@ namespace querlin::CrashRecovery {
 /// into the rescue folder and tells the user. The clipboard is left alone: whoever starts the program
 /// may have something of today on it. Recordings of living processes are not touched. What can't be
 /// moved stays for the next start. Gives the number of recordings found.
-std::size_t rescueLeftBehind(const RecordingFolder& recordings, RescueFolder& rescueFolder, Notifier& notifier);
+std::size_t rescueLeftBehind(const RecordingFolder& recordings, RescueFolder& rescueFolder,
+                             Notifier& notifier);
 
 } // namespace querlin::CrashRecovery

@@ -21,13 +21,15 @@ constexpr Duration permissionRetryInterval = std::chrono::seconds(2);
 
 } // namespace
 
-DictationController::DictationController(Runtime runtime, DictationCollaborators collaborators)
-    : runtime_(runtime), with_(collaborators),
-      partialTextKeeper_(runtime,
-                         [this](const std::string& text) {
-                             if (const auto* recording = with_.recorder.recording()) recording->keepText(text);
-                         }),
-      insertionTurn_(runtime.mainQueue) {
+DictationController::DictationController(Runtime runtime, DictationCollaborators collaborators) :
+    runtime_(runtime),
+    with_(collaborators),
+    partialTextKeeper_(runtime,
+                       [this](const std::string& text) {
+                           if (const auto* recording = with_.recorder.recording())
+                               recording->keepText(text);
+                       }),
+    insertionTurn_(runtime.mainQueue) {
     auto& queue = runtime_.mainQueue;
     auto& settings = with_.settings;
 
@@ -37,8 +39,10 @@ DictationController::DictationController(Runtime runtime, DictationCollaborators
     with_.history.setRetentionDays(settings.historyRetentionDays.get());
     settingsSubscriptions_.push_back(settings.historyRetentionDays.subscribe(
         [this](std::int64_t days) { with_.history.setRetentionDays(days); }, FirstValue::Skip));
-    with_.correctionWatcher.setOnSuggestion(lifetime_.onMain(
-        queue, [this](const CorrectionSuggestion& suggestion) { with_.windows.showCorrectionSuggestion(suggestion); }));
+    with_.correctionWatcher.setOnSuggestion(
+        lifetime_.onMain(queue, [this](const CorrectionSuggestion& suggestion) {
+            with_.windows.showCorrectionSuggestion(suggestion);
+        }));
     settingsSubscriptions_.push_back(settings.hotkey.subscribe(
         [this](const HotkeyConfig& config) { with_.hotkey.update(config); }, FirstValue::Skip));
     with_.recorder.setPreferredDeviceUID(settings.inputDeviceUID.get());
@@ -47,7 +51,8 @@ DictationController::DictationController(Runtime runtime, DictationCollaborators
         FirstValue::Skip));
     with_.recorder.setOnLevel(lifetime_.onMain(queue, [this](float level) {
         // A report may be on its way when the recording ends.
-        if (phase_.get().is(Kind::recording)) inputLevel_.set(level);
+        if (phase_.get().is(Kind::recording))
+            inputLevel_.set(level);
     }));
     with_.recorder.setOnConfigurationChange(
         lifetime_.onMain(queue, [this](const ConfigurationChange& change) { configurationChanged(change); }));
@@ -70,13 +75,15 @@ void DictationController::installHotkey() {
     hotkeyBlocked_.set(!started);
     DiagnosticsLog::note("controller", started ? "installHotkey → OK" : "installHotkey → fehlgeschlagen");
     permissionRetryTimer_.reset();
-    if (started) return;
+    if (started)
+        return;
     DiagnosticsLog::note("controller", "Warte auf Bedienungshilfen, prüfe alle 2 s…");
     permissionRetryTimer_.emplace(runtime_.mainQueue, permissionRetryInterval, [this] { permissionTick(); });
 }
 
 void DictationController::permissionTick() {
-    if (!with_.permissions.isAccessibilityTrusted() || !with_.hotkey.start()) return;
+    if (!with_.permissions.isAccessibilityTrusted() || !with_.hotkey.start())
+        return;
     hotkeyBlocked_.set(false);
     permissionRetryTimer_.reset();
 }
@@ -85,7 +92,8 @@ void DictationController::permissionTick() {
 
 void DictationController::beginDictation() {
     const auto& present = phase_.get();
-    if (isShutDown_ || !(present.is(Kind::idle) || present.is(Kind::error))) return;
+    if (isShutDown_ || !(present.is(Kind::idle) || present.is(Kind::error)))
+        return;
 
     auto& settings = with_.settings;
     const auto run = newest_ = std::make_shared<DictationRun>();
@@ -95,7 +103,8 @@ void DictationController::beginDictation() {
         with_.windows.showOnboarding();
         return;
     }
-    if (settings.engine.get() == TranscriptionEngine::appleSpeech && !isGranted(with_.permissions.speechState())) {
+    if (settings.engine.get() == TranscriptionEngine::appleSpeech &&
+        !isGranted(with_.permissions.speechState())) {
         fail("Spracherkennung nicht erlaubt");
         with_.windows.showOnboarding();
         return;
@@ -105,9 +114,11 @@ void DictationController::beginDictation() {
     inputLevel_.set(0);
     const bool contextAware = settings.contextAwareStyle.get();
     run->context = contextAware ? with_.contextDetector.capture() : DictationContext();
-    run->style = EffectiveStyle::resolve(
-        run->context, contextAware ? std::span<const AppProfile>(settings.appProfiles.get()) : std::span<const AppProfile>(),
-        settings.writingStyle.get(), true);
+    run->style =
+        EffectiveStyle::resolve(run->context,
+                                contextAware ? std::span<const AppProfile>(settings.appProfiles.get())
+                                             : std::span<const AppProfile>(),
+                                settings.writingStyle.get(), true);
     context_.set(run->context);
     effectiveStyle_.set(run->style);
 
@@ -124,7 +135,8 @@ void DictationController::beginDictation() {
     phase_.set({Kind::recording, {}});
     startElapsedTimer();
     with_.windows.showOverlay();
-    if (settings.playStartSound.get()) with_.sounds.play(FeedbackSound::start);
+    if (settings.playStartSound.get())
+        with_.sounds.play(FeedbackSound::start);
 }
 
 std::expected<void, std::string> DictationController::beginListening(const RunPointer& run) {
@@ -137,7 +149,8 @@ std::expected<void, std::string> DictationController::beginListening(const RunPo
     }
     run->transcriber = transcriber;
     with_.recorder.setOnBuffer([weak = std::weak_ptr(transcriber)](const AudioBuffer& buffer) {
-        if (const auto alive = weak.lock()) alive->append(buffer);
+        if (const auto alive = weak.lock())
+            alive->append(buffer);
     });
     if (const auto started = with_.recorder.start(WriteToDisk::Yes); !started) {
         return std::unexpected(started.error().description());
@@ -153,10 +166,10 @@ std::shared_ptr<StreamingTranscriber> DictationController::makeTranscriber(const
         engine = TranscriptionEngine::appleSpeech;
     }
     auto transcriber = with_.transcribers.make(engine);
-    transcriber->setOnPartialResult(lifetime_.onMain(
-        runtime_.mainQueue,
-        [this, weak = std::weak_ptr(run)](std::string text) {
-            if (const auto alive = weak.lock()) partialResult(alive, std::move(text));
+    transcriber->setOnPartialResult(
+        lifetime_.onMain(runtime_.mainQueue, [this, weak = std::weak_ptr(run)](std::string text) {
+            if (const auto alive = weak.lock())
+                partialResult(alive, std::move(text));
         }));
     transcriber->setContextualStrings(contextualStrings());
     return transcriber;
@@ -166,16 +179,20 @@ std::vector<std::string> DictationController::contextualStrings() const {
     const auto& settings = with_.settings;
     const auto limit = settings.contextualLimit.get();
     auto terms = settings.userDictionary.get();
-    if (settings.legalVocabularyEnabled.get()) return with_.vocabulary.contextualStrings(terms, limit);
-    if (limit < static_cast<std::int64_t>(terms.size())) terms.resize(static_cast<std::size_t>(std::max(limit, std::int64_t{0})));
+    if (settings.legalVocabularyEnabled.get())
+        return with_.vocabulary.contextualStrings(terms, limit);
+    if (limit < static_cast<std::int64_t>(terms.size()))
+        terms.resize(static_cast<std::size_t>(std::max(limit, std::int64_t{0})));
     return terms;
 }
 
 void DictationController::partialResult(const RunPointer& run, std::string text) {
     run->partialText = text;
-    if (!isNewest(*run)) return;
+    if (!isNewest(*run))
+        return;
     livePartialText_.set(text);
-    if (phase_.get().is(Kind::recording)) partialTextKeeper_.update(std::move(text));
+    if (phase_.get().is(Kind::recording))
+        partialTextKeeper_.update(std::move(text));
 }
 
 void DictationController::startElapsedTimer() {
@@ -194,7 +211,8 @@ void DictationController::elapsedTick() {
     }
     const auto limit = with_.settings.maxDictationMinutes.get();
     if (limit >= 1 && duration >= static_cast<double>(limit) * 60) {
-        DiagnosticsLog::note("audio", fmt::format("Obergrenze von {} Minuten erreicht – Diktat wird beendet.", limit));
+        DiagnosticsLog::note("audio",
+                             fmt::format("Obergrenze von {} Minuten erreicht – Diktat wird beendet.", limit));
         endDictation();
     }
 }
@@ -202,7 +220,8 @@ void DictationController::elapsedTick() {
 // The end
 
 void DictationController::endDictation() {
-    if (!phase_.get().is(Kind::recording)) return;
+    if (!phase_.get().is(Kind::recording))
+        return;
     const auto run = newest_;
     elapsedTimer_.reset();
     run->recordingSeconds = with_.recorder.duration();
@@ -252,7 +271,8 @@ void DictationController::cancelDictation() {
 /// Lets the newest dictation's recogniser go; one that a pipeline waits for ends by the cancellation.
 void DictationController::releaseTranscriber(bool cancel) {
     const auto transcriber = std::exchange(newest_->transcriber, nullptr);
-    if (transcriber && cancel) transcriber->cancel();
+    if (transcriber && cancel)
+        transcriber->cancel();
 }
 
 void DictationController::rest() {
@@ -262,11 +282,13 @@ void DictationController::rest() {
 
 /// For the phases of a run: a newer dictation's phase is not touched.
 void DictationController::setPhase(const DictationRun& run, Kind kind) {
-    if (isNewest(run)) phase_.set({kind, {}});
+    if (isNewest(run))
+        phase_.set({kind, {}});
 }
 
 void DictationController::play(FeedbackSound sound) {
-    if (with_.settings.playStopSound.get()) with_.sounds.play(sound);
+    if (with_.settings.playStopSound.get())
+        with_.sounds.play(sound);
 }
 
 void DictationController::fail(std::string message) {
@@ -287,13 +309,15 @@ void DictationController::notice(std::string message) {
 /// Ends the phase `kind` after a while, if it is still that kind.
 Task<> DictationController::takeBack(Kind kind, Duration delay) {
     co_await sleepFor(runtime_.mainQueue, delay);
-    if (phase_.get().is(kind)) rest();
+    if (phase_.get().is(kind))
+        rest();
 }
 
 // Small commands
 
 void DictationController::insertLegalText(std::string text) {
-    if (!isShutDown_) tasks_.start(insertLegalTextAtCursor(std::move(text)));
+    if (!isShutDown_)
+        tasks_.start(insertLegalTextAtCursor(std::move(text)));
 }
 
 Task<> DictationController::insertLegalTextAtCursor(std::string text) {
@@ -302,8 +326,8 @@ Task<> DictationController::insertLegalTextAtCursor(std::string text) {
     legalTextInserted(text, outcome);
 }
 
-void DictationController::legalTextInserted(const std::string& text,
-                                            const std::expected<TextInserter::Outcome, InsertError>& outcome) {
+void DictationController::legalTextInserted(
+    const std::string& text, const std::expected<TextInserter::Outcome, InsertError>& outcome) {
     if (!outcome) {
         const std::string reason(description(outcome.error()));
         if (phase_.get().isBusy()) {
@@ -329,7 +353,8 @@ void DictationController::writeDiagnostics() {
         fmt::format("  Spracherkennung: {}", caseName(with_.permissions.speechState())),
         fmt::format("  Phase: {}", phase_.get().statusText()),
         fmt::format("  hotkeyBlocked: {}", hotkeyBlocked_.get()),
-        fmt::format("  Engine: {}, Sprache: {}", rawValue(settings.engine.get()), rawValue(settings.language.get())),
+        fmt::format("  Engine: {}, Sprache: {}", rawValue(settings.engine.get()),
+                    rawValue(settings.language.get())),
         fmt::format("  Mikrofon: {} (verfügbar: {})", selectedMicrophone(inputs), inputs.size()),
         fmt::format("  Diktate gesamt: {}, Wörter: {}", with_.statistics.dictationCount.get(),
                     with_.statistics.wordCount.get()),
@@ -340,7 +365,8 @@ void DictationController::writeDiagnostics() {
 
 std::string DictationController::selectedMicrophone(const std::vector<AudioInputDevice>& inputs) const {
     const auto& chosen = with_.settings.inputDeviceUID.get();
-    const auto found = std::ranges::find_if(inputs, [&](const auto& input) { return chosen && input.uid == *chosen; });
+    const auto found =
+        std::ranges::find_if(inputs, [&](const auto& input) { return chosen && input.uid == *chosen; });
     return found == inputs.end() ? "Systemvorgabe" : found->name;
 }
 

@@ -124,7 +124,8 @@ private:
     void permissionTick();
     void partialResult(const RunPointer& run, std::string text);
     Task<> insertLegalTextAtCursor(std::string text);
-    void legalTextInserted(const std::string& text, const std::expected<TextInserter::Outcome, InsertError>& outcome);
+    void legalTextInserted(const std::string& text,
+                           const std::expected<TextInserter::Outcome, InsertError>& outcome);
     std::string selectedMicrophone(const std::vector<AudioInputDevice>& inputs) const;
     bool isNewest(const DictationRun& run) const { return newest_.get() == &run; }
     void setPhase(const DictationRun& run, DictationPhase::Kind kind);

@@ -28,8 +28,10 @@ std::string_view reasonOf(SystemSignal signal) {
 
 void DictationController::installInterruptionObservers() {
     interruptionObservers_.reset();
-    interruptionObservers_ = with_.systemSignals.observe(lifetime_.onMain(
-        runtime_.mainQueue, [this](SystemSignal signal, SystemHold hold) { interrupted(signal, std::move(hold)); }));
+    interruptionObservers_ = with_.systemSignals.observe(
+        lifetime_.onMain(runtime_.mainQueue, [this](SystemSignal signal, SystemHold hold) {
+            interrupted(signal, std::move(hold));
+        }));
 }
 
 void DictationController::interrupted(SystemSignal signal, SystemHold hold) {
@@ -38,9 +40,11 @@ void DictationController::interrupted(SystemSignal signal, SystemHold hold) {
 
 void DictationController::interrupt(std::string_view reason, bool forceRescue, SystemHold hold) {
     // A dictation whose key is up is delivered, whatever happens to the screen.
-    if (!phase_.get().is(DictationPhase::Kind::recording)) return;
+    if (!phase_.get().is(DictationPhase::Kind::recording))
+        return;
     DiagnosticsLog::note("controller", fmt::format("Diktat unterbrochen: {}", reason));
-    if (forceRescue) newest_->rescueReason = reason;
+    if (forceRescue)
+        newest_->rescueReason = reason;
     newest_->hold = std::move(hold);
     endDictation();
 }
@@ -48,12 +52,14 @@ void DictationController::interrupt(std::string_view reason, bool forceRescue, S
 void DictationController::configurationChanged(const ConfigurationChange& change) {
     switch (change.kind) {
     case ConfigurationChange::Kind::resumed:
-        DiagnosticsLog::note("audio", fmt::format("Eingang gewechselt ({}) – gleiches Format, Aufnahme läuft weiter.",
-                                                  change.text));
+        DiagnosticsLog::note(
+            "audio",
+            fmt::format("Eingang gewechselt ({}) – gleiches Format, Aufnahme läuft weiter.", change.text));
         return;
     case ConfigurationChange::Kind::formatChanged:
-        DiagnosticsLog::note("audio", fmt::format("Eingang gewechselt ({}) – anderes Format, Diktat wird hier beendet.",
-                                                  change.text));
+        DiagnosticsLog::note(
+            "audio",
+            fmt::format("Eingang gewechselt ({}) – anderes Format, Diktat wird hier beendet.", change.text));
         interrupt("Das Mikrofon hat mitten im Diktat gewechselt", false);
         return;
     case ConfigurationChange::Kind::failed:
@@ -64,7 +70,8 @@ void DictationController::configurationChanged(const ConfigurationChange& change
 }
 
 void DictationController::shutdown() {
-    if (std::exchange(isShutDown_, true)) return;
+    if (std::exchange(isShutDown_, true))
+        return;
     elapsedTimer_.reset();
     with_.correctionWatcher.stop();
     permissionRetryTimer_.reset();
@@ -85,10 +92,12 @@ void DictationController::rescueAtShutdown() {
         with_.rescue.rescue(text.empty() ? audioOnlyPlaceholder : text, std::move(recording), shutdownReason);
     };
     for (auto* run : inPipeline_) {
-        if (run->isCancelled || (!run->recording && run->text.empty())) continue;
+        if (run->isCancelled || (!run->recording && run->text.empty()))
+            continue;
         save(run->text.empty() ? run->partialText : run->text, std::exchange(run->recording, std::nullopt));
     }
-    if (auto recording = with_.recorder.detachRecording()) save(livePartialText_.get(), std::move(recording));
+    if (auto recording = with_.recorder.detachRecording())
+        save(livePartialText_.get(), std::move(recording));
 }
 
 } // namespace querlin

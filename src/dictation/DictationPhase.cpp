@@ -23,17 +23,23 @@ constexpr std::array<Appearance, 7> appearances = {{
     {"", "exclamationmark.triangle", false},
 }};
 
-const Appearance& appearance(DictationPhase::Kind kind) { return appearances.at(static_cast<std::size_t>(kind)); }
+const Appearance& appearance(DictationPhase::Kind kind) {
+    return appearances.at(static_cast<std::size_t>(kind));
+}
 
 } // namespace
 
-bool DictationPhase::isBusy() const { return appearance(kind).isBusy; }
+bool DictationPhase::isBusy() const {
+    return appearance(kind).isBusy;
+}
 
 std::string_view DictationPhase::statusText() const {
     const auto label = appearance(kind).statusText;
     return label.empty() ? std::string_view(text) : label;
 }
 
-std::string_view DictationPhase::symbolName() const { return appearance(kind).symbolName; }
+std::string_view DictationPhase::symbolName() const {
+    return appearance(kind).symbolName;
+}
 
 } // namespace querlin

@@ -25,7 +25,8 @@ namespace {
 
 /// Some reasons are errors' own sentences.
 std::string_view clause(std::string_view reason) {
-    if (reason.ends_with('.')) reason.remove_suffix(1);
+    if (reason.ends_with('.'))
+        reason.remove_suffix(1);
     return reason;
 }
 
@@ -33,11 +34,13 @@ std::string_view clause(std::string_view reason) {
 
 void writeToLog(std::string_view text, std::string_view reason, const RescueFolder::Result& result) {
     auto line = fmt::format("{} – {} Wörter gerettet", clause(reason), countWords(text));
-    if (result.textFile) line += " → " + result.textFile->filename().string();
+    if (result.textFile)
+        line += " → " + result.textFile->filename().string();
     DiagnosticsLog::note("rescue", line);
 }
 
-void notify(Notifier& notifier, std::string_view text, std::string_view reason, std::string_view whereabouts) {
+void notify(Notifier& notifier, std::string_view text, std::string_view reason,
+            std::string_view whereabouts) {
     constexpr std::size_t shownCharacters = 120;
     notifier.post("Diktat nicht eingefügt", fmt::format("{}. {}\n\n„{}…“", clause(reason), whereabouts,
                                                         firstGraphemes(text, shownCharacters)));

@@ -13,8 +13,8 @@ namespace querlin {
 /// with its recording, and tells the user. Main thread.
 class DictationRescue {
 public:
-    DictationRescue(RescueFolder& folder, TextInserter& inserter, Notifier& notifier)
-        : folder_(folder), inserter_(inserter), notifier_(notifier) {}
+    DictationRescue(RescueFolder& folder, TextInserter& inserter, Notifier& notifier) :
+        folder_(folder), inserter_(inserter), notifier_(notifier) {}
 
     /// `reason` is a German clause without a full stop. Whatever the disk does, the text is on the
     /// clipboard and the user is told.

@@ -5,7 +5,8 @@
 namespace querlin {
 
 void Notifier::requestAuthorizationIfNeeded() {
-    if (hasRequested_ || !service_) return;
+    if (hasRequested_ || !service_)
+        return;
     hasRequested_ = true;
     service_->requestAuthorization([](const std::expected<bool, std::string>& answer) {
         if (!answer) {
@@ -17,7 +18,8 @@ void Notifier::requestAuthorizationIfNeeded() {
 }
 
 void Notifier::post(std::string title, std::string body) {
-    if (!service_) return;
+    if (!service_)
+        return;
     service_->post(std::move(title), std::move(body), [](const std::string& detail) {
         DiagnosticsLog::note("notify", "Meldung nicht zustellbar: " + detail);
     });

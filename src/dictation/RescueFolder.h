@@ -22,8 +22,8 @@ public:
         std::optional<std::filesystem::path> audioFile;
     };
 
-    RescueFolder(std::filesystem::path folder, const Clock& clock)
-        : folder_(std::move(folder)), clock_(clock) {}
+    RescueFolder(std::filesystem::path folder, const Clock& clock) :
+        folder_(std::move(folder)), clock_(clock) {}
 
     /// Keeps a text and its recording, and removes the oldest beyond `keepNewest`. Never fails towards
     /// the caller. What can't be moved here stays in the folder of recordings, with the text beside it,

@@ -14,6 +14,10 @@ namespace querlin {
 struct FileError {
     std::error_code code;
     std::string description() const { return code.message(); }
+    /// Whether there simply is no such file.
+    bool isMissing() const {
+        return code == std::errc::no_such_file_or_directory || code == std::errc::not_a_directory;
+    }
 };
 
 template<class Value = void>

@@ -30,7 +30,8 @@ LocalTime localTime(Date date) {
             .hour = parts.tm_hour,
             .minute = parts.tm_min,
             .second = parts.tm_sec,
-            .millisecond = static_cast<int>(std::chrono::floor<std::chrono::milliseconds>(date - whole).count()),
+            .millisecond =
+                static_cast<int>(std::chrono::floor<std::chrono::milliseconds>(date - whole).count()),
             .weekday = parts.tm_wday};
 }
 
@@ -60,7 +61,8 @@ std::string germanNumber(std::int64_t number) {
 
 std::string localFileStamp(Date date) {
     const auto t = localTime(date);
-    return fmt::format("{:04}-{:02}-{:02} {:02}-{:02}-{:02}", t.year, t.month, t.day, t.hour, t.minute, t.second);
+    return fmt::format("{:04}-{:02}-{:02} {:02}-{:02}-{:02}", t.year, t.month, t.day, t.hour, t.minute,
+                       t.second);
 }
 
 std::string localLogStamp(Date date) {
@@ -70,13 +72,15 @@ std::string localLogStamp(Date date) {
 
 std::optional<Date> daysBefore(Date date, std::int64_t days) {
     constexpr std::int64_t furthest = 365 * 250; // Within what a date can hold, from any present day.
-    if (days < 0 || days > furthest) return std::nullopt;
+    if (days < 0 || days > furthest)
+        return std::nullopt;
     const auto whole = std::chrono::floor<std::chrono::seconds>(date);
     auto parts = brokenDown(whole);
     parts.tm_mday -= static_cast<int>(days);
     parts.tm_isdst = -1; // Summer time is that day's affair.
     const auto earlier = std::chrono::sys_seconds(std::chrono::seconds(::mktime(&parts)));
-    if (earlier < std::chrono::ceil<std::chrono::seconds>(Date::min())) return std::nullopt;
+    if (earlier < std::chrono::ceil<std::chrono::seconds>(Date::min()))
+        return std::nullopt;
     return Date(earlier) + (date - whole);
 }
 

@@ -15,7 +15,8 @@ public:
     template<class Call>
     auto whileAlive(Call call) const {
         return [weak = std::weak_ptr(token_), call = std::move(call)](auto... arguments) mutable {
-            if (!weak.expired()) call(std::move(arguments)...);
+            if (!weak.expired())
+                call(std::move(arguments)...);
         };
     }
 
@@ -24,7 +25,8 @@ public:
     auto onMain(MainQueue& queue, Call call) const {
         return [&queue, weak = std::weak_ptr(token_), call = std::move(call)](auto... arguments) {
             queue.post([weak, call, ... arguments = std::move(arguments)]() mutable {
-                if (!weak.expired()) call(std::move(arguments)...);
+                if (!weak.expired())
+                    call(std::move(arguments)...);
             });
         };
     }

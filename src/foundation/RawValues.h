@@ -23,12 +23,15 @@ concept RawValued = requires(Enum value) { enumRows(value); };
 template<RawValued Enum>
 constexpr const EnumRow<Enum>& enumRow(Enum value) {
     static constexpr auto rows = enumRows(Enum());
-    static_assert([] {
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            if (rows[i].value != static_cast<Enum>(i)) return false;
-        }
-        return true;
-    }(), "the rows stand in the order of the cases, and none is missing");
+    static_assert(
+        [] {
+            for (std::size_t i = 0; i < rows.size(); ++i) {
+                if (rows[i].value != static_cast<Enum>(i))
+                    return false;
+            }
+            return true;
+        }(),
+        "the rows stand in the order of the cases, and none is missing");
     return rows[static_cast<std::size_t>(value)];
 }
 
@@ -46,7 +49,8 @@ constexpr std::string_view displayName(Enum value) {
 template<RawValued Enum>
 constexpr std::optional<Enum> fromRawValue(std::string_view rawValue) {
     for (const auto& row : enumRows(Enum())) {
-        if (row.rawValue == rawValue) return row.value;
+        if (row.rawValue == rawValue)
+            return row.value;
     }
     return std::nullopt;
 }

@@ -9,8 +9,8 @@ struct RepeatingTimer::State {
     Registration next;
 };
 
-RepeatingTimer::RepeatingTimer(MainQueue& queue, Duration interval, Work tick)
-    : state_(std::make_shared<State>(queue, interval, std::move(tick), Registration())) {
+RepeatingTimer::RepeatingTimer(MainQueue& queue, Duration interval, Work tick) :
+    state_(std::make_shared<State>(queue, interval, std::move(tick), Registration())) {
     schedule(state_);
 }
 

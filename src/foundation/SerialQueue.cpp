@@ -20,7 +20,8 @@ struct SerialQueue::State {
         std::unique_lock guard(mutex);
         while (true) {
             changed.wait(guard, [this] { return ending || !waiting.empty(); });
-            if (waiting.empty()) return;
+            if (waiting.empty())
+                return;
             {
                 Work work = std::move(waiting.front());
                 waiting.pop_front();

@@ -11,9 +11,11 @@ namespace querlin {
 
 void AppSettings::addUserTerm(std::string_view term) {
     const auto trimmed = trimWhitespaceAndNewlines(term);
-    if (trimmed.empty()) return;
+    if (trimmed.empty())
+        return;
     auto terms = userDictionary.get();
-    if (std::ranges::any_of(terms, [&](const auto& known) { return equalIgnoringCase(known, trimmed); })) return;
+    if (std::ranges::any_of(terms, [&](const auto& known) { return equalIgnoringCase(known, trimmed); }))
+        return;
     terms.emplace_back(trimmed);
     std::ranges::stable_sort(
         terms, [](const auto& a, const auto& b) { return compareIgnoringCaseLocalized(a, b) < 0; });
@@ -27,12 +29,13 @@ void AppSettings::removeUserTerm(std::string_view term) {
 }
 
 void AppSettings::recordLaunch(Date now) {
-    if (!installedAt.get()) installedAt.set(now);
+    if (!installedAt.get())
+        installedAt.set(now);
 }
 
 bool AppSettings::suiteHintIsDue(Date now) const {
-    return SuiteHintSchedule::isDue(now, installedAt.get(), suiteHintLastShown.get(), suiteHintDismissals.get(),
-                                    suiteLinkOpened.get());
+    return SuiteHintSchedule::isDue(now, installedAt.get(), suiteHintLastShown.get(),
+                                    suiteHintDismissals.get(), suiteLinkOpened.get());
 }
 
 void AppSettings::recordSuiteLinkOpened() {
@@ -41,7 +44,9 @@ void AppSettings::recordSuiteLinkOpened() {
     suiteHintDismissals.set(0);
 }
 
-bool AppSettings::formerFeedbackSounds() const { return store_.get<bool>("playFeedbackSounds").value_or(true); }
+bool AppSettings::formerFeedbackSounds() const {
+    return store_.get<bool>("playFeedbackSounds").value_or(true);
+}
 
 WritingStyle AppSettings::formerStyle() const {
     return writingStyleFromLegacyFormality(store_.get<std::string>("formality"));

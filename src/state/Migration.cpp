@@ -49,15 +49,18 @@ constexpr std::array<std::string_view, 32> copiedKeys = {
 
 } // namespace
 
-bool runIfNeeded(PreferencesStore& store, std::string_view legacyDomain, const std::filesystem::path& legacyFile) {
-    if (store.get<bool>(marker).value_or(false)) return false;
+bool runIfNeeded(PreferencesStore& store, std::string_view legacyDomain,
+                 const std::filesystem::path& legacyFile) {
+    if (store.get<bool>(marker).value_or(false))
+        return false;
     const auto legacy = PreferenceDomain::read(legacyFile).value_or(PreferenceDomain());
 
     int copied = 0;
     {
         const PreferencesStore::Batch together(store);
         for (const auto key : copiedKeys) {
-            if (!legacy.contains(key) || store.contains(key)) continue;
+            if (!legacy.contains(key) || store.contains(key))
+                continue;
             store.copyFrom(legacy, key);
             ++copied;
         }
@@ -66,7 +69,8 @@ bool runIfNeeded(PreferencesStore& store, std::string_view legacyDomain, const s
     if (copied == 0) {
         DiagnosticsLog::note("migration", "Nichts zu übernehmen – Neuinstallation.");
     } else {
-        DiagnosticsLog::note("migration", fmt::format("Übernommen aus {}: {} Einstellungen.", legacyDomain, copied));
+        DiagnosticsLog::note("migration",
+                             fmt::format("Übernommen aus {}: {} Einstellungen.", legacyDomain, copied));
     }
     return copied > 0;
 }

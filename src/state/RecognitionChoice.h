@@ -12,7 +12,8 @@ enum class DictationLanguage : std::uint8_t { german, english, system };
 
 constexpr std::array<EnumRow<DictationLanguage>, 3> enumRows(DictationLanguage) {
     using enum DictationLanguage;
-    return {{{german, "de-DE", "Deutsch"}, {english, "en-US", "Englisch"}, {system, "system", "Systemsprache"}}};
+    return {
+        {{german, "de-DE", "Deutsch"}, {english, "en-US", "Englisch"}, {system, "system", "Systemsprache"}}};
 }
 
 /// The two recognisers: the newer streaming service, and the classic one.

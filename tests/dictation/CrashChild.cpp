@@ -16,7 +16,8 @@ namespace querlin {
 namespace {
 
 void tell(char how) {
-    if (::write(STDOUT_FILENO, &how, 1) != 1) std::abort();
+    if (::write(STDOUT_FILENO, &how, 1) != 1)
+        std::abort();
 }
 
 class TellingInserter final : public TextInserter {
@@ -24,7 +25,8 @@ public:
     TellingInserter(MainQueue& queue, Outcome outcome) : queue_(queue), outcome_(outcome) {}
     Task<InsertResult> insert(std::string) override {
         co_await sleepFor(queue_, std::chrono::milliseconds(10));
-        if (outcome_ == Outcome::inserted) tell('d');
+        if (outcome_ == Outcome::inserted)
+            tell('d');
         co_return outcome_;
     }
     void placeInPasteboard(std::string_view) override {}
@@ -87,16 +89,16 @@ int runDictation(const std::filesystem::path& folder, TextInserter::Outcome outc
     tell('r');
     int partials = 0;
     std::optional<RepeatingTimer> speech;
-    speech.emplace(loop, std::chrono::milliseconds(2), [&] {
-        services.transcriber->partial("Teil " + std::to_string(++partials));
-    });
+    speech.emplace(loop, std::chrono::milliseconds(2),
+                   [&] { services.transcriber->partial("Teil " + std::to_string(++partials)); });
     const auto release = loop.after(std::chrono::milliseconds(25), [&] {
         speech.reset();
         controller.endDictation();
     });
     const auto rest = controller.phase().subscribe(
         [&](const DictationPhase& phase) {
-            if (phase.is(DictationPhase::Kind::idle)) loop.quit();
+            if (phase.is(DictationPhase::Kind::idle))
+                loop.quit();
         },
         FirstValue::Skip);
     loop.run();
@@ -110,7 +112,9 @@ int runDictation(const std::filesystem::path& folder, TextInserter::Outcome outc
 
 int main(int count, char** arguments) {
     using Outcome = querlin::TextInserter::Outcome;
-    if (count != 3) return EXIT_FAILURE;
-    return querlin::runDictation(arguments[1], std::string_view(arguments[2]) == "delivered" ? Outcome::inserted
-                                                                                             : Outcome::notInserted);
+    if (count != 3)
+        return EXIT_FAILURE;
+    return querlin::runDictation(arguments[1], std::string_view(arguments[2]) == "delivered"
+                                                   ? Outcome::inserted
+                                                   : Outcome::notInserted);
 }

@@ -21,7 +21,8 @@ namespace {
 
 /// Runs a dictation in a child process, kills it `delay` after it began to record, and gives what it
 /// had told by then.
-std::string killedAfter(const std::filesystem::path& folder, const char* outcome, std::chrono::microseconds delay) {
+std::string killedAfter(const std::filesystem::path& folder, const char* outcome,
+                        std::chrono::microseconds delay) {
     std::array<int, 2> pipe{};
     EXPECT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
     posix_spawn_file_actions_t actions{};
@@ -38,11 +39,13 @@ std::string killedAfter(const std::filesystem::path& folder, const char* outcome
 
     std::string told;
     char sign = 0;
-    if (::read(pipe[0], &sign, 1) == 1) told += sign;
+    if (::read(pipe[0], &sign, 1) == 1)
+        told += sign;
     std::this_thread::sleep_for(delay);
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
-    while (::read(pipe[0], &sign, 1) == 1) told += sign;
+    while (::read(pipe[0], &sign, 1) == 1)
+        told += sign;
     ::close(pipe[0]);
     return told;
 }
@@ -57,7 +60,8 @@ TEST(Crash, AKilledDictationIsFoundAtTheNextStart) {
     for (int i = 0; i < kills && !testing::Test::HasFailure(); ++i) {
         const TempFolder folder;
         const char* outcome = i % 3 == 0 ? "rescued" : "delivered";
-        const auto told = killedAfter(folder.path(), outcome, std::chrono::microseconds(microseconds(random)));
+        const auto told =
+            killedAfter(folder.path(), outcome, std::chrono::microseconds(microseconds(random)));
         ASSERT_TRUE(told.starts_with('r')) << "the child must get as far as recording";
 
         RescueFolder rescueFolder(folder / "Gerettete Diktate", time);
@@ -73,9 +77,11 @@ TEST(Crash, AKilledDictationIsFoundAtTheNextStart) {
         for (const auto& name : rescued) {
             const auto content = contentOf(rescueFolder.path() / name);
             EXPECT_FALSE(content.empty()) << name;
-            if (content.starts_with("Teil ") || content.starts_with("Hallo Welt")) ++withText;
+            if (content.starts_with("Teil ") || content.starts_with("Hallo Welt"))
+                ++withText;
         }
-        if (told.find('d') != std::string::npos) ++afterDelivery;
+        if (told.find('d') != std::string::npos)
+            ++afterDelivery;
         EXPECT_TRUE(recordings.leftBehind().empty());
         EXPECT_EQ(CrashRecovery::rescueLeftBehind(recordings, rescueFolder, notifier), 0U);
     }

@@ -14,15 +14,19 @@ using Texts = std::vector<std::string>;
 void bringTo(DictationWorld& w, Kind phase) {
     w.stages.marks = false;
     w.settings.cleanupMode.set(CleanupMode::local);
-    if (phase == Kind::idle) return;
+    if (phase == Kind::idle)
+        return;
     w.press();
     w.services.transcriber->partial("Teil");
     w.wait(seconds(1));
-    if (phase == Kind::recording) return;
+    if (phase == Kind::recording)
+        return;
     w.release();
-    if (phase == Kind::transcribing) return;
+    if (phase == Kind::transcribing)
+        return;
     w.wait(seconds(0.5));
-    if (phase == Kind::enhancing) return;
+    if (phase == Kind::enhancing)
+        return;
     w.wait(seconds(1.5));
     ASSERT_EQ(w.phase(), Kind::inserting);
 }
@@ -32,16 +36,19 @@ TEST(Interruption, SystemSignalsEndARecordingIntoTheRescueFolderAndNothingElse) 
         SystemSignal signal;
         const char* reason;
     };
-    for (const auto& row : {Row{SystemSignal::willSleep, "Der Mac wurde gesperrt oder ging in den Ruhezustand"},
-                            Row{SystemSignal::sessionResigned, "Der Mac wurde gesperrt oder ging in den Ruhezustand"},
-                            Row{SystemSignal::screenLocked, "Der Bildschirm wurde gesperrt"}}) {
-        for (const auto phase : {Kind::idle, Kind::recording, Kind::transcribing, Kind::enhancing, Kind::inserting}) {
+    for (const auto& row :
+         {Row{SystemSignal::willSleep, "Der Mac wurde gesperrt oder ging in den Ruhezustand"},
+          Row{SystemSignal::sessionResigned, "Der Mac wurde gesperrt oder ging in den Ruhezustand"},
+          Row{SystemSignal::screenLocked, "Der Bildschirm wurde gesperrt"}}) {
+        for (const auto phase :
+             {Kind::idle, Kind::recording, Kind::transcribing, Kind::enhancing, Kind::inserting}) {
             DictationWorld w;
             bringTo(w, phase);
             w.signals.send(row.signal);
             w.time.settle();
             const bool ends = phase == Kind::recording;
-            EXPECT_EQ(w.log.countOf("[controller] Diktat unterbrochen: " + std::string(row.reason)), ends ? 1U : 0U);
+            EXPECT_EQ(w.log.countOf("[controller] Diktat unterbrochen: " + std::string(row.reason)),
+                      ends ? 1U : 0U);
             w.wait(seconds(10));
             EXPECT_EQ(w.rescuedTexts(), ends ? Texts{"Hallo Welt"} : Texts{}) << row.reason;
             EXPECT_EQ(w.rescuedRecordings(), ends ? 1U : 0U);
@@ -85,7 +92,8 @@ TEST(Interruption, TheMachineIsHeldAwakeUntilTheTextIsSafe) {
         const std::weak_ptr watch = unneeded;
         other.signals.send(SystemSignal::willSleep, std::exchange(unneeded, nullptr));
         other.time.settle();
-        if (length == 1.0) other.controller.cancelDictation();
+        if (length == 1.0)
+            other.controller.cancelDictation();
         other.time.settle();
         EXPECT_TRUE(watch.expired()) << length;
     }
@@ -112,8 +120,10 @@ TEST(Interruption, MicrophoneChangesEndTheRecordingButPasteAsUsual) {
         bool ends;
     };
     for (const auto& row :
-         {Row{Change::resumed, "Headset", "[audio] Eingang gewechselt (Headset) – gleiches Format, Aufnahme läuft weiter.", false},
-          Row{Change::formatChanged, "USB", "[audio] Eingang gewechselt (USB) – anderes Format, Diktat wird hier beendet.", true},
+         {Row{Change::resumed, "Headset",
+              "[audio] Eingang gewechselt (Headset) – gleiches Format, Aufnahme läuft weiter.", false},
+          Row{Change::formatChanged, "USB",
+              "[audio] Eingang gewechselt (USB) – anderes Format, Diktat wird hier beendet.", true},
           Row{Change::failed, "weg", "[audio] Nach dem Gerätewechsel kein Eingang: weg", true}}) {
         DictationWorld w;
         bringTo(w, Kind::recording);
@@ -134,10 +144,11 @@ TEST(Shutdown, RescuesWhateverIsUnderWay) {
         Texts rescued;
         const char* reason;
     };
-    for (const auto& row : {Row{Kind::idle, {}, "nothing runs"}, Row{Kind::recording, {"Teil"}, "partial text"},
-                            Row{Kind::transcribing, {"Teil"}, "no transcript yet"},
-                            Row{Kind::enhancing, {"Hallo Welt"}, "the transcript goes before the partial text"},
-                            Row{Kind::inserting, {"Hallo Welt"}, "not known to have arrived"}}) {
+    for (const auto& row :
+         {Row{Kind::idle, {}, "nothing runs"}, Row{Kind::recording, {"Teil"}, "partial text"},
+          Row{Kind::transcribing, {"Teil"}, "no transcript yet"},
+          Row{Kind::enhancing, {"Hallo Welt"}, "the transcript goes before the partial text"},
+          Row{Kind::inserting, {"Hallo Welt"}, "not known to have arrived"}}) {
         DictationWorld w;
         bringTo(w, row.phase);
         w.controller.shutdown();

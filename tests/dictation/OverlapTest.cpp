@@ -26,7 +26,10 @@ TEST(Cancellation, EndsEachPhaseAtOnce) {
     };
     const std::vector<Row> rows = {
         {-1, {}, {}, "recording: nothing happens any more"},
-        {0.1, {}, DictationPhase::notice("Nichts gehört"), "transcribing: the recogniser gives the empty text"},
+        {0.1,
+         {},
+         DictationPhase::notice("Nichts gehört"),
+         "transcribing: the recogniser gives the empty text"},
         {1.0, {"Hallo"}, {}, "enhancing: the text is there and is delivered"},
         {2.2, {"Hallo"}, {}, "inserting: likewise"},
     };
@@ -103,32 +106,29 @@ TEST(Overlap, AnOlderRunDeliversAndBooksButLeavesTheNewerAlone) {
 
 TEST(Overlap, AnOlderRunsFailureIsNotTheNewersError) {
     struct Row {
-        std::variant<std::string, TranscriptionError> result;
+        const char* transcript;
         InsertResult inserted;
         Texts rescued;
         const char* reason;
     };
     const std::vector<Row> rows = {
-        {TranscriptionError{}, TextInserter::Outcome::inserted, {}, "recognition fails"},
-        {std::string(), TextInserter::Outcome::inserted, {}, "nothing heard"},
-        {std::string("alles verwerfen"), TextInserter::Outcome::inserted, {}, "discarded"},
-        {std::string("alt"), TextInserter::Outcome::notInserted, {"alt"}, "not inserted"},
-        {std::string("streiche das"), std::unexpected(InsertError::noAccessibilityPermission), {}, "refused and empty"},
+        {"alt", TextInserter::Outcome::notInserted, {"alt"}, "not inserted"},
+        {"alt", std::unexpected(InsertError::noAccessibilityPermission), {"alt"}, "refused"},
+        {"streiche das",
+         std::unexpected(InsertError::noAccessibilityPermission),
+         {},
+         "refused, nothing to insert"},
     };
     for (const auto& row : rows) {
         DictationWorld w;
-        prepare(w, "");
-        w.services.script.result = row.result;
-        w.services.script.delay = seconds(2);
+        prepare(w, row.transcript);
         w.inserter.next = row.inserted;
         w.hold(seconds(1));
-        // A law text that can't be inserted turns the phase of a run that is at rest into an error,
-        // which lets the next press through while the run goes on.
-        w.wait(seconds(1));
+        w.wait(seconds(0.6)); // enhancing
         w.controller.cancelDictation();
-        w.services.script.result = "neu";
         w.press();
         w.wait(seconds(6));
+        EXPECT_EQ(w.rescuedTexts(), row.rescued) << row.reason;
         EXPECT_EQ(w.phase(), Kind::recording) << row.reason;
         EXPECT_TRUE(w.windows.overlayIsVisible) << row.reason;
         EXPECT_EQ(w.recordings().size(), 2U) << row.reason << ": audio and lock";
@@ -158,19 +158,17 @@ TEST(Overlap, InsertionsTakeTurns) {
     EXPECT_EQ(w.inserter.delivered, (Texts{"Hallo Welt", "§ 1", "§ 2"}));
 }
 
-TEST(Overlap, ShutdownRescuesAnOlderRunAndTheRecording) {
+TEST(Overlap, ShutdownRescuesTheRecordingBesideACancelledRun) {
     DictationWorld w;
     prepare(w, "alt");
     w.hold(seconds(1));
     w.wait(seconds(0.6)); // enhancing
-    // A failing law text in the pause of a phase at rest can't occur here, so the newer dictation comes
-    // from the only other way in: the older one is cancelled.
     w.controller.cancelDictation();
     w.press();
     w.services.transcriber->partial("neuer Teil");
     w.time.settle();
     w.controller.shutdown();
-    EXPECT_EQ(w.rescuedTexts(), Texts{"neuer Teil"}) << "the cancelled one was given up by the user";
+    EXPECT_EQ(w.rescuedTexts(), Texts{"neuer Teil"}) << "the user had given the older one up";
 }
 
 } // namespace

@@ -20,20 +20,35 @@ TEST(Pipeline, StagesRunInTheirOrderUnderTheirConditions) {
         const char* engine;
         const char* reason;
     };
-    const auto search = [](DictationWorld& w) { w.services.context.field = DictationContext::FieldKind::search; };
+    const auto search = [](DictationWorld& w) {
+        w.services.context.field = DictationContext::FieldKind::search;
+    };
     const auto local = [](DictationWorld& w) { w.settings.cleanupMode.set(CleanupMode::local); };
     const std::vector<Row> rows = {
         {[](auto&) {}, "a", "a·c·r·l·f·u", "Regelbasiert", "Aktenstil by rules"},
         {[](auto&) {}, "Baustein", "Baustein·c·r·b·l·f·u", "Regelbasiert", "text blocks"},
         {[](auto&) {}, "www", "www·c·r·l·f·w", "Regelbasiert", "the whole text is an address"},
-        {[](auto& w) { w.settings.dictationCommandsEnabled.set(false); }, "alles verwerfen", "alles verwerfen·r·l·f·u", "Regelbasiert", "commands off"},
-        {[](auto& w) { w.settings.cleanupMode.set(CleanupMode::none); }, "a", "a·c·l·f·u", "Roh", "no cleanup"},
-        {[](auto& w) { w.settings.writingStyle.set(WritingStyle::brief); }, "a", "a·c·r·l·u", "Regelbasiert", "no legal formatting in letters"},
+        {[](auto& w) { w.settings.dictationCommandsEnabled.set(false); }, "alles verwerfen",
+         "alles verwerfen·r·l·f·u", "Regelbasiert", "commands off"},
+        {[](auto& w) { w.settings.cleanupMode.set(CleanupMode::none); }, "a", "a·c·l·f·u", "Roh",
+         "no cleanup"},
+        {[](auto& w) { w.settings.writingStyle.set(WritingStyle::brief); }, "a", "a·c·r·l·u", "Regelbasiert",
+         "no legal formatting in letters"},
         {search, "a", "a·C·l·u", "Regelbasiert", "compact text skips the rules"},
-        {[](auto& w) { w.enhancer.fails = true; }, "a", "a·c·l·f·u", "Regelbasiert", "failing rules are silent"},
-        {local, "a", "a·c·r·l·f·u·m·l·f", "Lokal (Apple)", "the model's text passes law and formatting again"},
-        {[local](auto& w) { local(w); w.settings.writingStyle.set(WritingStyle::neutral); }, "a", "a·c·r·l·u·m·l", "Lokal (Apple)", "neutral with model"},
-        {[local](auto& w) { local(w); w.settings.appProfiles.set({{"com.example.mail", "Mail", WritingStyle::aktenstil, false}}); }, "a", "a·c·r·l·f·u", "Regelbasiert", "polish off by profile"},
+        {[](auto& w) { w.enhancer.fails = true; }, "a", "a·c·l·f·u", "Regelbasiert",
+         "failing rules are silent"},
+        {local, "a", "a·c·r·l·f·u·m·l·f", "Lokal (Apple)",
+         "the model's text passes law and formatting again"},
+        {[local](auto& w) {
+             local(w);
+             w.settings.writingStyle.set(WritingStyle::neutral);
+         },
+         "a", "a·c·r·l·u·m·l", "Lokal (Apple)", "neutral with model"},
+        {[local](auto& w) {
+             local(w);
+             w.settings.appProfiles.set({{"com.example.mail", "Mail", WritingStyle::aktenstil, false}});
+         },
+         "a", "a·c·r·l·f·u", "Regelbasiert", "polish off by profile"},
     };
     for (const auto& row : rows) {
         DictationWorld w;
@@ -117,28 +132,93 @@ TEST(Pipeline, EveryFailureTreatsWordsAndAudioAsItShould) {
         const char* reason;
     };
     const DictationPhase idle;
-    const auto throwing = [](DictationWorld& w) { w.inserter.next = std::unexpected(InsertError::noAccessibilityPermission); };
+    const auto throwing = [](DictationWorld& w) {
+        w.inserter.next = std::unexpected(InsertError::noAccessibilityPermission);
+    };
     const std::vector<Row> rows = {
-        {[](auto& w) { w.services.script.result = TranscriptionError{TranscriptionError::Kind::failed, "Dienst weg"}; }, nullptr,
-         DictationPhase::error("Transkription fehlgeschlagen: Dienst weg"), {failure}, {}, {}, nullptr, "recogniser fails without a word"},
-        {[](auto&) {}, "", DictationPhase::notice("Nichts gehört"), {}, {}, {}, "[pipeline] Leeres Diktat – nichts erkannt.", "empty transcript"},
-        {[](auto&) {}, "bitte alles verwerfen", idle, {}, {}, {}, "[commands] Diktat auf Zuruf verworfen.", "discard command"},
-        {[](auto& w) { w.inserter.next = Outcome::unconfirmed; }, "Wort", idle, {success}, {"Wort"}, {}, "[insert] Einfügen nicht überprüfbar.", "unconfirmed counts as delivered"},
-        {[](auto& w) { w.inserter.next = Outcome::notInserted; }, "Wort", idle, {failure}, {}, {"Wort"},
-         "[rescue] Der Text kam im Zielfeld nicht an – 1 Wörter gerettet → Diktat 2026-03-14 09-30-03.txt", "not inserted"},
-        {throwing, "Wort", idle, {failure}, {}, {"Wort"},
-         "[rescue] Ohne Bedienungshilfen-Berechtigung kann nicht eingefügt werden – 1 Wörter gerettet → Diktat 2026-03-14 09-30-02.txt", "insertion refused"},
-        {throwing, "streiche das", DictationPhase::error("Ohne Bedienungshilfen-Berechtigung kann nicht eingefügt werden."), {failure}, {}, {}, nullptr, "insertion refused, nothing to insert"},
-        {[](auto&) {}, "streiche das", idle, {success}, {""}, {}, nullptr, "an emptied text is delivered as such"},
-        {[](auto& w) { w.stages.lawStageThrows = true; }, "Wort", idle, {failure}, {}, {"Wort"},
-         "[pipeline] Interner Fehler: kaputt", "a stage breaks"},
+        {[](auto& w) {
+             w.services.script.result = TranscriptionError{TranscriptionError::Kind::failed, "Dienst weg"};
+         },
+         nullptr,
+         DictationPhase::error("Transkription fehlgeschlagen: Dienst weg"),
+         {failure},
+         {},
+         {},
+         nullptr,
+         "recogniser fails without a word"},
+        {[](auto&) {},
+         "",
+         DictationPhase::notice("Nichts gehört"),
+         {},
+         {},
+         {},
+         "[pipeline] Leeres Diktat – nichts erkannt.",
+         "empty transcript"},
+        {[](auto&) {},
+         "bitte alles verwerfen",
+         idle,
+         {},
+         {},
+         {},
+         "[commands] Diktat auf Zuruf verworfen.",
+         "discard command"},
+        {[](auto& w) { w.inserter.next = Outcome::unconfirmed; },
+         "Wort",
+         idle,
+         {success},
+         {"Wort"},
+         {},
+         "[insert] Einfügen nicht überprüfbar.",
+         "unconfirmed counts as delivered"},
+        {[](auto& w) { w.inserter.next = Outcome::notInserted; },
+         "Wort",
+         idle,
+         {failure},
+         {},
+         {"Wort"},
+         "[rescue] Der Text kam im Zielfeld nicht an – 1 Wörter gerettet → Diktat 2026-03-14 09-30-03.txt",
+         "not inserted"},
+        {throwing,
+         "Wort",
+         idle,
+         {failure},
+         {},
+         {"Wort"},
+         "[rescue] Ohne Bedienungshilfen-Berechtigung kann nicht eingefügt werden – 1 Wörter gerettet → "
+         "Diktat 2026-03-14 09-30-02.txt",
+         "insertion refused"},
+        {throwing,
+         "streiche das",
+         DictationPhase::error("Ohne Bedienungshilfen-Berechtigung kann nicht eingefügt werden."),
+         {failure},
+         {},
+         {},
+         nullptr,
+         "insertion refused, nothing to insert"},
+        {[](auto&) {},
+         "streiche das",
+         idle,
+         {success},
+         {""},
+         {},
+         nullptr,
+         "an emptied text is delivered as such"},
+        {[](auto& w) { w.stages.lawStageThrows = true; },
+         "Wort",
+         idle,
+         {failure},
+         {},
+         {"Wort"},
+         "[pipeline] Interner Fehler: kaputt",
+         "a stage breaks"},
     };
     for (const auto& row : rows) {
         DictationWorld w;
         w.settings.playStartSound.set(false);
         w.stages.marks = false;
         row.given(w);
-        if (row.transcript) w.services.script.result = std::string(row.transcript);
+        if (row.transcript)
+            w.services.script.result = std::string(row.transcript);
         w.hold(seconds(2));
         w.wait(seconds(1.5));
         EXPECT_EQ(w.controller.phase().get(), row.phaseAfter) << row.reason;
@@ -149,7 +229,8 @@ TEST(Pipeline, EveryFailureTreatsWordsAndAudioAsItShould) {
         EXPECT_EQ(w.services.notifications.size(), row.rescued.size()) << row.reason;
         EXPECT_TRUE(w.recordings().empty()) << row.reason;
         EXPECT_TRUE(!row.logLine || w.log.has(row.logLine)) << row.reason;
-        EXPECT_EQ(w.history.entries().empty(), row.delivered.empty() || row.delivered[0].empty()) << row.reason;
+        EXPECT_EQ(w.history.entries().empty(), row.delivered.empty() || row.delivered[0].empty())
+            << row.reason;
         EXPECT_EQ(w.windows.overlayIsVisible, !row.phaseAfter.is(Kind::idle)) << row.reason;
         w.wait(seconds(5));
         EXPECT_EQ(w.phase(), Kind::idle) << row.reason;
@@ -183,7 +264,8 @@ TEST(Pipeline, KeepsTheBestTextBesideTheRecording) {
     DictationWorld w;
     const auto sideText = [&w] {
         for (const auto& name : w.recordings()) {
-            if (name.ends_with(".txt")) return contentOf(w.recordingsPath / name);
+            if (name.ends_with(".txt"))
+                return contentOf(w.recordingsPath / name);
         }
         return std::string("(keiner)");
     };

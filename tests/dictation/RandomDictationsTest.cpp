@@ -28,15 +28,18 @@ public:
         w.enhancer.fails = chance(0.1);
         w.stages.lawStageThrows = chance(0.02);
         w.permissions.microphone = chance(0.02) ? PermissionState::denied : PermissionState::granted;
-        if (chance(0.03)) w.recorder.nextStartError = AudioRecorderError{};
+        if (chance(0.03))
+            w.recorder.nextStartError = AudioRecorderError{};
         w.coordinator.delay = seconds(between(0, 3));
         w.inserter.delay = seconds(between(0, 1));
 
         w.press();
-        if (chance(0.7) && w.services.transcriber) w.services.transcriber->partial("Teil von " + name(number));
+        if (chance(0.7) && w.services.transcriber)
+            w.services.transcriber->partial("Teil von " + name(number));
         for (int i = 0; i < 4; ++i) {
             w.wait(seconds(between(0, 1)));
-            if (chance(0.35)) disturb();
+            if (chance(0.35))
+                disturb();
             look();
         }
         w.release();
@@ -45,7 +48,8 @@ public:
             disturb();
             look();
         }
-        if (chance(0.8)) comeToRest();
+        if (chance(0.8))
+            comeToRest();
     }
 
     void comeToRest() {
@@ -82,7 +86,8 @@ private:
     RecognitionScript script(int number) {
         RecognitionScript script;
         script.delay = seconds(between(0, 2));
-        if (chance(0.05)) script.beginError = TranscriptionError{};
+        if (chance(0.05))
+            script.beginError = TranscriptionError{};
         if (chance(0.1)) {
             script.result = TranscriptionError{TranscriptionError::Kind::failed, "weg"};
         } else if (chance(0.1)) {
@@ -97,7 +102,8 @@ private:
 
     InsertResult insertResult() {
         using enum TextInserter::Outcome;
-        if (chance(0.1)) return std::unexpected(InsertError::noAccessibilityPermission);
+        if (chance(0.1))
+            return std::unexpected(InsertError::noAccessibilityPermission);
         return pick({inserted, inserted, unconfirmed, notInserted});
     }
 
@@ -111,17 +117,21 @@ private:
             w.release();
             break;
         case 2:
-            for (const auto& text : w.services.transcripts) cancelled_.insert(text);
-            if (const auto* coming = std::get_if<std::string>(&w.services.script.result)) cancelled_.insert(*coming);
+            for (const auto& text : w.services.transcripts)
+                cancelled_.insert(text);
+            if (const auto* coming = std::get_if<std::string>(&w.services.script.result))
+                cancelled_.insert(*coming);
             w.controller.cancelDictation();
             break;
         case 3:
-            w.signals.send(pick({SystemSignal::willSleep, SystemSignal::sessionResigned, SystemSignal::screenLocked}));
+            w.signals.send(
+                pick({SystemSignal::willSleep, SystemSignal::sessionResigned, SystemSignal::screenLocked}));
             break;
         case 4:
-            w.recorder.onChange({pick({ConfigurationChange::Kind::resumed, ConfigurationChange::Kind::formatChanged,
-                                       ConfigurationChange::Kind::failed}),
-                                 "Gerät"});
+            w.recorder.onChange(
+                {pick({ConfigurationChange::Kind::resumed, ConfigurationChange::Kind::formatChanged,
+                       ConfigurationChange::Kind::failed}),
+                 "Gerät"});
             break;
         case 5:
             w.controller.insertLegalText("§ 1814");
@@ -137,10 +147,12 @@ private:
 
     /// Notes what has been rescued before the folder forgets it.
     void look() {
-        if (world_.services.notifications.size() == seenNotifications_) return;
+        if (world_.services.notifications.size() == seenNotifications_)
+            return;
         EXPECT_LT(world_.services.notifications.size() - seenNotifications_, RescueFolder::keepNewest);
         seenNotifications_ = world_.services.notifications.size();
-        for (auto& text : world_.rescuedTexts()) safe_.insert(std::move(text));
+        for (auto& text : world_.rescuedTexts())
+            safe_.insert(std::move(text));
     }
 
     void expectNothingLost() {
@@ -168,8 +180,10 @@ TEST(RandomDictations, LoseNoTextAndLeaveNoRecording) {
     for (std::uint32_t seed = 1; seed <= worlds && !testing::Test::HasFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         RandomDictations run(seed);
-        for (int i = 0; i < dictationsPerWorld && !testing::Test::HasFailure(); ++i) run.dictate(i);
-        if (seed % 2 == 0) run.comeToRest();
+        for (int i = 0; i < dictationsPerWorld && !testing::Test::HasFailure(); ++i)
+            run.dictate(i);
+        if (seed % 2 == 0)
+            run.comeToRest();
         run.shutDown();
         transcripts += run.transcripts();
     }

@@ -14,7 +14,8 @@ using Texts = std::vector<std::string>;
 
 std::optional<RecordingFile> recordingIn(DictationWorld& w, std::string_view audio = "Ton") {
     auto recording = RecordingFolder(w.recordingsPath).begin().value();
-    if (!audio.empty()) writeFile(recording.audio(), audio);
+    if (!audio.empty())
+        writeFile(recording.audio(), audio);
     return recording;
 }
 
@@ -26,15 +27,16 @@ TEST(Rescue, PutsTextOnTheClipboardAndIntoTheFolderAndTellsTheUser) {
     EXPECT_EQ(result.textFile->filename(), "Diktat 2026-03-14 09-30-00.txt");
     EXPECT_EQ(contentOf(*result.textFile), "Äpfel");
     EXPECT_EQ(result.audioFile->filename(), "Diktat 2026-03-14 09-30-00.caf");
-    EXPECT_EQ(w.services.notifications,
-              (Texts{"Diktat nicht eingefügt: Grund. Der Text liegt in der Zwischenablage und im Rettungsordner.\n\n„Äpfel…“"}));
+    EXPECT_EQ(w.services.notifications, (Texts{"Diktat nicht eingefügt: Grund. Der Text liegt in der "
+                                               "Zwischenablage und im Rettungsordner.\n\n„Äpfel…“"}));
     EXPECT_TRUE(w.log.has("[rescue] Grund – 1 Wörter gerettet → Diktat 2026-03-14 09-30-00.txt"));
     EXPECT_TRUE(w.rescue.hasEntries());
 }
 
 TEST(Rescue, KeepsSimultaneousRescuesApart) {
     DictationWorld w;
-    for (const auto* text : {"eins", "zwei", "drei"}) w.rescue.rescue(text, recordingIn(w, text), "Grund");
+    for (const auto* text : {"eins", "zwei", "drei"})
+        w.rescue.rescue(text, recordingIn(w, text), "Grund");
     EXPECT_EQ(fileNames(w.rescueFolder.path()),
               (Texts{"Diktat 2026-03-14 09-30-00 (2).caf", "Diktat 2026-03-14 09-30-00 (2).txt",
                      "Diktat 2026-03-14 09-30-00 (3).caf", "Diktat 2026-03-14 09-30-00 (3).txt",
@@ -45,7 +47,8 @@ TEST(Rescue, KeepsSimultaneousRescuesApart) {
 TEST(Rescue, ShowsTheFirstCharactersOfALongText) {
     DictationWorld w;
     std::string text;
-    for (int i = 0; i < 130; ++i) text += "u\u0308"; // one character of two scalars
+    for (int i = 0; i < 130; ++i)
+        text += "u\u0308"; // one character of two scalars
     w.rescue.rescue(text, std::nullopt, "Grund");
     const auto& body = w.services.notifications.at(0);
     EXPECT_NE(body.find("„" + text.substr(0, 120 * 3) + "…“"), std::string::npos);
@@ -82,7 +85,8 @@ TEST(Rescue, AFolderThatCannotBeMadeLeavesTextAndAudioForTheNextStart) {
     EXPECT_EQ(w.log.countOf("[rescue] Rettungsordner nicht anlegbar: "), 1U);
 
     fs::remove(w.rescueFolder.path());
-    EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier), 1U);
+    EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier),
+              1U);
     EXPECT_EQ(w.rescuedTexts(), (Texts{"wichtig"}));
     EXPECT_EQ(w.rescuedRecordings(), 1U);
 }
@@ -115,7 +119,8 @@ TEST(CrashRecovery, BringsLeftRecordingsIntoTheFolderAndSparesTheClipboard) {
     recordingIn(w);
     recordingIn(w, "");
     w.press(); // a living recording
-    EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier), 2U);
+    EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier),
+              2U);
     auto texts = w.rescuedTexts();
     std::ranges::sort(texts);
     EXPECT_EQ(texts, (Texts{"(nur Tonaufnahme – nach einem Absturz gefunden)", "halber Satz"}));

@@ -20,7 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 mode_t modeOf(const fs::path& path) {
-    struct stat status {};
+    struct stat status{};
     EXPECT_EQ(::stat(path.c_str(), &status), 0);
     return status.st_mode & 0777U;
 }
@@ -103,7 +103,7 @@ TEST(Files, ReadsOnlyWholeRegularFilesOfReasonableSize) {
 TEST(Files, MovesAcrossFileSystems) {
     const fs::path elsewhere = "/var/tmp";
     const TempFolder folder;
-    struct stat here {}, there {};
+    struct stat here{}, there{};
     if (::stat(elsewhere.c_str(), &there) != 0 || ::stat(folder.path().c_str(), &here) != 0 ||
         here.st_dev == there.st_dev) {
         GTEST_SKIP() << "no second file system here";
@@ -120,7 +120,8 @@ TEST(Files, FindsNamesThatNobodyHas) {
     const fs::path base = folder.path();
     EXPECT_EQ(Files::unusedName(base, "Diktat", ".txt"), base / "Diktat.txt");
     writeFile(base / "Diktat.caf", "");
-    EXPECT_EQ(Files::unusedName(base, "Diktat", ".txt"), base / "Diktat (2).txt") << "another extension counts too";
+    EXPECT_EQ(Files::unusedName(base, "Diktat", ".txt"), base / "Diktat (2).txt")
+        << "another extension counts too";
     writeFile(base / "Diktat (2).txt", "");
     EXPECT_EQ(Files::unusedName(base, "Diktat", ".txt"), base / "Diktat (3).txt");
 }
@@ -142,7 +143,8 @@ TEST(Files, SweepsOldUnfinishedWritesAlone) {
 }
 
 TEST(Json, KeepsTypesAndTexts) {
-    const auto value = Json::parse(R"({"a":15,"b":15.0,"c":-3e2,"d":"ä\u00df\n","e":[true,null],"a":16,"big":18446744073709551615})");
+    const auto value = Json::parse(
+        R"({"a":15,"b":15.0,"c":-3e2,"d":"ä\u00df\n","e":[true,null],"a":16,"big":18446744073709551615})");
     ASSERT_TRUE(value);
     EXPECT_EQ(value->member("a")->integer(), 16) << "the last member of a name counts";
     EXPECT_EQ(value->member("b")->integer(), std::nullopt);
@@ -157,7 +159,8 @@ TEST(Json, KeepsTypesAndTexts) {
 TEST(Json, RefusesWhatIsNoJson) {
     const std::string deepArray = std::string(100'000, '[') + std::string(100'000, ']');
     std::string deepObject;
-    for (int i = 0; i < 100'000; ++i) deepObject += R"({"a":)";
+    for (int i = 0; i < 100'000; ++i)
+        deepObject += R"({"a":)";
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"", "empty"},
         {"{\"a\":1", "truncated"},
@@ -171,7 +174,8 @@ TEST(Json, RefusesWhatIsNoJson) {
         {deepArray, "deep arrays"},
         {deepObject, "deep objects"},
     };
-    for (const auto& [text, reason] : cases) EXPECT_FALSE(Json::parse(text)) << reason;
+    for (const auto& [text, reason] : cases)
+        EXPECT_FALSE(Json::parse(text)) << reason;
 }
 
 TEST(IsoDate, ReadsWhatItWrites) {
@@ -183,9 +187,10 @@ TEST(IsoDate, ReadsWhatItWrites) {
     for (const auto odd : {date, date + 1ns, date + 999999999ns, Date(-1ns), Date::max() - hours(24 * 365)}) {
         EXPECT_EQ(parseIsoDate(isoDate(odd)), odd);
     }
-    for (const auto* bad : {"", "2026-03-01", "2026-02-29T00:00:00Z", "2026-03-01T24:00:00Z", "2026-03-01T09:30:00",
-                            "2026-03-01T09:30:00+01:00", "2026-03-01T09:30:00.Z", "2026-03-01T09:30:00.1234567890Z",
-                            "9999-01-01T00:00:00Z", "2026-13-01T00:00:00Z", " 2026-03-01T09:30:00Z"}) {
+    for (const auto* bad :
+         {"", "2026-03-01", "2026-02-29T00:00:00Z", "2026-03-01T24:00:00Z", "2026-03-01T09:30:00",
+          "2026-03-01T09:30:00+01:00", "2026-03-01T09:30:00.Z", "2026-03-01T09:30:00.1234567890Z",
+          "9999-01-01T00:00:00Z", "2026-13-01T00:00:00Z", " 2026-03-01T09:30:00Z"}) {
         EXPECT_EQ(parseIsoDate(bad), std::nullopt) << bad;
     }
 }

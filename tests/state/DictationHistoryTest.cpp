@@ -1,7 +1,7 @@
 // The history and its index file.
 
-#include "foundation/IsoDate.h"
 #include "state/DictationHistory.h"
+#include "foundation/IsoDate.h"
 #include "support/CapturedLog.h"
 #include "support/ManualTime.h"
 #include "support/TempFolder.h"
@@ -73,7 +73,8 @@ TEST_F(DictationHistoryTest, ExpiresByCalendarDaysWithTheRecordings) {
     days(4000);
     h.record("neu", "Mail", "Roh", std::nullopt);
     EXPECT_EQ(h.entries().size(), 3U) << "0 keeps everything";
-    time.setDate(h.entries()[1].date + std::chrono::days(30) - std::chrono::hours(1)); // Summer time began in between.
+    time.setDate(h.entries()[1].date + std::chrono::days(30) -
+                 std::chrono::hours(1)); // Summer time began in between.
     h.setRetentionDays(30);
     EXPECT_EQ(h.entries().size(), 2U) << "exactly at the limit stays";
     EXPECT_TRUE(fileNames(base / "Aufnahmen").empty());
@@ -102,9 +103,11 @@ TEST_F(DictationHistoryTest, AnIndexThatCannotBeUsedIsSetAsideBeforeTheFirstWrit
         EXPECT_EQ(contentOf(index), content) << reason << ": reading changes nothing";
         h.record("neu", "Mail", "Roh", std::nullopt);
         EXPECT_EQ(DictationHistory(base, time).entries().size(), 1U) << reason;
-        EXPECT_EQ(log.countOf("Verlauf war nicht lesbar – beiseitegelegt als Verlauf beschädigt 2026-03-14"), 1U);
+        EXPECT_EQ(log.countOf("Verlauf war nicht lesbar – beiseitegelegt als Verlauf beschädigt 2026-03-14"),
+                  1U);
         const auto names = fileNames(base);
-        const auto aside = std::ranges::find_if(names, [](const auto& n) { return n.starts_with("Verlauf beschädigt"); });
+        const auto aside =
+            std::ranges::find_if(names, [](const auto& n) { return n.starts_with("Verlauf beschädigt"); });
         ASSERT_NE(aside, names.end()) << reason;
         EXPECT_EQ(contentOf(base / *aside), content) << reason;
         fs::remove_all(base);
@@ -136,9 +139,10 @@ TEST_F(DictationHistoryTest, SearchAndPreview) {
         std::size_t found;
         const char* reason;
     };
-    for (const auto& row : {Row{" \n", 2, "blank gives all"}, Row{"äpfel", 1, "umlauts ignore case"},
-                            Row{"A\u0308PFEL", 1, "decomposed query"}, Row{"STRASSE", 1, "ß folds to ss"},
-                            Row{"writer", 1, "application"}, Row{"gericht ", 1, "trimmed"}, Row{"xyz", 0, "nothing"}}) {
+    for (const auto& row :
+         {Row{" \n", 2, "blank gives all"}, Row{"äpfel", 1, "umlauts ignore case"},
+          Row{"A\u0308PFEL", 1, "decomposed query"}, Row{"STRASSE", 1, "ß folds to ss"},
+          Row{"writer", 1, "application"}, Row{"gericht ", 1, "trimmed"}, Row{"xyz", 0, "nothing"}}) {
         EXPECT_EQ(h.search(row.query).size(), row.found) << row.reason;
     }
 
@@ -148,7 +152,8 @@ TEST_F(DictationHistoryTest, SearchAndPreview) {
         return entry.preview();
     };
     std::string ninety;
-    for (int i = 0; i < 90; ++i) ninety += i % 10 == 0 ? "ö" : "x";
+    for (int i = 0; i < 90; ++i)
+        ninety += i % 10 == 0 ? "ö" : "x";
     EXPECT_EQ(preview(ninety), ninety);
     EXPECT_EQ(preview(ninety + "y"), ninety + "…");
     EXPECT_EQ(preview("a\nb"), "a b");

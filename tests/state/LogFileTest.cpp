@@ -35,7 +35,7 @@ TEST_F(LogFileTest, WritesStampCategoryAndMessage) {
     time.advance(seconds(1.5));
     DiagnosticsLog::trace("diag", "zwei\nZeilen");
     EXPECT_EQ(content(), "09:30:00.000  [app] === Start ===\n09:30:01.500  [diag] zwei\nZeilen\n");
-    struct stat status {};
+    struct stat status{};
     ASSERT_EQ(::stat(file.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777U, 0600U);
 }

@@ -11,13 +11,15 @@ namespace querlin {
 std::expected<void, TranscriptionError> FakeTranscriber::begin(const std::string& locale, bool onDeviceOnly) {
     begunLocale = locale;
     begunOnDeviceOnly = onDeviceOnly;
-    if (script_.beginError) return std::unexpected(*script_.beginError);
+    if (script_.beginError)
+        return std::unexpected(*script_.beginError);
     return {};
 }
 
 Task<std::expected<std::string, TranscriptionError>> FakeTranscriber::finish() {
     timer_ = queue_.after(script_.delay, [ended = cancelled_.sender()] { ended.send(false); });
-    if (co_await cancelled_) co_return std::string();
+    if (co_await cancelled_)
+        co_return std::string();
     if (const auto* text = std::get_if<std::string>(&script_.result)) {
         transcripts_.push_back(*text);
         co_return *text;
@@ -34,7 +36,8 @@ void FakeTranscriber::cancel() {
 // FakeRecorder
 
 std::expected<void, AudioRecorderError> FakeRecorder::start(WriteToDisk) {
-    if (isRecording()) return {};
+    if (isRecording())
+        return {};
     discardRecording();
     recording_ = folder_.begin().value();
     writeFile(recording_->audio(), "caff-Ton");
@@ -47,7 +50,8 @@ std::expected<void, AudioRecorderError> FakeRecorder::start(WriteToDisk) {
 }
 
 void FakeRecorder::discardRecording() {
-    if (recording_) recording_->discard();
+    if (recording_)
+        recording_->discard();
     recording_.reset();
 }
 
@@ -61,7 +65,8 @@ Task<InsertResult> FakeInserter::insert(std::string text) {
         int& count;
         ~Leave() { --count; }
     } const leave{underWay};
-    if (result && !text.empty()) co_await sleepFor(queue_, delay);
+    if (result && !text.empty())
+        co_await sleepFor(queue_, delay);
     if (result && *result == Outcome::notInserted) {
         pasteboard = text;
     } else if (result) {
@@ -73,20 +78,25 @@ Task<InsertResult> FakeInserter::insert(std::string text) {
 // Stages
 
 std::string FakeStages::mark(std::string_view text, std::string_view sign) const {
-    if (lawStageThrows && sign == "·l") throw std::runtime_error("kaputt");
+    if (lawStageThrows && sign == "·l")
+        throw std::runtime_error("kaputt");
     return marks ? std::string(text) + std::string(sign) : std::string(text);
 }
 
 TextStages::CommandOutcome FakeStages::applyCommands(std::string_view text, CommandMode mode) {
-    if (text.find("alles verwerfen") != std::string_view::npos) return {std::string(text), true, {"alles verwerfen"}};
-    if (text == "streiche das") return {"", false, {"streiche das"}};
+    if (text.find("alles verwerfen") != std::string_view::npos)
+        return {std::string(text), true, {"alles verwerfen"}};
+    if (text == "streiche das")
+        return {"", false, {"streiche das"}};
     std::vector<std::string> applied;
-    if (text.find("Komma") != std::string_view::npos) applied = {"Komma", "Punkt"};
+    if (text.find("Komma") != std::string_view::npos)
+        applied = {"Komma", "Punkt"};
     return {mark(text, mode == CommandMode::compact ? "·C" : "·c"), false, applied};
 }
 
 TextStages::BlockOutcome FakeStages::expandBlocks(std::string_view text, std::span<const TextBlock>, Date) {
-    if (text.find("Baustein") == std::string_view::npos) return {std::string(text), {}};
+    if (text.find("Baustein") == std::string_view::npos)
+        return {std::string(text), {}};
     return {mark(text, "·b"), {"Anhörung", "Grußformel"}};
 }
 
@@ -95,8 +105,8 @@ bool FakeStages::looksLikeAddress(std::string_view text, AddressTest test) {
     return text.starts_with("www");
 }
 
-Task<std::expected<std::string, EnhancementError>>
-FakeEnhancer::enhance(std::string text, DictationLanguage, WritingStyle, TextTreatment) {
+Task<std::expected<std::string, EnhancementError>> FakeEnhancer::enhance(std::string text, DictationLanguage,
+                                                                         WritingStyle, TextTreatment) {
     auto work = [this, text] { return stages_.marks ? text + "·r" : text; };
     auto cleaned = co_await background(runtime_, std::move(work));
     if (fails) {
@@ -122,7 +132,8 @@ std::shared_ptr<StreamingTranscriber> FakeServices::make(TranscriptionEngine eng
     return transcriber;
 }
 
-std::vector<std::string> FakeServices::contextualStrings(const std::vector<std::string>& terms, std::int64_t) {
+std::vector<std::string> FakeServices::contextualStrings(const std::vector<std::string>& terms,
+                                                         std::int64_t) {
     auto all = terms;
     all.emplace_back("Betreuungsgericht");
     return all;
@@ -130,28 +141,27 @@ std::vector<std::string> FakeServices::contextualStrings(const std::vector<std::
 
 // DictationWorld
 
-DictationWorld::DictationWorld()
-    : controller(time.runtime(),
-                 {.settings = settings,
-                  .statistics = statistics,
-                  .history = history,
-                  .rescue = rescue,
-                  .notifier = notifier,
-                  .windows = windows,
-                  .sounds = services,
-                  .hotkey = hotkey,
-                  .permissions = permissions,
-                  .contextDetector = services,
-                  .inserter = inserter,
-                  .correctionWatcher = watcher,
-                  .systemSignals = signals,
-                  .recorder = recorder,
-                  .audioDevices = services,
-                  .transcribers = services,
-                  .vocabulary = services,
-                  .textStages = stages,
-                  .ruleBasedEnhancer = enhancer,
-                  .enhancement = coordinator}) {
+DictationWorld::DictationWorld() :
+    controller(time.runtime(), {.settings = settings,
+                                .statistics = statistics,
+                                .history = history,
+                                .rescue = rescue,
+                                .notifier = notifier,
+                                .windows = windows,
+                                .sounds = services,
+                                .hotkey = hotkey,
+                                .permissions = permissions,
+                                .contextDetector = services,
+                                .inserter = inserter,
+                                .correctionWatcher = watcher,
+                                .systemSignals = signals,
+                                .recorder = recorder,
+                                .audioDevices = services,
+                                .transcribers = services,
+                                .vocabulary = services,
+                                .textStages = stages,
+                                .ruleBasedEnhancer = enhancer,
+                                .enhancement = coordinator}) {
     controller.start();
     time.settle();
 }
@@ -181,7 +191,8 @@ void DictationWorld::dictate(std::string transcript) {
 std::vector<std::string> DictationWorld::rescuedTexts() const {
     std::vector<std::string> texts;
     for (const auto& name : fileNames(rescueFolder.path())) {
-        if (name.ends_with(".txt")) texts.push_back(contentOf(rescueFolder.path() / name));
+        if (name.ends_with(".txt"))
+            texts.push_back(contentOf(rescueFolder.path() / name));
     }
     return texts;
 }

@@ -22,10 +22,12 @@ struct RecognitionScript {
 
 class FakeTranscriber final : public StreamingTranscriber {
 public:
-    FakeTranscriber(MainQueue& queue, RecognitionScript script, std::vector<std::string>& transcripts)
-        : queue_(queue), script_(std::move(script)), transcripts_(transcripts), cancelled_(queue) {}
+    FakeTranscriber(MainQueue& queue, RecognitionScript script, std::vector<std::string>& transcripts) :
+        queue_(queue), script_(std::move(script)), transcripts_(transcripts), cancelled_(queue) {}
 
-    void setOnPartialResult(std::function<void(std::string)> callback) override { partial = std::move(callback); }
+    void setOnPartialResult(std::function<void(std::string)> callback) override {
+        partial = std::move(callback);
+    }
     void setContextualStrings(std::vector<std::string> strings) override { contextual = std::move(strings); }
     std::expected<void, TranscriptionError> begin(const std::string& locale, bool onDeviceOnly) override;
     void append(const AudioBuffer&) override { ++appendedBuffers; }
@@ -49,9 +51,12 @@ private:
 
 class FakeRecorder final : public AudioRecorder {
 public:
-    FakeRecorder(std::filesystem::path folder, const Clock& clock) : folder_(std::move(folder)), clock_(clock) {}
+    FakeRecorder(std::filesystem::path folder, const Clock& clock) :
+        folder_(std::move(folder)), clock_(clock) {}
 
-    void setOnBuffer(std::function<void(const AudioBuffer&)> callback) override { onBuffer = std::move(callback); }
+    void setOnBuffer(std::function<void(const AudioBuffer&)> callback) override {
+        onBuffer = std::move(callback);
+    }
     void setOnLevel(std::function<void(float)> callback) override { onLevel = std::move(callback); }
     void setOnConfigurationChange(std::function<void(ConfigurationChange)> callback) override {
         onChange = std::move(callback);
@@ -64,7 +69,9 @@ public:
     }
     const RecordingFile* recording() const override { return recording_ ? &*recording_ : nullptr; }
     void discardRecording() override;
-    std::optional<RecordingFile> detachRecording() override { return std::exchange(recording_, std::nullopt); }
+    std::optional<RecordingFile> detachRecording() override {
+        return std::exchange(recording_, std::nullopt);
+    }
 
     bool isRecording() const { return startedAt_.has_value(); }
 
@@ -128,7 +135,8 @@ class FakeEnhancer final : public TextEnhancer {
 public:
     explicit FakeEnhancer(FakeStages& stages, Runtime runtime) : stages_(stages), runtime_(runtime) {}
     Task<std::expected<std::string, EnhancementError>> enhance(std::string text, DictationLanguage language,
-                                                               WritingStyle style, TextTreatment treatment) override;
+                                                               WritingStyle style,
+                                                               TextTreatment treatment) override;
     bool fails = false;
 
 private:
@@ -190,7 +198,8 @@ public:
         return Registration([this] { observer_.reset(); });
     }
     void send(SystemSignal signal, SystemHold hold = {}) {
-        if (observer_) (*observer_)(signal, std::move(hold));
+        if (observer_)
+            (*observer_)(signal, std::move(hold));
     }
     bool isObserved() const { return observer_ != nullptr; }
 
@@ -203,7 +212,9 @@ public:
     void showOverlay() override { overlayIsVisible = true; }
     void hideOverlay() override { overlayIsVisible = false; }
     void showOnboarding() override { ++onboardings; }
-    void showCorrectionSuggestion(const CorrectionSuggestion& suggestion) override { suggestions.push_back(suggestion); }
+    void showCorrectionSuggestion(const CorrectionSuggestion& suggestion) override {
+        suggestions.push_back(suggestion);
+    }
     void showEnhancementFailureNotice(const std::string& reason) override { notices.push_back(reason); }
 
     bool overlayIsVisible = false;
@@ -214,7 +225,9 @@ public:
 
 class FakeWatcher final : public CorrectionWatcher {
 public:
-    void setOnSuggestion(std::function<void(CorrectionSuggestion)> callback) override { suggest = std::move(callback); }
+    void setOnSuggestion(std::function<void(CorrectionSuggestion)> callback) override {
+        suggest = std::move(callback);
+    }
     void watch(std::string_view text, std::string_view) override { watched.emplace_back(text); }
     void stop() override { ++stops; }
 
@@ -243,7 +256,9 @@ public:
         ++authorizationRequests;
         answer(authorization);
     }
-    void post(std::string title, std::string body, Failure) override { notifications.push_back(title + ": " + body); }
+    void post(std::string title, std::string body, Failure) override {
+        notifications.push_back(title + ": " + body);
+    }
 
     SystemVersion version{14, 0, 0};
     RecognitionScript script;
