@@ -29,8 +29,7 @@ const std::string& germanText() {
 }
 
 void graphemesOurs(benchmark::State& state) {
-    for (auto _ : state)
-        benchmark::DoNotOptimize(querlin::graphemeCount(germanText()));
+    for (auto _ : state) benchmark::DoNotOptimize(querlin::graphemeCount(germanText()));
 }
 
 void graphemesIcu(benchmark::State& state) {
@@ -43,27 +42,23 @@ void graphemesIcu(benchmark::State& state) {
     for (auto _ : state) {
         iterator->setText(text.get(), status);
         std::size_t count = 0;
-        while (iterator->next() != icu::BreakIterator::DONE)
-            ++count;
+        while (iterator->next() != icu::BreakIterator::DONE) ++count;
         benchmark::DoNotOptimize(count);
     }
 }
 
 void nfcCheckOurs(benchmark::State& state) {
-    for (auto _ : state)
-        benchmark::DoNotOptimize(querlin::isNfc(germanText()));
+    for (auto _ : state) benchmark::DoNotOptimize(querlin::isNfc(germanText()));
 }
 
 void nfcCheckIcu(benchmark::State& state) {
     UErrorCode status = U_ZERO_ERROR;
     const auto* normalizer = icu::Normalizer2::getNFCInstance(status);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(normalizer->isNormalizedUTF8(germanText(), status));
+    for (auto _ : state) benchmark::DoNotOptimize(normalizer->isNormalizedUTF8(germanText(), status));
 }
 
 void lowercaseOurs(benchmark::State& state) {
-    for (auto _ : state)
-        benchmark::DoNotOptimize(querlin::lowercase(germanText()));
+    for (auto _ : state) benchmark::DoNotOptimize(querlin::lowercase(germanText()));
 }
 
 void lowercaseIcu(benchmark::State& state) {

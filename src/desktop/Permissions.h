@@ -7,9 +7,7 @@ namespace querlin {
 
 enum class PermissionState : std::uint8_t { granted, denied, notDetermined };
 
-constexpr bool isGranted(PermissionState state) {
-    return state == PermissionState::granted;
-}
+constexpr bool isGranted(PermissionState state) { return state == PermissionState::granted; }
 /// The case's name, as the diagnostics show it.
 std::string_view caseName(PermissionState state);
 

@@ -16,8 +16,7 @@ std::size_t rescueLeftBehind(const RecordingFolder& recordings, RescueFolder& re
     auto found = recordings.leftBehind();
     for (auto& recording : found) {
         auto text = recording.text();
-        if (text.empty())
-            text = placeholder;
+        if (text.empty()) text = placeholder;
         const auto result = rescueFolder.keep(text, std::move(recording));
         RescueReport::writeToLog(text, reason, result);
         RescueReport::notify(notifier, text, reason,

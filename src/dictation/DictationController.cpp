@@ -26,8 +26,7 @@ DictationController::DictationController(Runtime runtime, DictationCollaborators
     with_(collaborators),
     partialTextKeeper_(runtime,
                        [this](const std::string& text) {
-                           if (const auto* recording = with_.recorder.recording())
-                               recording->keepText(text);
+                           if (const auto* recording = with_.recorder.recording()) recording->keepText(text);
                        }),
     insertionTurn_(runtime.mainQueue) {
     auto& queue = runtime_.mainQueue;
@@ -51,8 +50,7 @@ DictationController::DictationController(Runtime runtime, DictationCollaborators
         FirstValue::Skip));
     with_.recorder.setOnLevel(lifetime_.onMain(queue, [this](float level) {
         // A report may be on its way when the recording ends.
-        if (phase_.get().is(Kind::recording))
-            inputLevel_.set(level);
+        if (phase_.get().is(Kind::recording)) inputLevel_.set(level);
     }));
     with_.recorder.setOnConfigurationChange(
         lifetime_.onMain(queue, [this](const ConfigurationChange& change) { configurationChanged(change); }));
@@ -75,15 +73,13 @@ void DictationController::installHotkey() {
     hotkeyBlocked_.set(!started);
     DiagnosticsLog::note("controller", started ? "installHotkey → OK" : "installHotkey → fehlgeschlagen");
     permissionRetryTimer_.reset();
-    if (started)
-        return;
+    if (started) return;
     DiagnosticsLog::note("controller", "Warte auf Bedienungshilfen, prüfe alle 2 s…");
     permissionRetryTimer_.emplace(runtime_.mainQueue, permissionRetryInterval, [this] { permissionTick(); });
 }
 
 void DictationController::permissionTick() {
-    if (!with_.permissions.isAccessibilityTrusted() || !with_.hotkey.start())
-        return;
+    if (!with_.permissions.isAccessibilityTrusted() || !with_.hotkey.start()) return;
     hotkeyBlocked_.set(false);
     permissionRetryTimer_.reset();
 }
@@ -92,8 +88,7 @@ void DictationController::permissionTick() {
 
 void DictationController::beginDictation() {
     const auto& present = phase_.get();
-    if (isShutDown_ || !(present.is(Kind::idle) || present.is(Kind::error)))
-        return;
+    if (isShutDown_ || !(present.is(Kind::idle) || present.is(Kind::error))) return;
 
     auto& settings = with_.settings;
     const auto run = newest_ = std::make_shared<DictationRun>();
@@ -135,8 +130,7 @@ void DictationController::beginDictation() {
     phase_.set({Kind::recording, {}});
     startElapsedTimer();
     with_.windows.showOverlay();
-    if (settings.playStartSound.get())
-        with_.sounds.play(FeedbackSound::start);
+    if (settings.playStartSound.get()) with_.sounds.play(FeedbackSound::start);
 }
 
 std::expected<void, std::string> DictationController::beginListening(const RunPointer& run) {
@@ -149,8 +143,7 @@ std::expected<void, std::string> DictationController::beginListening(const RunPo
     }
     run->transcriber = transcriber;
     with_.recorder.setOnBuffer([weak = std::weak_ptr(transcriber)](const AudioBuffer& buffer) {
-        if (const auto alive = weak.lock())
-            alive->append(buffer);
+        if (const auto alive = weak.lock()) alive->append(buffer);
     });
     if (const auto started = with_.recorder.start(WriteToDisk::Yes); !started) {
         return std::unexpected(started.error().description());
@@ -168,8 +161,7 @@ std::shared_ptr<StreamingTranscriber> DictationController::makeTranscriber(const
     auto transcriber = with_.transcribers.make(engine);
     transcriber->setOnPartialResult(
         lifetime_.onMain(runtime_.mainQueue, [this, weak = std::weak_ptr(run)](std::string text) {
-            if (const auto alive = weak.lock())
-                partialResult(alive, std::move(text));
+            if (const auto alive = weak.lock()) partialResult(alive, std::move(text));
         }));
     transcriber->setContextualStrings(contextualStrings());
     return transcriber;
@@ -179,8 +171,7 @@ std::vector<std::string> DictationController::contextualStrings() const {
     const auto& settings = with_.settings;
     const auto limit = settings.contextualLimit.get();
     auto terms = settings.userDictionary.get();
-    if (settings.legalVocabularyEnabled.get())
-        return with_.vocabulary.contextualStrings(terms, limit);
+    if (settings.legalVocabularyEnabled.get()) return with_.vocabulary.contextualStrings(terms, limit);
     if (limit < static_cast<std::int64_t>(terms.size()))
         terms.resize(static_cast<std::size_t>(std::max(limit, std::int64_t{0})));
     return terms;
@@ -188,11 +179,9 @@ std::vector<std::string> DictationController::contextualStrings() const {
 
 void DictationController::partialResult(const RunPointer& run, std::string text) {
     run->partialText = text;
-    if (!isNewest(*run))
-        return;
+    if (!isNewest(*run)) return;
     livePartialText_.set(text);
-    if (phase_.get().is(Kind::recording))
-        partialTextKeeper_.update(std::move(text));
+    if (phase_.get().is(Kind::recording)) partialTextKeeper_.update(std::move(text));
 }
 
 void DictationController::startElapsedTimer() {
@@ -220,8 +209,7 @@ void DictationController::elapsedTick() {
 // The end
 
 void DictationController::endDictation() {
-    if (!phase_.get().is(Kind::recording))
-        return;
+    if (!phase_.get().is(Kind::recording)) return;
     const auto run = newest_;
     elapsedTimer_.reset();
     run->recordingSeconds = with_.recorder.duration();
@@ -271,8 +259,7 @@ void DictationController::cancelDictation() {
 /// Lets the newest dictation's recogniser go; one that a pipeline waits for ends by the cancellation.
 void DictationController::releaseTranscriber(bool cancel) {
     const auto transcriber = std::exchange(newest_->transcriber, nullptr);
-    if (transcriber && cancel)
-        transcriber->cancel();
+    if (transcriber && cancel) transcriber->cancel();
 }
 
 void DictationController::rest() {
@@ -282,13 +269,11 @@ void DictationController::rest() {
 
 /// For the phases of a run: a newer dictation's phase is not touched.
 void DictationController::setPhase(const DictationRun& run, Kind kind) {
-    if (isNewest(run))
-        phase_.set({kind, {}});
+    if (isNewest(run)) phase_.set({kind, {}});
 }
 
 void DictationController::play(FeedbackSound sound) {
-    if (with_.settings.playStopSound.get())
-        with_.sounds.play(sound);
+    if (with_.settings.playStopSound.get()) with_.sounds.play(sound);
 }
 
 void DictationController::fail(std::string message) {
@@ -309,15 +294,13 @@ void DictationController::notice(std::string message) {
 /// Ends the phase `kind` after a while, if it is still that kind.
 Task<> DictationController::takeBack(Kind kind, Duration delay) {
     co_await sleepFor(runtime_.mainQueue, delay);
-    if (phase_.get().is(kind))
-        rest();
+    if (phase_.get().is(kind)) rest();
 }
 
 // Small commands
 
 void DictationController::insertLegalText(std::string text) {
-    if (!isShutDown_)
-        tasks_.start(insertLegalTextAtCursor(std::move(text)));
+    if (!isShutDown_) tasks_.start(insertLegalTextAtCursor(std::move(text)));
 }
 
 Task<> DictationController::insertLegalTextAtCursor(std::string text) {

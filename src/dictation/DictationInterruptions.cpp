@@ -40,11 +40,9 @@ void DictationController::interrupted(SystemSignal signal, SystemHold hold) {
 
 void DictationController::interrupt(std::string_view reason, bool forceRescue, SystemHold hold) {
     // A dictation whose key is up is delivered, whatever happens to the screen.
-    if (!phase_.get().is(DictationPhase::Kind::recording))
-        return;
+    if (!phase_.get().is(DictationPhase::Kind::recording)) return;
     DiagnosticsLog::note("controller", fmt::format("Diktat unterbrochen: {}", reason));
-    if (forceRescue)
-        newest_->rescueReason = reason;
+    if (forceRescue) newest_->rescueReason = reason;
     newest_->hold = std::move(hold);
     endDictation();
 }
@@ -70,8 +68,7 @@ void DictationController::configurationChanged(const ConfigurationChange& change
 }
 
 void DictationController::shutdown() {
-    if (std::exchange(isShutDown_, true))
-        return;
+    if (std::exchange(isShutDown_, true)) return;
     elapsedTimer_.reset();
     with_.correctionWatcher.stop();
     permissionRetryTimer_.reset();
@@ -92,12 +89,10 @@ void DictationController::rescueAtShutdown() {
         with_.rescue.rescue(text.empty() ? audioOnlyPlaceholder : text, std::move(recording), shutdownReason);
     };
     for (auto* run : inPipeline_) {
-        if (run->isCancelled || (!run->recording && run->text.empty()))
-            continue;
+        if (run->isCancelled || (!run->recording && run->text.empty())) continue;
         save(run->text.empty() ? run->partialText : run->text, std::exchange(run->recording, std::nullopt));
     }
-    if (auto recording = with_.recorder.detachRecording())
-        save(livePartialText_.get(), std::move(recording));
+    if (auto recording = with_.recorder.detachRecording()) save(livePartialText_.get(), std::move(recording));
 }
 
 } // namespace querlin

@@ -29,17 +29,13 @@ const Appearance& appearance(DictationPhase::Kind kind) {
 
 } // namespace
 
-bool DictationPhase::isBusy() const {
-    return appearance(kind).isBusy;
-}
+bool DictationPhase::isBusy() const { return appearance(kind).isBusy; }
 
 std::string_view DictationPhase::statusText() const {
     const auto label = appearance(kind).statusText;
     return label.empty() ? std::string_view(text) : label;
 }
 
-std::string_view DictationPhase::symbolName() const {
-    return appearance(kind).symbolName;
-}
+std::string_view DictationPhase::symbolName() const { return appearance(kind).symbolName; }
 
 } // namespace querlin

@@ -56,11 +56,9 @@ Task<> DictationController::runPipeline(RunPointer run) {
             pipelineBroke(*run, fault);
         }
     }
-    if (end == RunEnd::Undelivered)
-        co_return;
+    if (end == RunEnd::Undelivered) co_return;
     co_await sleepFor(runtime_.mainQueue, overlayAfterDelivery);
-    if (isNewest(*run) && phase_.get().is(Kind::idle))
-        with_.windows.hideOverlay();
+    if (isNewest(*run) && phase_.get().is(Kind::idle)) with_.windows.hideOverlay();
 }
 
 Task<DictationController::RunEnd> DictationController::processAndDeliver(RunPointer run) {
@@ -131,12 +129,10 @@ Task<std::expected<std::string, TranscriptionError>> DictationController::transc
 
 /// False if the speaker has taken everything back.
 bool DictationController::applyCommands(DictationRun& run) {
-    if (!with_.settings.dictationCommandsEnabled.get())
-        return true;
+    if (!with_.settings.dictationCommandsEnabled.get()) return true;
     auto outcome = with_.textStages.applyCommands(run.text, run.style.compactText ? CommandMode::compact
                                                                                   : CommandMode::prose);
-    if (outcome.discardedEverything)
-        return false;
+    if (outcome.discardedEverything) return false;
     if (!outcome.appliedCommands.empty()) {
         DiagnosticsLog::trace("commands", "angewandt: " + joined(outcome.appliedCommands));
     }
@@ -148,8 +144,7 @@ bool DictationController::applyCommands(DictationRun& run) {
 Task<> DictationController::applyRules(RunPointer run) {
     auto cleaned = co_await with_.ruleBasedEnhancer.enhance(run->text, with_.settings.language.get(),
                                                             run->style.style, run->treatment);
-    if (!cleaned)
-        co_return;
+    if (!cleaned) co_return;
     run->text = std::move(*cleaned);
     run->treatment.rulesApplied = true;
 }
@@ -169,8 +164,7 @@ void DictationController::applyDeterministicStages(DictationRun& run) {
 
 void DictationController::applyLawStages(DictationRun& run) {
     run.text = with_.textStages.processLawReferences(run.text);
-    if (run.style.style == WritingStyle::aktenstil)
-        run.text = with_.textStages.formatLegally(run.text);
+    if (run.style.style == WritingStyle::aktenstil) run.text = with_.textStages.formatLegally(run.text);
 }
 
 Task<> DictationController::polish(RunPointer run) {
@@ -190,8 +184,7 @@ Task<> DictationController::polish(RunPointer run) {
 void DictationController::nameEngineWithoutModel(DictationRun& run) {
     const auto mode = with_.settings.cleanupMode.get();
     nameEngine(run, mode == CleanupMode::none ? "Roh" : "Regelbasiert");
-    if (usesModel(mode))
-        DiagnosticsLog::trace("context", "Feinschliff ausgelassen: " + run.style.reason);
+    if (usesModel(mode)) DiagnosticsLog::trace("context", "Feinschliff ausgelassen: " + run.style.reason);
 }
 
 void DictationController::nameEngine(DictationRun& run, std::string name) {
@@ -202,8 +195,7 @@ void DictationController::nameEngine(DictationRun& run, std::string name) {
 /// Takes a text over as the best there is, and writes it down beside the recording.
 void DictationController::keepText(DictationRun& run, std::string text) {
     run.text = std::move(text);
-    if (run.recording)
-        run.recording->keepText(run.text);
+    if (run.recording) run.recording->keepText(run.text);
 }
 
 // The ends of a run
@@ -217,8 +209,7 @@ void DictationController::book(DictationRun& run, const PipelineTimes& times) {
         with_.history.record(run.text, run.context.appName, run.engineName,
                              keepsAudio ? std::optional(run.recording->audio()) : std::nullopt);
     }
-    if (settings.learnFromCorrections.get())
-        with_.correctionWatcher.watch(run.text, run.context.appName);
+    if (settings.learnFromCorrections.get()) with_.correctionWatcher.watch(run.text, run.context.appName);
     discardRecording(run);
     DiagnosticsLog::note(
         "timing", fmt::format("Erkennung {:.2f}s · deterministisch {:.3f}s · gesamt {:.2f}s ({}) → {} [{}]",
@@ -236,29 +227,25 @@ void DictationController::recognitionFailed(DictationRun& run, const std::string
         with_.rescue.rescue(run.partialText, std::exchange(run.recording, std::nullopt), message);
     }
     discardRecording(run);
-    if (isNewest(run))
-        fail(message);
+    if (isNewest(run)) fail(message);
 }
 
 void DictationController::nothingHeard(DictationRun& run) {
     DiagnosticsLog::note("pipeline", "Leeres Diktat – nichts erkannt.");
     discardRecording(run);
-    if (isNewest(run))
-        notice("Nichts gehört");
+    if (isNewest(run)) notice("Nichts gehört");
 }
 
 void DictationController::discardOnCommand(DictationRun& run) {
     DiagnosticsLog::note("commands", "Diktat auf Zuruf verworfen.");
-    if (isNewest(run))
-        rest();
+    if (isNewest(run)) rest();
     discardRecording(run);
 }
 
 void DictationController::rescue(DictationRun& run, std::string_view reason) {
     with_.rescue.rescue(run.text, std::exchange(run.recording, std::nullopt), reason);
     play(FeedbackSound::failure);
-    if (isNewest(run))
-        rest();
+    if (isNewest(run)) rest();
 }
 
 void DictationController::insertionFailed(DictationRun& run, std::string_view reason) {
@@ -267,8 +254,7 @@ void DictationController::insertionFailed(DictationRun& run, std::string_view re
         return;
     }
     discardRecording(run);
-    if (isNewest(run))
-        fail(std::string(reason));
+    if (isNewest(run)) fail(std::string(reason));
 }
 
 /// Not expected of any stage; the words are worth more than knowing why.
@@ -283,8 +269,7 @@ void DictationController::pipelineBroke(DictationRun& run, const std::exception&
 }
 
 void DictationController::discardRecording(DictationRun& run) {
-    if (run.recording)
-        run.recording->discard();
+    if (run.recording) run.recording->discard();
     run.recording.reset();
 }
 

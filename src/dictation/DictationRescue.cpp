@@ -25,8 +25,7 @@ namespace {
 
 /// Some reasons are errors' own sentences.
 std::string_view clause(std::string_view reason) {
-    if (reason.ends_with('.'))
-        reason.remove_suffix(1);
+    if (reason.ends_with('.')) reason.remove_suffix(1);
     return reason;
 }
 
@@ -34,8 +33,7 @@ std::string_view clause(std::string_view reason) {
 
 void writeToLog(std::string_view text, std::string_view reason, const RescueFolder::Result& result) {
     auto line = fmt::format("{} – {} Wörter gerettet", clause(reason), countWords(text));
-    if (result.textFile)
-        line += " → " + result.textFile->filename().string();
+    if (result.textFile) line += " → " + result.textFile->filename().string();
     DiagnosticsLog::note("rescue", line);
 }
 

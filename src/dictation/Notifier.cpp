@@ -5,8 +5,7 @@
 namespace querlin {
 
 void Notifier::requestAuthorizationIfNeeded() {
-    if (hasRequested_ || !service_)
-        return;
+    if (hasRequested_ || !service_) return;
     hasRequested_ = true;
     service_->requestAuthorization([](const std::expected<bool, std::string>& answer) {
         if (!answer) {
@@ -18,8 +17,7 @@ void Notifier::requestAuthorizationIfNeeded() {
 }
 
 void Notifier::post(std::string title, std::string body) {
-    if (!service_)
-        return;
+    if (!service_) return;
     service_->post(std::move(title), std::move(body), [](const std::string& detail) {
         DiagnosticsLog::note("notify", "Meldung nicht zustellbar: " + detail);
     });

@@ -11,8 +11,7 @@ constexpr Duration shortestInterval = std::chrono::seconds(1);
 void PartialTextKeeper::update(std::string text) {
     const bool isScheduled = waiting_.has_value();
     waiting_ = std::move(text);
-    if (isScheduled)
-        return;
+    if (isScheduled) return;
     const auto now = runtime_.clock.instant();
     if (!lastWritten_ || now - *lastWritten_ >= shortestInterval) {
         writeWaiting();
@@ -22,8 +21,7 @@ void PartialTextKeeper::update(std::string text) {
 }
 
 void PartialTextKeeper::finish() {
-    if (waiting_)
-        writeWaiting();
+    if (waiting_) writeWaiting();
     drop();
 }
 

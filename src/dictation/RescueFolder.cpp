@@ -23,9 +23,7 @@ std::vector<fs::path> listing(const fs::path& folder) {
     return files;
 }
 
-bool isText(const fs::path& file) {
-    return file.extension() == ".txt";
-}
+bool isText(const fs::path& file) { return file.extension() == ".txt"; }
 
 } // namespace
 
@@ -37,8 +35,7 @@ RescueFolder::Result RescueFolder::keep(std::string_view text, std::optional<Rec
 
 RescueFolder::Result RescueFolder::write(std::string_view text, std::optional<RecordingFile>& recording) {
     // Should anything below fail, the next start finds the text with the recording.
-    if (recording)
-        recording->keepText(text);
+    if (recording) recording->keepText(text);
 
     Result result;
     if (const auto made = Files::makeFolder(folder_); !made) {
@@ -53,8 +50,7 @@ RescueFolder::Result RescueFolder::write(std::string_view text, std::optional<Re
     result.textFile = textFile;
 
     std::error_code ignored;
-    if (!recording)
-        return result;
+    if (!recording) return result;
     if (!fs::exists(recording->audio(), ignored)) {
         recording->discard();
         return result;
@@ -75,24 +71,19 @@ void RescueFolder::prune(const Result& justWritten) const {
     std::vector<std::pair<Date, fs::path>> texts;
     for (const auto& file : files) {
         // What was written just now is the newest, whatever a clock that was set back says.
-        if (!isText(file) || file == justWritten.textFile)
-            continue;
+        if (!isText(file) || file == justWritten.textFile) continue;
         texts.emplace_back(Files::modificationTime(file).value_or(Date::min()), file);
     }
     const std::size_t others = justWritten.textFile ? keepNewest - 1 : keepNewest;
-    if (texts.size() <= others)
-        return;
+    if (texts.size() <= others) return;
     std::ranges::sort(texts, std::greater());
     for (auto old = texts.begin() + static_cast<std::ptrdiff_t>(others); old != texts.end(); ++old) {
         for (const auto& file : files) {
-            if (file.stem() == old->second.stem())
-                Files::remove(file);
+            if (file.stem() == old->second.stem()) Files::remove(file);
         }
     }
 }
 
-bool RescueFolder::hasEntries() const {
-    return std::ranges::any_of(listing(folder_), isText);
-}
+bool RescueFolder::hasEntries() const { return std::ranges::any_of(listing(folder_), isText); }
 
 } // namespace querlin

@@ -8,9 +8,7 @@ namespace querlin {
 
 namespace {
 
-UChar32 forIcu(char32_t scalar) {
-    return static_cast<UChar32>(scalar);
-}
+UChar32 forIcu(char32_t scalar) { return static_cast<UChar32>(scalar); }
 
 /// Calls `word` with each run of characters that aren't white space.
 template<class Call>
@@ -18,8 +16,7 @@ void forEachWord(std::string_view text, Call word) {
     std::size_t start = 0;
     std::size_t at = 0;
     const auto close = [&] {
-        if (at > start)
-            word(text.substr(start, at - start));
+        if (at > start) word(text.substr(start, at - start));
     };
     while (at < text.size()) {
         const auto length = Graphemes::firstLength(text.substr(at));
@@ -35,20 +32,17 @@ void forEachWord(std::string_view text, Call word) {
 } // namespace
 
 bool isWhitespace(char32_t scalar) {
-    if (scalar < 0x80)
-        return scalar == ' ' || (scalar >= '\t' && scalar <= '\r');
+    if (scalar < 0x80) return scalar == ' ' || (scalar >= '\t' && scalar <= '\r');
     return u_isUWhiteSpace(forIcu(scalar)) != 0;
 }
 
 bool isAlphabetic(char32_t scalar) {
-    if (scalar < 0x80)
-        return (scalar >= 'a' && scalar <= 'z') || (scalar >= 'A' && scalar <= 'Z');
+    if (scalar < 0x80) return (scalar >= 'a' && scalar <= 'z') || (scalar >= 'A' && scalar <= 'Z');
     return u_isUAlphabetic(forIcu(scalar)) != 0;
 }
 
 bool isNumeric(char32_t scalar) {
-    if (scalar < 0x80)
-        return scalar >= '0' && scalar <= '9';
+    if (scalar < 0x80) return scalar >= '0' && scalar <= '9';
     return u_getIntPropertyValue(forIcu(scalar), UCHAR_NUMERIC_TYPE) != U_NT_NONE;
 }
 

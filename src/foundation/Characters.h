@@ -15,15 +15,9 @@ bool isAlphabetic(char32_t scalar);
 bool isNumeric(char32_t scalar);
 
 /// A character, that is a grapheme cluster, is what its first scalar is.
-inline bool isWhitespace(std::string_view character) {
-    return isWhitespace(firstScalar(character));
-}
-inline bool isAlphabetic(std::string_view character) {
-    return isAlphabetic(firstScalar(character));
-}
-inline bool isNumeric(std::string_view character) {
-    return isNumeric(firstScalar(character));
-}
+inline bool isWhitespace(std::string_view character) { return isWhitespace(firstScalar(character)); }
+inline bool isAlphabetic(std::string_view character) { return isAlphabetic(firstScalar(character)); }
+inline bool isNumeric(std::string_view character) { return isNumeric(firstScalar(character)); }
 
 /// The maximal runs of characters that aren't white space.
 std::vector<std::string_view> splitAtWhitespace(std::string_view text);

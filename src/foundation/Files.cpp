@@ -28,9 +28,7 @@ constexpr std::string_view unfinishedSuffix = ".neu";
 std::unexpected<FileError> failure(int code) {
     return std::unexpected(FileError{std::error_code(code, std::generic_category())});
 }
-std::unexpected<FileError> lastFailure() {
-    return failure(errno);
-}
+std::unexpected<FileError> lastFailure() { return failure(errno); }
 
 /// An open file descriptor that is closed at the end of the scope.
 class Descriptor {
@@ -39,8 +37,7 @@ public:
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     ~Descriptor() {
-        if (number_ >= 0)
-            ::close(number_);
+        if (number_ >= 0) ::close(number_);
     }
     explicit operator bool() const { return number_ >= 0; }
     int number() const { return number_; }
@@ -59,10 +56,8 @@ Descriptor openForReading(const fs::path& file) {
 bool writeAll(int descriptor, std::string_view bytes) {
     while (!bytes.empty()) {
         const auto count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return false;
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return false;
         bytes.remove_prefix(static_cast<std::size_t>(count));
     }
     return true;
@@ -70,8 +65,7 @@ bool writeAll(int descriptor, std::string_view bytes) {
 
 void syncFolder(const fs::path& folder) {
     const Descriptor open(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (open)
-        ::fsync(open.number());
+    if (open) ::fsync(open.number());
 }
 
 fs::path folderOf(const fs::path& file) {
@@ -80,8 +74,7 @@ fs::path folderOf(const fs::path& file) {
 
 bool isUnfinishedName(std::string_view name) {
     constexpr std::size_t uuidLength = 36;
-    if (!name.starts_with('.') || !name.ends_with(unfinishedSuffix))
-        return false;
+    if (!name.starts_with('.') || !name.ends_with(unfinishedSuffix)) return false;
     name.remove_suffix(unfinishedSuffix.size());
     return name.size() > uuidLength + 1 && canonicalUuid(name.substr(name.size() - uuidLength)).has_value();
 }
@@ -92,8 +85,7 @@ FileResult<> replace(const fs::path& file, Durability durability, Fill fill) {
     const auto unfinished = unfinishedName(file);
     Descriptor out(
         ::open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, ownerFile));
-    if (!out)
-        return lastFailure();
+    if (!out) return lastFailure();
     const bool synced = durability == Durability::Synced;
     if (!fill(out.number()) || (synced && ::fsync(out.number()) != 0) || !out.close() ||
         ::rename(unfinished.c_str(), file.c_str()) != 0) {
@@ -101,8 +93,7 @@ FileResult<> replace(const fs::path& file, Durability durability, Fill fill) {
         ::unlink(unfinished.c_str());
         return error;
     }
-    if (synced)
-        syncFolder(folderOf(file));
+    if (synced) syncFolder(folderOf(file));
     return {};
 }
 
@@ -110,8 +101,7 @@ bool isStemTaken(const fs::path& folder, const std::string& stem) {
     std::error_code ignored;
     for (fs::directory_iterator entry(folder, ignored), end; !ignored && entry != end;
          entry.increment(ignored)) {
-        if (entry->path().stem() == stem)
-            return true;
+        if (entry->path().stem() == stem) return true;
     }
     return false;
 }
@@ -124,27 +114,20 @@ fs::path unfinishedName(const fs::path& file) {
 
 FileResult<std::string> read(const fs::path& file, std::size_t limitInBytes) {
     const auto in = openForReading(file);
-    if (!in)
-        return lastFailure();
+    if (!in) return lastFailure();
     struct stat status{};
-    if (::fstat(in.number(), &status) != 0)
-        return lastFailure();
-    if (!S_ISREG(status.st_mode))
-        return failure(ENOTSUP);
+    if (::fstat(in.number(), &status) != 0) return lastFailure();
+    if (!S_ISREG(status.st_mode)) return failure(ENOTSUP);
 
     std::string content;
     std::array<char, 64U << 10U> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init)
     while (true) {
         const auto count = ::read(in.number(), buffer.data(), buffer.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return lastFailure();
-        if (count == 0)
-            return content;
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return lastFailure();
+        if (count == 0) return content;
         content.append(buffer.data(), static_cast<std::size_t>(count));
-        if (content.size() > limitInBytes)
-            return failure(EFBIG);
+        if (content.size() > limitInBytes) return failure(EFBIG);
     }
 }
 
@@ -154,39 +137,29 @@ FileResult<> writeAtomically(const fs::path& file, std::string_view content, Dur
 
 FileResult<> makeFolder(const fs::path& folder) {
     std::error_code error;
-    if (fs::is_directory(folder, error))
-        return {};
+    if (fs::is_directory(folder, error)) return {};
     if (folder.has_parent_path() && folder.parent_path() != folder) {
-        if (auto parents = makeFolder(folder.parent_path()); !parents)
-            return parents;
+        if (auto parents = makeFolder(folder.parent_path()); !parents) return parents;
     }
-    if (::mkdir(folder.c_str(), ownerFolder) == 0)
-        return {};
+    if (::mkdir(folder.c_str(), ownerFolder) == 0) return {};
     const int code = errno;
-    if (code == EEXIST && fs::is_directory(folder, error))
-        return {};
+    if (code == EEXIST && fs::is_directory(folder, error)) return {};
     return failure(code);
 }
 
 FileResult<> copy(const fs::path& from, const fs::path& to) {
     const auto in = openForReading(from);
-    if (!in)
-        return lastFailure();
+    if (!in) return lastFailure();
     struct stat status{};
-    if (::fstat(in.number(), &status) != 0)
-        return lastFailure();
-    if (!S_ISREG(status.st_mode))
-        return failure(ENOTSUP);
+    if (::fstat(in.number(), &status) != 0) return lastFailure();
+    if (!S_ISREG(status.st_mode)) return failure(ENOTSUP);
     return replace(to, Durability::Synced, [&in](int out) {
         std::array<char, 64U << 10U> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init)
         while (true) {
             const auto count = ::read(in.number(), buffer.data(), buffer.size());
-            if (count < 0 && errno == EINTR)
-                continue;
-            if (count <= 0)
-                return count == 0;
-            if (!writeAll(out, {buffer.data(), static_cast<std::size_t>(count)}))
-                return false;
+            if (count < 0 && errno == EINTR) continue;
+            if (count <= 0) return count == 0;
+            if (!writeAll(out, {buffer.data(), static_cast<std::size_t>(count)})) return false;
         }
     });
 }
@@ -196,23 +169,18 @@ FileResult<> move(const fs::path& from, const fs::path& to) {
         syncFolder(folderOf(to));
         return {};
     }
-    if (errno != EXDEV)
-        return lastFailure();
-    if (auto copied = Files::copy(from, to); !copied)
-        return copied;
+    if (errno != EXDEV) return lastFailure();
+    if (auto copied = Files::copy(from, to); !copied) return copied;
     // From here on the content is safe at its new place; what stays behind is only a second copy.
     ::unlink(from.c_str());
     return {};
 }
 
-bool remove(const fs::path& file) {
-    return ::unlink(file.c_str()) == 0 || errno == ENOENT;
-}
+bool remove(const fs::path& file) { return ::unlink(file.c_str()) == 0 || errno == ENOENT; }
 
 std::optional<Date> modificationTime(const fs::path& file) {
     struct stat status{};
-    if (::stat(file.c_str(), &status) != 0)
-        return std::nullopt;
+    if (::stat(file.c_str(), &status) != 0) return std::nullopt;
     return Date(std::chrono::duration_cast<Date::duration>(std::chrono::seconds(status.st_mtim.tv_sec) +
                                                            std::chrono::nanoseconds(status.st_mtim.tv_nsec)));
 }
@@ -220,8 +188,7 @@ std::optional<Date> modificationTime(const fs::path& file) {
 FileResult<fs::path> setAside(const fs::path& file, Date now) {
     const auto stem = fmt::format("{} beschädigt {}", file.stem().string(), localFileStamp(now));
     const auto place = unusedName(folderOf(file), stem, file.extension().string());
-    if (::rename(file.c_str(), place.c_str()) != 0)
-        return lastFailure();
+    if (::rename(file.c_str(), place.c_str()) != 0) return lastFailure();
     syncFolder(folderOf(file));
     return place;
 }
@@ -240,13 +207,10 @@ void removeUnfinishedWrites(const fs::path& folder) {
     std::vector<fs::path> left;
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
         const auto& file = entry->path();
-        if (!isUnfinishedName(file.filename().string()))
-            continue;
-        if (const auto changed = modificationTime(file); changed && *changed < limit)
-            left.push_back(file);
+        if (!isUnfinishedName(file.filename().string())) continue;
+        if (const auto changed = modificationTime(file); changed && *changed < limit) left.push_back(file);
     }
-    for (const auto& file : left)
-        Files::remove(file);
+    for (const auto& file : left) Files::remove(file);
 }
 
 } // namespace querlin::Files

@@ -72,15 +72,13 @@ std::string localLogStamp(Date date) {
 
 std::optional<Date> daysBefore(Date date, std::int64_t days) {
     constexpr std::int64_t furthest = 365 * 250; // Within what a date can hold, from any present day.
-    if (days < 0 || days > furthest)
-        return std::nullopt;
+    if (days < 0 || days > furthest) return std::nullopt;
     const auto whole = std::chrono::floor<std::chrono::seconds>(date);
     auto parts = brokenDown(whole);
     parts.tm_mday -= static_cast<int>(days);
     parts.tm_isdst = -1; // Summer time is that day's affair.
     const auto earlier = std::chrono::sys_seconds(std::chrono::seconds(::mktime(&parts)));
-    if (earlier < std::chrono::ceil<std::chrono::seconds>(Date::min()))
-        return std::nullopt;
+    if (earlier < std::chrono::ceil<std::chrono::seconds>(Date::min())) return std::nullopt;
     return Date(earlier) + (date - whole);
 }
 

@@ -26,8 +26,7 @@ std::size_t firstBoundary(std::string_view text) {
     const std::unique_ptr<UText, CloseText> handle(
         utext_openUTF8(nullptr, text.data(), static_cast<std::int64_t>(text.size()), &status));
     ubrk_setUText(iterator.get(), handle.get(), &status);
-    if (U_FAILURE(status))
-        return decodeScalar(text).lengthInBytes;
+    if (U_FAILURE(status)) return decodeScalar(text).lengthInBytes;
     ubrk_first(iterator.get());
     const auto boundary = ubrk_next(iterator.get());
     return boundary == UBRK_DONE ? text.size() : static_cast<std::size_t>(boundary);
@@ -35,8 +34,7 @@ std::size_t firstBoundary(std::string_view text) {
 
 /// The end of the scalar that ends at `limit` or reaches over it.
 std::size_t scalarEnd(std::string_view text, std::size_t limit) {
-    while (limit < text.size() && (static_cast<unsigned char>(text[limit]) & 0xC0U) == 0x80)
-        ++limit;
+    while (limit < text.size() && (static_cast<unsigned char>(text[limit]) & 0xC0U) == 0x80) ++limit;
     return limit;
 }
 
@@ -45,8 +43,7 @@ std::size_t scalarEnd(std::string_view text, std::size_t limit) {
 std::size_t Graphemes::firstLengthBeyondAscii(std::string_view text) {
     const auto first = decodeScalar(text);
     const auto next = text.substr(first.lengthInBytes);
-    if (first.scalar == '\r')
-        return next.starts_with('\n') ? 2 : 1;
+    if (first.scalar == '\r') return next.starts_with('\n') ? 2 : 1;
     if (first.scalar < 0x300 && (next.empty() || static_cast<unsigned char>(next[0]) < firstCombiningLead)) {
         return first.lengthInBytes;
     }
@@ -55,23 +52,20 @@ std::size_t Graphemes::firstLengthBeyondAscii(std::string_view text) {
     for (std::size_t size = 64; size < text.size(); size *= 2) {
         const auto window = text.substr(0, scalarEnd(text, size));
         const auto boundary = firstBoundary(window);
-        if (boundary < window.size())
-            return boundary;
+        if (boundary < window.size()) return boundary;
     }
     return firstBoundary(text);
 }
 
 std::size_t graphemeCount(std::string_view text) {
     std::size_t count = 0;
-    for (; !text.empty(); ++count)
-        text.remove_prefix(Graphemes::firstLength(text));
+    for (; !text.empty(); ++count) text.remove_prefix(Graphemes::firstLength(text));
     return count;
 }
 
 std::string_view firstGraphemes(std::string_view text, std::size_t count) {
     auto rest = text;
-    for (; count > 0 && !rest.empty(); --count)
-        rest.remove_prefix(Graphemes::firstLength(rest));
+    for (; count > 0 && !rest.empty(); --count) rest.remove_prefix(Graphemes::firstLength(rest));
     return text.substr(0, text.size() - rest.size());
 }
 

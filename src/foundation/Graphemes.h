@@ -49,8 +49,7 @@ public:
     /// Bytes of the first character; 0 for the empty text.
     static std::size_t firstLength(std::string_view text) {
         // Below U+0300 nothing combines, apart from CR with LF: most German text never gets further.
-        if (text.empty())
-            return 0;
+        if (text.empty()) return 0;
         const auto byteAt = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
         if (byteAt(0) < 0x80 && byteAt(0) != '\r' && (text.size() == 1 || byteAt(1) < firstCombiningLead))
             return 1;

@@ -10,12 +10,10 @@ namespace {
 
 /// Reads exactly `digits` digits from the front of `text` and takes them off.
 std::optional<int> takeNumber(std::string_view& text, std::size_t digits) {
-    if (text.size() < digits)
-        return std::nullopt;
+    if (text.size() < digits) return std::nullopt;
     int value = 0;
     for (const char c : text.substr(0, digits)) {
-        if (c < '0' || c > '9')
-            return std::nullopt;
+        if (c < '0' || c > '9') return std::nullopt;
         value = value * 10 + (c - '0');
     }
     text.remove_prefix(digits);
@@ -23,8 +21,7 @@ std::optional<int> takeNumber(std::string_view& text, std::size_t digits) {
 }
 
 bool take(std::string_view& text, char expected) {
-    if (!text.starts_with(expected))
-        return false;
+    if (!text.starts_with(expected)) return false;
     text.remove_prefix(1);
     return true;
 }
@@ -32,11 +29,9 @@ bool take(std::string_view& text, char expected) {
 /// A fraction of one to nine digits behind the point, in nanoseconds.
 std::optional<std::chrono::nanoseconds> takeFraction(std::string_view& text) {
     const auto digits = text.find_first_not_of("0123456789");
-    if (digits == std::string_view::npos || digits == 0 || digits > 9)
-        return std::nullopt;
+    if (digits == std::string_view::npos || digits == 0 || digits > 9) return std::nullopt;
     auto value = takeNumber(text, digits);
-    for (auto missing = digits; value && missing < 9; ++missing)
-        *value *= 10;
+    for (auto missing = digits; value && missing < 9; ++missing) *value *= 10;
     return value ? std::optional(std::chrono::nanoseconds(*value)) : std::nullopt;
 }
 
@@ -59,39 +54,30 @@ std::string isoDate(Date date) {
 
 std::optional<Date> parseIsoDate(std::string_view text) {
     const auto year = takeNumber(text, 4);
-    if (!year || !take(text, '-'))
-        return std::nullopt;
+    if (!year || !take(text, '-')) return std::nullopt;
     const auto month = takeNumber(text, 2);
-    if (!month || !take(text, '-'))
-        return std::nullopt;
+    if (!month || !take(text, '-')) return std::nullopt;
     const auto day = takeNumber(text, 2);
-    if (!day || !take(text, 'T'))
-        return std::nullopt;
+    if (!day || !take(text, 'T')) return std::nullopt;
     const auto hour = takeNumber(text, 2);
-    if (!hour || *hour > 23 || !take(text, ':'))
-        return std::nullopt;
+    if (!hour || *hour > 23 || !take(text, ':')) return std::nullopt;
     const auto minute = takeNumber(text, 2);
-    if (!minute || *minute > 59 || !take(text, ':'))
-        return std::nullopt;
+    if (!minute || *minute > 59 || !take(text, ':')) return std::nullopt;
     const auto second = takeNumber(text, 2);
-    if (!second || *second > 59)
-        return std::nullopt;
+    if (!second || *second > 59) return std::nullopt;
     std::chrono::nanoseconds fraction{0};
     if (take(text, '.')) {
         const auto read = takeFraction(text);
-        if (!read)
-            return std::nullopt;
+        if (!read) return std::nullopt;
         fraction = *read;
     }
-    if (text != "Z")
-        return std::nullopt;
+    if (text != "Z") return std::nullopt;
 
     const std::chrono::year_month_day civil{std::chrono::year(*year),
                                             std::chrono::month(static_cast<unsigned>(*month)),
                                             std::chrono::day(static_cast<unsigned>(*day))};
     // The years that a date of nanoseconds can hold.
-    if (!civil.ok() || *year < 1678 || *year > 2261)
-        return std::nullopt;
+    if (!civil.ok() || *year < 1678 || *year > 2261) return std::nullopt;
     return std::chrono::sys_days(civil) + std::chrono::hours(*hour) + std::chrono::minutes(*minute) +
            std::chrono::seconds(*second) + fraction;
 }

@@ -49,8 +49,7 @@ private:
 
     template<class Content>
     bool begin(Content content) {
-        if (open_.size() >= Json::maximumDepth)
-            return false;
+        if (open_.size() >= Json::maximumDepth) return false;
         open_.push_back({std::move(content), {}});
         return true;
     }
@@ -80,18 +79,15 @@ private:
 } // namespace
 
 std::optional<double> JsonValue::number() const {
-    if (const auto whole = integer())
-        return static_cast<double>(*whole);
+    if (const auto whole = integer()) return static_cast<double>(*whole);
     return copyOf<double>();
 }
 
 const JsonValue* JsonValue::member(std::string_view name) const {
     const auto* members = object();
-    if (!members)
-        return nullptr;
+    if (!members) return nullptr;
     for (auto found = members->rbegin(); found != members->rend(); ++found) {
-        if (found->first == name)
-            return &found->second;
+        if (found->first == name) return &found->second;
     }
     return nullptr;
 }
@@ -131,8 +127,7 @@ private:
     template<class Writer>
     static void put(Writer& writer, const JsonValue::Array& values) {
         writer.StartArray();
-        for (const auto& value : values)
-            write(writer, value);
+        for (const auto& value : values) write(writer, value);
         writer.EndArray();
     }
     template<class Writer>

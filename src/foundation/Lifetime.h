@@ -15,8 +15,7 @@ public:
     template<class Call>
     auto whileAlive(Call call) const {
         return [weak = std::weak_ptr(token_), call = std::move(call)](auto... arguments) mutable {
-            if (!weak.expired())
-                call(std::move(arguments)...);
+            if (!weak.expired()) call(std::move(arguments)...);
         };
     }
 
@@ -25,8 +24,7 @@ public:
     auto onMain(MainQueue& queue, Call call) const {
         return [&queue, weak = std::weak_ptr(token_), call = std::move(call)](auto... arguments) {
             queue.post([weak, call, ... arguments = std::move(arguments)]() mutable {
-                if (!weak.expired())
-                    call(std::move(arguments)...);
+                if (!weak.expired()) call(std::move(arguments)...);
             });
         };
     }

@@ -32,8 +32,7 @@ class OneShot {
             std::unique_lock guard(mutex);
             const auto frame = std::exchange(waiter, nullptr);
             guard.unlock();
-            if (frame)
-                frame.resume();
+            if (frame) frame.resume();
         }
     };
 
@@ -44,11 +43,9 @@ public:
         explicit Sender(std::shared_ptr<State> state) : state_(std::move(state)) {}
         void send(Value value) const {
             const std::scoped_lock guard(state_->mutex);
-            if (std::exchange(state_->sent, true))
-                return;
+            if (std::exchange(state_->sent, true)) return;
             state_->value.emplace(std::move(value));
-            if (state_->waiter)
-                state_->queue.post([state = state_] { state->resumeWaiter(); });
+            if (state_->waiter) state_->queue.post([state = state_] { state->resumeWaiter(); });
         }
 
     private:
@@ -67,8 +64,7 @@ public:
         bool await_ready() const noexcept { return false; }
         bool await_suspend(std::coroutine_handle<> frame) {
             const std::scoped_lock guard(state_->mutex);
-            if (state_->value)
-                return false;
+            if (state_->value) return false;
             state_->waiter = frame;
             return true;
         }

@@ -35,10 +35,8 @@ public:
         const auto generation = ++state->generation;
         const auto known = state->entries; // Those who come during the call hear the value on subscribing.
         for (const auto& entry : known) {
-            if (entry->subscriber && entry->active)
-                entry->subscriber(state->value);
-            if (state->generation != generation)
-                return; // The nested assignment has told everybody.
+            if (entry->subscriber && entry->active) entry->subscriber(state->value);
+            if (state->generation != generation) return; // The nested assignment has told everybody.
         }
     }
 
@@ -46,12 +44,10 @@ public:
     Registration subscribe(Subscriber subscriber, FirstValue first = FirstValue::Deliver) const {
         auto entry = std::make_shared<Entry>(std::move(subscriber));
         state_->entries.push_back(entry);
-        if (first == FirstValue::Deliver)
-            entry->subscriber(state_->value);
+        if (first == FirstValue::Deliver) entry->subscriber(state_->value);
         return Registration([weak = std::weak_ptr(state_), entry] {
             entry->active = false;
-            if (const auto state = weak.lock())
-                std::erase(state->entries, entry);
+            if (const auto state = weak.lock()) std::erase(state->entries, entry);
         });
     }
 

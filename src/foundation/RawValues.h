@@ -26,8 +26,7 @@ constexpr const EnumRow<Enum>& enumRow(Enum value) {
     static_assert(
         [] {
             for (std::size_t i = 0; i < rows.size(); ++i) {
-                if (rows[i].value != static_cast<Enum>(i))
-                    return false;
+                if (rows[i].value != static_cast<Enum>(i)) return false;
             }
             return true;
         }(),
@@ -49,8 +48,7 @@ constexpr std::string_view displayName(Enum value) {
 template<RawValued Enum>
 constexpr std::optional<Enum> fromRawValue(std::string_view rawValue) {
     for (const auto& row : enumRows(Enum())) {
-        if (row.rawValue == rawValue)
-            return row.value;
+        if (row.rawValue == rawValue) return row.value;
     }
     return std::nullopt;
 }

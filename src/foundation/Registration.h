@@ -16,8 +16,7 @@ public:
         if (this != &other) {
             // Taken over first: withdrawing may run code that looks at this registration.
             auto former = std::exchange(withdraw_, std::exchange(other.withdraw_, nullptr));
-            if (former)
-                former();
+            if (former) former();
         }
         return *this;
     }
@@ -27,8 +26,7 @@ public:
 
     /// Withdraws now. Harmless on an empty registration.
     void reset() {
-        if (auto withdraw = std::exchange(withdraw_, nullptr))
-            withdraw();
+        if (auto withdraw = std::exchange(withdraw_, nullptr)) withdraw();
     }
 
     /// Whether there is something to withdraw. A call that was due once and has run still counts.

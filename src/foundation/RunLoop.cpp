@@ -46,8 +46,7 @@ RunLoop::RunLoop() : state_(std::make_shared<State>()) {}
 RunLoop::~RunLoop() = default;
 
 void RunLoop::run() {
-    while (Work work = state_->next())
-        work();
+    while (Work work = state_->next()) work();
     const std::scoped_lock guard(state_->mutex);
     state_->quitting = false;
 }
@@ -75,8 +74,7 @@ Registration RunLoop::after(Duration delay, Work work) {
     state_->changed.notify_all();
     return Registration([weak = std::weak_ptr(state_), key] {
         const auto state = weak.lock();
-        if (!state)
-            return;
+        if (!state) return;
         Work withdrawn; // Destroyed after the lock is gone: its captures may call back.
         const std::scoped_lock inner(state->mutex);
         if (const auto found = state->timers.find(key); found != state->timers.end()) {

@@ -20,8 +20,7 @@ struct SerialQueue::State {
         std::unique_lock guard(mutex);
         while (true) {
             changed.wait(guard, [this] { return ending || !waiting.empty(); });
-            if (waiting.empty())
-                return;
+            if (waiting.empty()) return;
             {
                 Work work = std::move(waiting.front());
                 waiting.pop_front();

@@ -20,8 +20,7 @@ public:
         template<class Promise>
         void await_suspend(std::coroutine_handle<Promise> ended) const noexcept {
             // Nothing of the ended frame may be touched behind this call: the parent may destroy it.
-            if (const auto parent = ended.promise().parent_)
-                parent.resume();
+            if (const auto parent = ended.promise().parent_) parent.resume();
         }
         void await_resume() const noexcept {}
     };
@@ -31,8 +30,7 @@ public:
     void unhandled_exception() noexcept { exception_ = std::current_exception(); }
 
     void rethrowIfFailed() const {
-        if (exception_)
-            std::rethrow_exception(exception_);
+        if (exception_) std::rethrow_exception(exception_);
     }
     void setParent(std::coroutine_handle<> parent) noexcept { parent_ = parent; }
 
@@ -82,8 +80,7 @@ public:
     Task(Task&& other) noexcept : frame_(std::exchange(other.frame_, nullptr)) {}
     Task& operator=(Task&& other) noexcept {
         if (this != &other) {
-            if (frame_)
-                frame_.destroy();
+            if (frame_) frame_.destroy();
             frame_ = std::exchange(other.frame_, nullptr);
         }
         return *this;
@@ -91,8 +88,7 @@ public:
     Task(const Task&) = delete;
     Task& operator=(const Task&) = delete;
     ~Task() {
-        if (frame_)
-            frame_.destroy();
+        if (frame_) frame_.destroy();
     }
 
     bool await_ready() const noexcept { return false; }
@@ -100,8 +96,7 @@ public:
     /// transfer between frames grows the stack. False means it has already ended.
     bool await_suspend(std::coroutine_handle<> parent) {
         frame_.resume();
-        if (frame_.done())
-            return false;
+        if (frame_.done()) return false;
         frame_.promise().setParent(parent);
         return true;
     }

@@ -27,9 +27,7 @@ void TaskGroup::start(Task<void> task) {
     root.resume();
 }
 
-TaskGroup::~TaskGroup() {
-    abandonAll();
-}
+TaskGroup::~TaskGroup() { abandonAll(); }
 
 void TaskGroup::abandonAll() {
     // One by one: what a frame destroys may look at the group.

@@ -21,8 +21,7 @@ public:
         Guard(const Guard&) = delete;
         Guard& operator=(const Guard&) = delete;
         ~Guard() {
-            if (mutex_)
-                mutex_->unlock();
+            if (mutex_) mutex_->unlock();
         }
 
     private:
@@ -45,8 +44,7 @@ private:
     void unlock() {
         isHeld_ = false;
         // All are woken, in their order, and look again: one of them may have been abandoned.
-        for (const auto& waiter : std::exchange(waiting_, {}))
-            waiter.send(true);
+        for (const auto& waiter : std::exchange(waiting_, {})) waiter.send(true);
     }
 
     MainQueue& queue_;

@@ -38,23 +38,18 @@ bool mapLatin(std::string_view text, Case to, std::string& result) {
     for (std::size_t i = 0; i < result.size(); ++i) {
         char& byte = result[i];
         if (static_cast<unsigned char>(byte) < 0x80) {
-            if (to == Case::Lower && byte >= 'A' && byte <= 'Z')
-                byte = static_cast<char>(byte + 32);
-            if (to == Case::Upper && byte >= 'a' && byte <= 'z')
-                byte = static_cast<char>(byte - 32);
+            if (to == Case::Lower && byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte + 32);
+            if (to == Case::Upper && byte >= 'a' && byte <= 'z') byte = static_cast<char>(byte - 32);
             continue;
         }
-        if (byte != lead || i + 1 == result.size())
-            return false;
+        if (byte != lead || i + 1 == result.size()) return false;
         // U+00C0 to U+00DE are the capitals of U+00E0 to U+00FE, apart from the two signs among them.
         const auto trail = static_cast<unsigned char>(result[i + 1]);
         const bool isSign = trail == 0x97 || trail == 0xB7;
         if (trail < 0x80 || trail > 0xBF || (to == Case::Upper && (trail == 0x9F || trail == 0xBF)))
             return false;
-        if (to == Case::Lower && trail <= 0x9E && !isSign)
-            result[i + 1] = static_cast<char>(trail + 0x20);
-        if (to == Case::Upper && trail >= 0xA0 && !isSign)
-            result[i + 1] = static_cast<char>(trail - 0x20);
+        if (to == Case::Lower && trail <= 0x9E && !isSign) result[i + 1] = static_cast<char>(trail + 0x20);
+        if (to == Case::Upper && trail >= 0xA0 && !isSign) result[i + 1] = static_cast<char>(trail - 0x20);
         ++i;
     }
     return true;
@@ -83,8 +78,7 @@ std::string folded(std::string_view text) {
 
 std::string uppercase(std::string_view text) {
     std::string result;
-    if (mapLatin(text, Case::Upper, result))
-        return result;
+    if (mapLatin(text, Case::Upper, result)) return result;
     return converted(validUtf8(text), [](icu::StringPiece source, icu::ByteSink& sink, UErrorCode& status) {
         icu::CaseMap::utf8ToUpper("", 0, source, sink, nullptr, status);
     });
@@ -92,26 +86,22 @@ std::string uppercase(std::string_view text) {
 
 std::string lowercase(std::string_view text) {
     std::string result;
-    if (mapLatin(text, Case::Lower, result))
-        return result;
+    if (mapLatin(text, Case::Lower, result)) return result;
     return converted(validUtf8(text), [](icu::StringPiece source, icu::ByteSink& sink, UErrorCode& status) {
         icu::CaseMap::utf8ToLower("", 0, source, sink, nullptr, status);
     });
 }
 
 bool isNfc(std::string_view text) {
-    if (!isValidUtf8(text))
-        return false;
-    if (isBelowCombiningMarks(text))
-        return true;
+    if (!isValidUtf8(text)) return false;
+    if (isBelowCombiningMarks(text)) return true;
     UErrorCode status = U_ZERO_ERROR;
     return nfcNormalizer()->isNormalizedUTF8(piece(text), status) != 0 && U_SUCCESS(status);
 }
 
 std::string nfc(std::string_view text) {
     auto valid = validUtf8(text);
-    if (isBelowCombiningMarks(valid))
-        return valid;
+    if (isBelowCombiningMarks(valid)) return valid;
     return converted(valid, [](icu::StringPiece source, icu::ByteSink& sink, UErrorCode& status) {
         nfcNormalizer()->normalizeUTF8(0, source, sink, nullptr, status);
     });
@@ -121,9 +111,7 @@ bool canonicallyEqual(std::string_view a, std::string_view b) {
     return a == b || (!(isBelowCombiningMarks(a) && isBelowCombiningMarks(b)) && nfc(a) == nfc(b));
 }
 
-bool equalIgnoringCase(std::string_view a, std::string_view b) {
-    return a == b || folded(a) == folded(b);
-}
+bool equalIgnoringCase(std::string_view a, std::string_view b) { return a == b || folded(a) == folded(b); }
 
 bool containsIgnoringCase(std::string_view haystack, std::string_view needle) {
     return needle.empty() || folded(haystack).contains(folded(needle));

@@ -6,8 +6,7 @@ namespace querlin {
 
 ThreadPool::ThreadPool(unsigned threadCount) {
     threads_.reserve(std::max(threadCount, 1U));
-    for (unsigned i = 0; i < std::max(threadCount, 1U); ++i)
-        threads_.emplace_back([this] { serve(); });
+    for (unsigned i = 0; i < std::max(threadCount, 1U); ++i) threads_.emplace_back([this] { serve(); });
 }
 
 ThreadPool::~ThreadPool() {
@@ -24,8 +23,7 @@ ThreadPool::~ThreadPool() {
 void ThreadPool::run(Work work) {
     {
         const std::scoped_lock guard(mutex_);
-        if (ending_)
-            return;
+        if (ending_) return;
         waiting_.push_back(std::move(work));
     }
     wakeUp_.notify_one();
@@ -37,8 +35,7 @@ void ThreadPool::serve() {
         {
             std::unique_lock guard(mutex_);
             wakeUp_.wait(guard, [this] { return ending_ || !waiting_.empty(); });
-            if (ending_)
-                return;
+            if (ending_) return;
             work = std::move(waiting_.front());
             waiting_.pop_front();
         }

@@ -12,9 +12,7 @@ using Instant = std::chrono::steady_clock::time_point;
 using Duration = std::chrono::nanoseconds;
 
 /// A span in seconds, as log lines and settings speak of it.
-constexpr double inSeconds(Duration span) {
-    return std::chrono::duration<double>(span).count();
-}
+constexpr double inSeconds(Duration span) { return std::chrono::duration<double>(span).count(); }
 
 /// The span of a number of seconds: `seconds(0.25)`.
 constexpr Duration seconds(double count) {

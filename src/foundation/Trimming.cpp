@@ -9,16 +9,13 @@ namespace querlin {
 namespace {
 
 bool isBlankOrTab(char32_t scalar) {
-    if (scalar < 0x80)
-        return scalar == ' ' || scalar == '\t';
+    if (scalar < 0x80) return scalar == ' ' || scalar == '\t';
     return u_charType(static_cast<UChar32>(scalar)) == U_SPACE_SEPARATOR;
 }
 
 bool isWhitespaceOrNewline(char32_t scalar) {
-    if (scalar < 0x80)
-        return scalar == ' ' || (scalar >= '\t' && scalar <= '\r');
-    if (scalar == 0x85)
-        return true;
+    if (scalar < 0x80) return scalar == ' ' || (scalar >= '\t' && scalar <= '\r');
+    if (scalar == 0x85) return true;
     const auto category = u_charType(static_cast<UChar32>(scalar));
     return category == U_SPACE_SEPARATOR || category == U_LINE_SEPARATOR || category == U_PARAGRAPH_SEPARATOR;
 }
@@ -40,14 +37,12 @@ template<class Test>
 std::string_view trimmed(std::string_view text, Test isTrimmed) {
     while (!text.empty()) {
         const auto first = decodeScalar(text);
-        if (!isTrimmed(first.scalar))
-            break;
+        if (!isTrimmed(first.scalar)) break;
         text.remove_prefix(first.lengthInBytes);
     }
     while (!text.empty()) {
         const auto start = lastScalarStart(text);
-        if (!isTrimmed(decodeScalar(text.substr(start)).scalar))
-            break;
+        if (!isTrimmed(decodeScalar(text.substr(start)).scalar)) break;
         text.remove_suffix(text.size() - start);
     }
     return text;
@@ -55,9 +50,7 @@ std::string_view trimmed(std::string_view text, Test isTrimmed) {
 
 } // namespace
 
-std::string_view trimBlanksAndTabs(std::string_view text) {
-    return trimmed(text, isBlankOrTab);
-}
+std::string_view trimBlanksAndTabs(std::string_view text) { return trimmed(text, isBlankOrTab); }
 std::string_view trimWhitespaceAndNewlines(std::string_view text) {
     return trimmed(text, isWhitespaceOrNewline);
 }

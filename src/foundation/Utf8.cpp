@@ -17,11 +17,9 @@ std::size_t asciiPrefix(std::string_view text) {
     for (; at + sizeof(std::uint64_t) <= text.size(); at += sizeof(std::uint64_t)) {
         std::uint64_t block = 0;
         std::memcpy(&block, text.data() + at, sizeof(block));
-        if ((block & highBits) != 0)
-            break;
+        if ((block & highBits) != 0) break;
     }
-    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80)
-        ++at;
+    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
     return at;
 }
 
@@ -38,11 +36,9 @@ std::size_t validPrefix(std::string_view text) {
     std::size_t at = 0;
     while (true) {
         at += asciiPrefix(text.substr(at));
-        if (at == text.size())
-            return at;
+        if (at == text.size()) return at;
         const auto start = at;
-        if (nextScalar(text, at) < 0)
-            return start;
+        if (nextScalar(text, at) < 0) return start;
     }
 }
 
@@ -59,14 +55,11 @@ void appendScalar(std::string& text, char32_t scalar) {
     std::size_t length = 0;
     UBool isError = false;
     U8_APPEND(bytes, length, bytes.size(), scalar, isError);
-    if (isError)
-        return appendScalar(text, replacementScalar);
+    if (isError) return appendScalar(text, replacementScalar);
     text.append(bytes.begin(), bytes.begin() + length);
 }
 
-bool isValidUtf8(std::string_view text) {
-    return validPrefix(text) == text.size();
-}
+bool isValidUtf8(std::string_view text) { return validPrefix(text) == text.size(); }
 
 std::string validUtf8(std::string_view text) {
     auto valid = validPrefix(text);

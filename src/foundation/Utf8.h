@@ -20,9 +20,7 @@ struct DecodedScalar {
 DecodedScalar decodeScalar(std::string_view text);
 
 /// The first scalar; 0 for the empty text.
-inline char32_t firstScalar(std::string_view text) {
-    return text.empty() ? 0 : decodeScalar(text).scalar;
-}
+inline char32_t firstScalar(std::string_view text) { return text.empty() ? 0 : decodeScalar(text).scalar; }
 
 void appendScalar(std::string& text, char32_t scalar);
 

@@ -27,9 +27,7 @@ private:
     Registration timer_;
 };
 
-inline SleepAwaiter sleepFor(MainQueue& queue, Duration span) {
-    return {queue, span};
-}
+inline SleepAwaiter sleepFor(MainQueue& queue, Duration span) { return {queue, span}; }
 
 /// Runs `work` in the background and gives its result on the main thread; an exception of the work
 /// comes out of the wait. Abandoning the wait doesn't stop work that has begun; its result is dropped.
@@ -50,8 +48,7 @@ Task<std::invoke_result_t<Call&>> background(Runtime runtime, Call work) {
         }
     });
     Outcome outcome = co_await done;
-    if (outcome.index() == 1)
-        std::rethrow_exception(std::get<1>(outcome));
+    if (outcome.index() == 1) std::rethrow_exception(std::get<1>(outcome));
     co_return std::get<0>(std::move(outcome));
 }
 

@@ -34,8 +34,7 @@ std::optional<AppProfile> readJson(const JsonValue& json, const AppProfile*) {
     auto name = JsonFields::string(json, "appName");
     const auto style = JsonFields::rawValued<WritingStyle>(json, "style");
     const auto polish = JsonFields::boolean(json, "polishEnabled");
-    if (!identifier || !name || !style || !polish)
-        return std::nullopt;
+    if (!identifier || !name || !style || !polish) return std::nullopt;
     return AppProfile{std::move(*identifier), std::move(*name), *style, *polish};
 }
 

@@ -11,8 +11,7 @@ namespace querlin {
 
 void AppSettings::addUserTerm(std::string_view term) {
     const auto trimmed = trimWhitespaceAndNewlines(term);
-    if (trimmed.empty())
-        return;
+    if (trimmed.empty()) return;
     auto terms = userDictionary.get();
     if (std::ranges::any_of(terms, [&](const auto& known) { return equalIgnoringCase(known, trimmed); }))
         return;
@@ -29,8 +28,7 @@ void AppSettings::removeUserTerm(std::string_view term) {
 }
 
 void AppSettings::recordLaunch(Date now) {
-    if (!installedAt.get())
-        installedAt.set(now);
+    if (!installedAt.get()) installedAt.set(now);
 }
 
 bool AppSettings::suiteHintIsDue(Date now) const {

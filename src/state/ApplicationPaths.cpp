@@ -21,8 +21,7 @@ fs::path absoluteFromEnvironment(const char* variable) {
 }
 
 fs::path homeFolder() {
-    if (auto home = absoluteFromEnvironment("HOME"); !home.empty())
-        return home;
+    if (auto home = absoluteFromEnvironment("HOME"); !home.empty()) return home;
     const passwd* user = ::getpwuid(::getuid()); // NOLINT(concurrency-mt-unsafe): before any thread.
     return user && user->pw_dir ? fs::path(user->pw_dir) : fs::path("/");
 }

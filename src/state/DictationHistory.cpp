@@ -34,13 +34,11 @@ bool isPlainFileName(const std::string& name) {
 
 std::optional<std::vector<DictationEntry>> decode(std::string_view text) {
     const auto json = Json::parse(text);
-    if (!json || !json->array())
-        return std::nullopt;
+    if (!json || !json->array()) return std::nullopt;
     std::vector<DictationEntry> entries;
     for (const auto& element : *json->array()) {
         auto entry = readJson(element, static_cast<const DictationEntry*>(nullptr));
-        if (!entry)
-            return std::nullopt;
+        if (!entry) return std::nullopt;
         entries.push_back(std::move(*entry));
     }
     return entries;
@@ -61,8 +59,7 @@ JsonValue toJson(const DictationEntry& entry) {
                                 {"text", entry.text},
                                 {"appName", entry.appName},
                                 {"engine", entry.engine}};
-    if (entry.audioFileName)
-        object.emplace_back("audioFileName", *entry.audioFileName);
+    if (entry.audioFileName) object.emplace_back("audioFileName", *entry.audioFileName);
     object.emplace_back("wordCount", entry.wordCount);
     return object;
 }
@@ -76,13 +73,11 @@ std::optional<DictationEntry> readJson(const JsonValue& json, const DictationEnt
     auto appName = JsonFields::string(json, "appName");
     auto engine = JsonFields::string(json, "engine");
     const auto wordCount = JsonFields::integer(json, "wordCount");
-    if (!canonicalId || !date || !text || !appName || !engine || !wordCount)
-        return std::nullopt;
+    if (!canonicalId || !date || !text || !appName || !engine || !wordCount) return std::nullopt;
 
     std::optional<std::string> audio;
     if (const auto* member = json.member("audioFileName"); member && *member != JsonValue()) {
-        if (!member->string() || !isPlainFileName(*member->string()))
-            return std::nullopt;
+        if (!member->string() || !isPlainFileName(*member->string())) return std::nullopt;
         audio = *member->string();
     }
     return DictationEntry{
@@ -113,17 +108,14 @@ void DictationHistory::load() {
 void DictationHistory::save() {
     if (indexIsForeign_) {
         const auto place = Files::setAside(indexFile(), clock_.now());
-        if (!place)
-            return; // Rather no write than one over dictations that someone may still need.
+        if (!place) return; // Rather no write than one over dictations that someone may still need.
         indexIsForeign_ = false;
         DiagnosticsLog::note("history", fmt::format("Verlauf war nicht lesbar – beiseitegelegt als {}.",
                                                     place->filename().string()));
     }
     JsonValue::Array array;
-    for (const auto& entry : entries())
-        array.push_back(toJson(entry));
-    if (Files::makeFolder(folder_))
-        (void)Files::writeAtomically(indexFile(), Json::pretty(array));
+    for (const auto& entry : entries()) array.push_back(toJson(entry));
+    if (Files::makeFolder(folder_)) (void)Files::writeAtomically(indexFile(), Json::pretty(array));
 }
 
 void DictationHistory::setRetentionDays(std::int64_t days) {
@@ -132,16 +124,13 @@ void DictationHistory::setRetentionDays(std::int64_t days) {
 }
 
 void DictationHistory::pruneExpired() {
-    if (retentionDays_ < 1)
-        return;
+    if (retentionDays_ < 1) return;
     const auto limit = daysBefore(clock_.now(), retentionDays_).value_or(Date::min());
     const auto isExpired = [limit](const DictationEntry& entry) { return entry.date < limit; };
     auto kept = entries();
     const auto expired = std::ranges::stable_partition(kept, std::not_fn(isExpired));
-    if (expired.empty())
-        return;
-    for (const auto& entry : expired)
-        removeAudio(entry);
+    if (expired.empty()) return;
+    for (const auto& entry : expired) removeAudio(entry);
     const auto count = expired.size();
     kept.erase(expired.begin(), expired.end());
     entries_.set(std::move(kept));
@@ -151,8 +140,7 @@ void DictationHistory::pruneExpired() {
 
 void DictationHistory::record(std::string_view text, std::string_view appName, std::string_view engine,
                               const std::optional<fs::path>& audioSource) {
-    if (trimWhitespaceAndNewlines(text).empty())
-        return;
+    if (trimWhitespaceAndNewlines(text).empty()) return;
     auto extended = entries();
     extended.insert(extended.begin(),
                     DictationEntry{.id = newUuid(),
@@ -178,14 +166,12 @@ std::optional<std::string> DictationHistory::storeAudio(const fs::path& source) 
 }
 
 void DictationHistory::removeAudio(const DictationEntry& entry) const {
-    if (entry.audioFileName)
-        Files::remove(audioFolder() / *entry.audioFileName);
+    if (entry.audioFileName) Files::remove(audioFolder() / *entry.audioFileName);
 }
 
 std::vector<DictationEntry> DictationHistory::search(std::string_view query) const {
     const auto sought = trimWhitespaceAndNewlines(query);
-    if (sought.empty())
-        return entries();
+    if (sought.empty()) return entries();
     std::vector<DictationEntry> found;
     std::ranges::copy_if(entries(), std::back_inserter(found), [sought](const DictationEntry& entry) {
         return containsIgnoringCase(entry.text, sought) || containsIgnoringCase(entry.appName, sought);
@@ -203,16 +189,14 @@ void DictationHistory::remove(const DictationEntry& entry) {
 }
 
 void DictationHistory::removeAll() {
-    for (const auto& entry : entries())
-        removeAudio(entry);
+    for (const auto& entry : entries()) removeAudio(entry);
     entries_.set({});
     save();
     DiagnosticsLog::note("history", "Verlauf vollständig gelöscht.");
 }
 
 std::optional<fs::path> DictationHistory::audioFile(const DictationEntry& entry) const {
-    if (!entry.audioFileName)
-        return std::nullopt;
+    if (!entry.audioFileName) return std::nullopt;
     auto file = audioFolder() / *entry.audioFileName;
     std::error_code ignored;
     return fs::exists(file, ignored) ? std::optional(std::move(file)) : std::nullopt;

@@ -5,8 +5,7 @@
 namespace querlin {
 
 std::string HotkeyConfig::displayName() const {
-    if (mode == Mode::holdCombo)
-        return std::string(querlin::displayName(combo));
+    if (mode == Mode::holdCombo) return std::string(querlin::displayName(combo));
     return std::string(querlin::displayName(modifier)) + " halten";
 }
 
@@ -20,8 +19,7 @@ std::optional<HotkeyConfig> readJson(const JsonValue& json, const HotkeyConfig*)
     const auto mode = JsonFields::rawValued<HotkeyConfig::Mode>(json, "mode");
     const auto modifier = JsonFields::rawValued<ModifierKey>(json, "modifier");
     const auto combo = JsonFields::rawValued<ComboHotkey>(json, "combo");
-    if (!mode || !modifier || !combo)
-        return std::nullopt;
+    if (!mode || !modifier || !combo) return std::nullopt;
     return HotkeyConfig{*mode, *modifier, *combo};
 }
 

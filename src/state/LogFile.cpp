@@ -23,11 +23,9 @@ void append(const std::filesystem::path& file, const std::string& line) {
         (void)Files::makeFolder(file.parent_path());
         out = openForAppending(file, O_CREAT);
     }
-    if (out < 0)
-        return;
+    if (out < 0) return;
     if (::lseek(out, 0, SEEK_END) > LogFile::limitInBytes) {
-        if (::ftruncate(out, 0) == 0)
-            ::lseek(out, 0, SEEK_SET);
+        if (::ftruncate(out, 0) == 0) ::lseek(out, 0, SEEK_SET);
     }
     [[maybe_unused]] const auto written = ::write(out, line.data(), line.size());
     ::close(out);

@@ -51,16 +51,14 @@ constexpr std::array<std::string_view, 32> copiedKeys = {
 
 bool runIfNeeded(PreferencesStore& store, std::string_view legacyDomain,
                  const std::filesystem::path& legacyFile) {
-    if (store.get<bool>(marker).value_or(false))
-        return false;
+    if (store.get<bool>(marker).value_or(false)) return false;
     const auto legacy = PreferenceDomain::read(legacyFile).value_or(PreferenceDomain());
 
     int copied = 0;
     {
         const PreferencesStore::Batch together(store);
         for (const auto key : copiedKeys) {
-            if (!legacy.contains(key) || store.contains(key))
-                continue;
+            if (!legacy.contains(key) || store.contains(key)) continue;
             store.copyFrom(legacy, key);
             ++copied;
         }

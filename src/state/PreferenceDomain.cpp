@@ -19,8 +19,7 @@ constexpr std::string_view hexMember = "dataHex";
 /// The text of an object's only member, if that is its name.
 const std::string* onlyMember(const JsonValue& value, std::string_view name) {
     const auto* members = value.object();
-    if (!members || members->size() != 1 || members->front().first != name)
-        return nullptr;
+    if (!members || members->size() != 1 || members->front().first != name) return nullptr;
     return members->front().second.string();
 }
 
@@ -30,8 +29,7 @@ JsonValue::Object object(std::string_view member, std::string text) {
 
 std::string hexadecimal(std::string_view bytes) {
     std::string digits;
-    for (const char byte : bytes)
-        digits += fmt::format("{:02x}", static_cast<unsigned char>(byte));
+    for (const char byte : bytes) digits += fmt::format("{:02x}", static_cast<unsigned char>(byte));
     return digits;
 }
 
@@ -40,8 +38,7 @@ std::optional<std::string> fromHexadecimal(std::string_view digits) {
     for (; digits.size() >= 2; digits.remove_prefix(2)) {
         unsigned value = 0;
         const auto [end, error] = std::from_chars(digits.data(), digits.data() + 2, value, 16);
-        if (error != std::errc() || end != digits.data() + 2)
-            return std::nullopt;
+        if (error != std::errc() || end != digits.data() + 2) return std::nullopt;
         bytes += static_cast<char>(value);
     }
     return digits.empty() ? std::optional(bytes) : std::nullopt;
@@ -59,8 +56,7 @@ struct Encoder {
     }
     JsonValue operator()(const std::vector<std::string>& values) const {
         JsonValue::Array array;
-        for (const auto& value : values)
-            array.emplace_back(validUtf8(value));
+        for (const auto& value : values) array.emplace_back(validUtf8(value));
         return array;
     }
 };
@@ -73,11 +69,9 @@ std::expected<PreferenceDomain, DomainFault> PreferenceDomain::read(const std::f
         return std::unexpected(content.error().isMissing() ? DomainFault::NotThere : DomainFault::Unreadable);
     }
     const auto root = Json::parse(*content);
-    if (!root || !root->object())
-        return std::unexpected(DomainFault::Damaged);
+    if (!root || !root->object()) return std::unexpected(DomainFault::Damaged);
     PreferenceDomain domain;
-    for (const auto& [key, value] : *root->object())
-        domain.values_.insert_or_assign(key, value);
+    for (const auto& [key, value] : *root->object()) domain.values_.insert_or_assign(key, value);
     return domain;
 }
 
@@ -124,10 +118,8 @@ std::optional<Date> PreferenceDomain::get(std::string_view key) const {
 template<>
 std::optional<PreferenceData> PreferenceDomain::get(std::string_view key) const {
     const auto* value = find(key);
-    if (!value)
-        return std::nullopt;
-    if (const auto* text = onlyMember(*value, dataMember))
-        return PreferenceData{*text};
+    if (!value) return std::nullopt;
+    if (const auto* text = onlyMember(*value, dataMember)) return PreferenceData{*text};
     const auto* digits = onlyMember(*value, hexMember);
     auto bytes = digits ? fromHexadecimal(*digits) : std::nullopt;
     return bytes ? std::optional(PreferenceData{std::move(*bytes)}) : std::nullopt;
@@ -137,12 +129,10 @@ template<>
 std::optional<std::vector<std::string>> PreferenceDomain::get(std::string_view key) const {
     const auto* value = find(key);
     const auto* array = value ? value->array() : nullptr;
-    if (!array)
-        return std::nullopt;
+    if (!array) return std::nullopt;
     std::vector<std::string> strings;
     for (const auto& element : *array) {
-        if (!element.string())
-            return std::nullopt;
+        if (!element.string()) return std::nullopt;
         strings.push_back(*element.string());
     }
     return strings;
@@ -153,13 +143,11 @@ void PreferenceDomain::set(std::string_view key, PreferenceValue value) {
 }
 
 void PreferenceDomain::remove(std::string_view key) {
-    if (const auto found = values_.find(key); found != values_.end())
-        values_.erase(found);
+    if (const auto found = values_.find(key); found != values_.end()) values_.erase(found);
 }
 
 void PreferenceDomain::copyFrom(const PreferenceDomain& other, std::string_view key) {
-    if (const auto* value = other.find(key))
-        values_.insert_or_assign(std::string(key), *value);
+    if (const auto* value = other.find(key)) values_.insert_or_assign(std::string(key), *value);
 }
 
 } // namespace querlin

@@ -13,8 +13,7 @@ PreferencesStore::PreferencesStore(std::filesystem::path file, const Clock& cloc
         domain_ = std::move(*read);
         return;
     }
-    if (read.error() == DomainFault::NotThere)
-        return;
+    if (read.error() == DomainFault::NotThere) return;
     if (const auto place = Files::setAside(file_, clock.now())) {
         DiagnosticsLog::note("app", fmt::format("Einstellungen nicht lesbar – beiseitegelegt als {}.",
                                                 place->filename().string()));
@@ -43,16 +42,13 @@ void PreferencesStore::copyFrom(const PreferenceDomain& other, std::string_view 
 
 void PreferencesStore::changed() {
     unsaved_ = true;
-    if (openBatches_ == 0)
-        save();
+    if (openBatches_ == 0) save();
 }
 
 void PreferencesStore::save() {
-    if (!mayWrite_)
-        return;
+    if (!mayWrite_) return;
     auto result = Files::makeFolder(file_.parent_path());
-    if (result)
-        result = Files::writeAtomically(file_, domain_.text());
+    if (result) result = Files::writeAtomically(file_, domain_.text());
     if (result) {
         unsaved_ = failureNoted_ = false;
     } else if (!std::exchange(failureNoted_, true)) {

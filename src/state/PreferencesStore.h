@@ -34,8 +34,7 @@ public:
     public:
         explicit Batch(PreferencesStore& store) : store_(store) { ++store_.openBatches_; }
         ~Batch() {
-            if (--store_.openBatches_ == 0 && store_.unsaved_)
-                store_.save();
+            if (--store_.openBatches_ == 0 && store_.unsaved_) store_.save();
         }
         Batch(const Batch&) = delete;
         Batch& operator=(const Batch&) = delete;

@@ -19,18 +19,14 @@ namespace {
 
 constexpr std::string_view prefix = "dictation-";
 
-fs::path withExtension(fs::path file, const char* extension) {
-    return file.replace_extension(extension);
-}
+fs::path withExtension(fs::path file, const char* extension) { return file.replace_extension(extension); }
 
 /// Opens the lock file and takes the lock without waiting; -1, with `errno`, if another process has it.
 int takeLock(const fs::path& file) {
     const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
-    if (descriptor < 0)
-        return -1;
+    if (descriptor < 0) return -1;
     // A file system without locks must not keep anybody from dictating.
-    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
-        return descriptor;
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return descriptor;
     ::close(descriptor);
     errno = EWOULDBLOCK;
     return -1;
@@ -56,36 +52,25 @@ RecordingFile& RecordingFile::operator=(RecordingFile&& other) noexcept {
     return *this;
 }
 
-RecordingFile::~RecordingFile() {
-    closeLock();
-}
+RecordingFile::~RecordingFile() { closeLock(); }
 
 void RecordingFile::closeLock() {
-    if (lock_ >= 0)
-        ::close(std::exchange(lock_, -1));
+    if (lock_ >= 0) ::close(std::exchange(lock_, -1));
 }
 
-fs::path RecordingFile::textFile() const {
-    return withExtension(audio_, ".txt");
-}
-fs::path RecordingFile::lockFile() const {
-    return withExtension(audio_, ".lock");
-}
+fs::path RecordingFile::textFile() const { return withExtension(audio_, ".txt"); }
+fs::path RecordingFile::lockFile() const { return withExtension(audio_, ".lock"); }
 
-std::string RecordingFile::text() const {
-    return Files::read(textFile()).value_or("");
-}
+std::string RecordingFile::text() const { return Files::read(textFile()).value_or(""); }
 
 void RecordingFile::keepText(std::string_view text) const {
-    if (lock_ < 0)
-        return;
+    if (lock_ < 0) return;
     // Guards against the end of this process, several times a minute: no waiting for the disk.
     (void)Files::writeAtomically(textFile(), text, Files::Durability::Unsynced);
 }
 
 void RecordingFile::discard() {
-    if (lock_ < 0)
-        return;
+    if (lock_ < 0) return;
     Files::remove(audio_);
     Files::remove(textFile());
     Files::remove(lockFile());
@@ -93,8 +78,7 @@ void RecordingFile::discard() {
 }
 
 FileResult<> RecordingFile::moveAudio(const fs::path& to) {
-    if (auto moved = Files::move(audio_, to); !moved)
-        return moved;
+    if (auto moved = Files::move(audio_, to); !moved) return moved;
     Files::remove(textFile());
     Files::remove(lockFile());
     closeLock();
@@ -102,15 +86,13 @@ FileResult<> RecordingFile::moveAudio(const fs::path& to) {
 }
 
 FileResult<RecordingFile> RecordingFolder::begin() const {
-    if (auto made = Files::makeFolder(folder_); !made)
-        return std::unexpected(made.error());
+    if (auto made = Files::makeFolder(folder_); !made) return std::unexpected(made.error());
     const auto audio = folder_ / (std::string(prefix) + newUuid() + ".caf");
     // Locked under the name of an unfinished write first: under its own name the file is never seen
     // without its lock, so nobody can take it for a remnant.
     const auto unlisted = Files::unfinishedName(withExtension(audio, ".lock"));
     const int lock = takeLock(unlisted);
-    if (lock < 0)
-        return std::unexpected(FileError{std::error_code(errno, std::generic_category())});
+    if (lock < 0) return std::unexpected(FileError{std::error_code(errno, std::generic_category())});
     RecordingFile recording(audio, lock);
     if (::rename(unlisted.c_str(), recording.lockFile().c_str()) != 0) {
         const FileError error{std::error_code(errno, std::generic_category())};
@@ -127,16 +109,14 @@ std::vector<RecordingFile> RecordingFolder::leftBehind() const {
     for (fs::directory_iterator entry(folder_, error), end; !error && entry != end; entry.increment(error)) {
         const auto& file = entry->path();
         const auto stem = file.stem().string();
-        if (!stem.starts_with(prefix) || !canonicalUuid(stem.substr(prefix.size())))
-            continue;
+        if (!stem.starts_with(prefix) || !canonicalUuid(stem.substr(prefix.size()))) continue;
         candidates.insert(withExtension(file, ".caf"));
     }
 
     std::vector<RecordingFile> found;
     for (const auto& audio : candidates) {
         const int lock = takeLock(withExtension(audio, ".lock"));
-        if (lock < 0)
-            continue;
+        if (lock < 0) continue;
         RecordingFile recording(audio, lock);
         if (isEmptyOrMissing(audio) && isEmptyOrMissing(recording.textFile())) {
             recording.discard();

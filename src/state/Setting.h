@@ -69,8 +69,7 @@ template<JsonRecord Record>
 struct StoredForm<Record> {
     static std::optional<Record> read(const PreferencesStore& store, std::string_view key) {
         const auto data = store.get<PreferenceData>(key);
-        if (!data)
-            return std::nullopt;
+        if (!data) return std::nullopt;
         const auto json = Json::parse(data->bytes);
         return json ? readJson(*json, static_cast<const Record*>(nullptr)) : std::nullopt;
     }
@@ -83,20 +82,17 @@ struct StoredForm<Record> {
 template<JsonRecord Record>
 JsonValue toJson(const std::vector<Record>& records) {
     JsonValue::Array array;
-    for (const auto& record : records)
-        array.push_back(toJson(record));
+    for (const auto& record : records) array.push_back(toJson(record));
     return array;
 }
 
 template<JsonRecord Record>
 std::optional<std::vector<Record>> readJson(const JsonValue& json, const std::vector<Record>*) {
-    if (!json.array())
-        return std::nullopt;
+    if (!json.array()) return std::nullopt;
     std::vector<Record> records;
     for (const auto& element : *json.array()) {
         auto record = readJson(element, static_cast<const Record*>(nullptr));
-        if (!record)
-            return std::nullopt;
+        if (!record) return std::nullopt;
         records.push_back(std::move(*record));
     }
     return records;

@@ -8,10 +8,8 @@ Duration currentInterval(std::int64_t dismissals, bool linkOpened) {
 
 bool isDue(Date now, std::optional<Date> installedAt, std::optional<Date> lastShown, std::int64_t dismissals,
            bool linkOpened) {
-    if (!installedAt)
-        return false;
-    if (!lastShown)
-        return now - *installedAt >= initialDelay;
+    if (!installedAt) return false;
+    if (!lastShown) return now - *installedAt >= initialDelay;
     return now - *lastShown >= currentInterval(dismissals, linkOpened);
 }
 

@@ -21,8 +21,7 @@ JsonValue toJson(const TextBlock& block) {
 std::optional<TextBlock> readJson(const JsonValue& json, const TextBlock*) {
     auto name = JsonFields::string(json, "name");
     auto content = JsonFields::string(json, "content");
-    if (!name || !content)
-        return std::nullopt;
+    if (!name || !content) return std::nullopt;
     return TextBlock{std::move(*name), std::move(*content)};
 }
 

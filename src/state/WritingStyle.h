@@ -35,8 +35,6 @@ constexpr std::array<EnumRow<CleanupMode>, 3> enumRows(CleanupMode) {
              {none, "none", "Keine Bereinigung"}}};
 }
 
-constexpr bool usesModel(CleanupMode mode) {
-    return mode == CleanupMode::local;
-}
+constexpr bool usesModel(CleanupMode mode) { return mode == CleanupMode::local; }
 
 } // namespace querlin

@@ -16,8 +16,7 @@ namespace querlin {
 namespace {
 
 void tell(char how) {
-    if (::write(STDOUT_FILENO, &how, 1) != 1)
-        std::abort();
+    if (::write(STDOUT_FILENO, &how, 1) != 1) std::abort();
 }
 
 class TellingInserter final : public TextInserter {
@@ -25,8 +24,7 @@ public:
     TellingInserter(MainQueue& queue, Outcome outcome) : queue_(queue), outcome_(outcome) {}
     Task<InsertResult> insert(std::string) override {
         co_await sleepFor(queue_, std::chrono::milliseconds(10));
-        if (outcome_ == Outcome::inserted)
-            tell('d');
+        if (outcome_ == Outcome::inserted) tell('d');
         co_return outcome_;
     }
     void placeInPasteboard(std::string_view) override {}
@@ -97,8 +95,7 @@ int runDictation(const std::filesystem::path& folder, TextInserter::Outcome outc
     });
     const auto rest = controller.phase().subscribe(
         [&](const DictationPhase& phase) {
-            if (phase.is(DictationPhase::Kind::idle))
-                loop.quit();
+            if (phase.is(DictationPhase::Kind::idle)) loop.quit();
         },
         FirstValue::Skip);
     loop.run();
@@ -112,8 +109,7 @@ int runDictation(const std::filesystem::path& folder, TextInserter::Outcome outc
 
 int main(int count, char** arguments) {
     using Outcome = querlin::TextInserter::Outcome;
-    if (count != 3)
-        return EXIT_FAILURE;
+    if (count != 3) return EXIT_FAILURE;
     return querlin::runDictation(arguments[1], std::string_view(arguments[2]) == "delivered"
                                                    ? Outcome::inserted
                                                    : Outcome::notInserted);

@@ -39,13 +39,11 @@ std::string killedAfter(const std::filesystem::path& folder, const char* outcome
 
     std::string told;
     char sign = 0;
-    if (::read(pipe[0], &sign, 1) == 1)
-        told += sign;
+    if (::read(pipe[0], &sign, 1) == 1) told += sign;
     std::this_thread::sleep_for(delay);
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
-    while (::read(pipe[0], &sign, 1) == 1)
-        told += sign;
+    while (::read(pipe[0], &sign, 1) == 1) told += sign;
     ::close(pipe[0]);
     return told;
 }
@@ -77,11 +75,9 @@ TEST(Crash, AKilledDictationIsFoundAtTheNextStart) {
         for (const auto& name : rescued) {
             const auto content = contentOf(rescueFolder.path() / name);
             EXPECT_FALSE(content.empty()) << name;
-            if (content.starts_with("Teil ") || content.starts_with("Hallo Welt"))
-                ++withText;
+            if (content.starts_with("Teil ") || content.starts_with("Hallo Welt")) ++withText;
         }
-        if (told.find('d') != std::string::npos)
-            ++afterDelivery;
+        if (told.find('d') != std::string::npos) ++afterDelivery;
         EXPECT_TRUE(recordings.leftBehind().empty());
         EXPECT_EQ(CrashRecovery::rescueLeftBehind(recordings, rescueFolder, notifier), 0U);
     }

@@ -14,19 +14,15 @@ using Texts = std::vector<std::string>;
 void bringTo(DictationWorld& w, Kind phase) {
     w.stages.marks = false;
     w.settings.cleanupMode.set(CleanupMode::local);
-    if (phase == Kind::idle)
-        return;
+    if (phase == Kind::idle) return;
     w.press();
     w.services.transcriber->partial("Teil");
     w.wait(seconds(1));
-    if (phase == Kind::recording)
-        return;
+    if (phase == Kind::recording) return;
     w.release();
-    if (phase == Kind::transcribing)
-        return;
+    if (phase == Kind::transcribing) return;
     w.wait(seconds(0.5));
-    if (phase == Kind::enhancing)
-        return;
+    if (phase == Kind::enhancing) return;
     w.wait(seconds(1.5));
     ASSERT_EQ(w.phase(), Kind::inserting);
 }
@@ -92,8 +88,7 @@ TEST(Interruption, TheMachineIsHeldAwakeUntilTheTextIsSafe) {
         const std::weak_ptr watch = unneeded;
         other.signals.send(SystemSignal::willSleep, std::exchange(unneeded, nullptr));
         other.time.settle();
-        if (length == 1.0)
-            other.controller.cancelDictation();
+        if (length == 1.0) other.controller.cancelDictation();
         other.time.settle();
         EXPECT_TRUE(watch.expired()) << length;
     }

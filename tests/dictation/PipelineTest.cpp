@@ -217,8 +217,7 @@ TEST(Pipeline, EveryFailureTreatsWordsAndAudioAsItShould) {
         w.settings.playStartSound.set(false);
         w.stages.marks = false;
         row.given(w);
-        if (row.transcript)
-            w.services.script.result = std::string(row.transcript);
+        if (row.transcript) w.services.script.result = std::string(row.transcript);
         w.hold(seconds(2));
         w.wait(seconds(1.5));
         EXPECT_EQ(w.controller.phase().get(), row.phaseAfter) << row.reason;
@@ -264,8 +263,7 @@ TEST(Pipeline, KeepsTheBestTextBesideTheRecording) {
     DictationWorld w;
     const auto sideText = [&w] {
         for (const auto& name : w.recordings()) {
-            if (name.ends_with(".txt"))
-                return contentOf(w.recordingsPath / name);
+            if (name.ends_with(".txt")) return contentOf(w.recordingsPath / name);
         }
         return std::string("(keiner)");
     };

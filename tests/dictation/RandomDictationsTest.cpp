@@ -28,8 +28,7 @@ public:
         w.enhancer.fails = chance(0.1);
         w.stages.lawStageThrows = chance(0.02);
         w.permissions.microphone = chance(0.02) ? PermissionState::denied : PermissionState::granted;
-        if (chance(0.03))
-            w.recorder.nextStartError = AudioRecorderError{};
+        if (chance(0.03)) w.recorder.nextStartError = AudioRecorderError{};
         w.coordinator.delay = seconds(between(0, 3));
         w.inserter.delay = seconds(between(0, 1));
 
@@ -38,8 +37,7 @@ public:
             w.services.transcriber->partial("Teil von " + name(number));
         for (int i = 0; i < 4; ++i) {
             w.wait(seconds(between(0, 1)));
-            if (chance(0.35))
-                disturb();
+            if (chance(0.35)) disturb();
             look();
         }
         w.release();
@@ -48,8 +46,7 @@ public:
             disturb();
             look();
         }
-        if (chance(0.8))
-            comeToRest();
+        if (chance(0.8)) comeToRest();
     }
 
     void comeToRest() {
@@ -86,8 +83,7 @@ private:
     RecognitionScript script(int number) {
         RecognitionScript script;
         script.delay = seconds(between(0, 2));
-        if (chance(0.05))
-            script.beginError = TranscriptionError{};
+        if (chance(0.05)) script.beginError = TranscriptionError{};
         if (chance(0.1)) {
             script.result = TranscriptionError{TranscriptionError::Kind::failed, "weg"};
         } else if (chance(0.1)) {
@@ -102,8 +98,7 @@ private:
 
     InsertResult insertResult() {
         using enum TextInserter::Outcome;
-        if (chance(0.1))
-            return std::unexpected(InsertError::noAccessibilityPermission);
+        if (chance(0.1)) return std::unexpected(InsertError::noAccessibilityPermission);
         return pick({inserted, inserted, unconfirmed, notInserted});
     }
 
@@ -117,8 +112,7 @@ private:
             w.release();
             break;
         case 2:
-            for (const auto& text : w.services.transcripts)
-                cancelled_.insert(text);
+            for (const auto& text : w.services.transcripts) cancelled_.insert(text);
             if (const auto* coming = std::get_if<std::string>(&w.services.script.result))
                 cancelled_.insert(*coming);
             w.controller.cancelDictation();
@@ -147,12 +141,10 @@ private:
 
     /// Notes what has been rescued before the folder forgets it.
     void look() {
-        if (world_.services.notifications.size() == seenNotifications_)
-            return;
+        if (world_.services.notifications.size() == seenNotifications_) return;
         EXPECT_LT(world_.services.notifications.size() - seenNotifications_, RescueFolder::keepNewest);
         seenNotifications_ = world_.services.notifications.size();
-        for (auto& text : world_.rescuedTexts())
-            safe_.insert(std::move(text));
+        for (auto& text : world_.rescuedTexts()) safe_.insert(std::move(text));
     }
 
     void expectNothingLost() {
@@ -180,10 +172,8 @@ TEST(RandomDictations, LoseNoTextAndLeaveNoRecording) {
     for (std::uint32_t seed = 1; seed <= worlds && !testing::Test::HasFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         RandomDictations run(seed);
-        for (int i = 0; i < dictationsPerWorld && !testing::Test::HasFailure(); ++i)
-            run.dictate(i);
-        if (seed % 2 == 0)
-            run.comeToRest();
+        for (int i = 0; i < dictationsPerWorld && !testing::Test::HasFailure(); ++i) run.dictate(i);
+        if (seed % 2 == 0) run.comeToRest();
         run.shutDown();
         transcripts += run.transcripts();
     }

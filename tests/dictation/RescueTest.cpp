@@ -14,8 +14,7 @@ using Texts = std::vector<std::string>;
 
 std::optional<RecordingFile> recordingIn(DictationWorld& w, std::string_view audio = "Ton") {
     auto recording = RecordingFolder(w.recordingsPath).begin().value();
-    if (!audio.empty())
-        writeFile(recording.audio(), audio);
+    if (!audio.empty()) writeFile(recording.audio(), audio);
     return recording;
 }
 
@@ -35,8 +34,7 @@ TEST(Rescue, PutsTextOnTheClipboardAndIntoTheFolderAndTellsTheUser) {
 
 TEST(Rescue, KeepsSimultaneousRescuesApart) {
     DictationWorld w;
-    for (const auto* text : {"eins", "zwei", "drei"})
-        w.rescue.rescue(text, recordingIn(w, text), "Grund");
+    for (const auto* text : {"eins", "zwei", "drei"}) w.rescue.rescue(text, recordingIn(w, text), "Grund");
     EXPECT_EQ(fileNames(w.rescueFolder.path()),
               (Texts{"Diktat 2026-03-14 09-30-00 (2).caf", "Diktat 2026-03-14 09-30-00 (2).txt",
                      "Diktat 2026-03-14 09-30-00 (3).caf", "Diktat 2026-03-14 09-30-00 (3).txt",
@@ -47,8 +45,7 @@ TEST(Rescue, KeepsSimultaneousRescuesApart) {
 TEST(Rescue, ShowsTheFirstCharactersOfALongText) {
     DictationWorld w;
     std::string text;
-    for (int i = 0; i < 130; ++i)
-        text += "u\u0308"; // one character of two scalars
+    for (int i = 0; i < 130; ++i) text += "u\u0308"; // one character of two scalars
     w.rescue.rescue(text, std::nullopt, "Grund");
     const auto& body = w.services.notifications.at(0);
     EXPECT_NE(body.find("„" + text.substr(0, 120 * 3) + "…“"), std::string::npos);

@@ -80,8 +80,7 @@ Task<> endsWithoutWaiting(Steps& steps) {
         try {
             co_await fails();
         } catch (const std::runtime_error& error) {
-            if (i == 0)
-                steps.emplace_back(error.what());
+            if (i == 0) steps.emplace_back(error.what());
         }
     }
     steps.emplace_back("through");
@@ -94,9 +93,7 @@ TEST(Task, PassesExceptionsUpAndDoesNotGrowTheStack) {
     EXPECT_EQ(steps, (Steps{"weg", "through"})) << "must not suspend";
 }
 
-Task<> take(const OneShot<std::string>& shot, Steps& steps) {
-    steps.push_back(co_await shot);
-}
+Task<> take(const OneShot<std::string>& shot, Steps& steps) { steps.push_back(co_await shot); }
 
 TEST(OneShot, FirstValueCountsWhoeverComesFirst) {
     ManualTime time;
@@ -125,8 +122,7 @@ TEST(OneShot, FirstValueCountsWhoeverComesFirst) {
 
 Task<> backgroundSum(Runtime runtime, std::vector<int>& results, bool breaks) {
     auto work = [breaks] {
-        if (breaks)
-            throw std::runtime_error("kaputt");
+        if (breaks) throw std::runtime_error("kaputt");
         return 5;
     };
     try {
@@ -143,11 +139,9 @@ TEST(Background, BringsResultsAndExceptionsBackToTheMainThread) {
     const Runtime runtime{loop, clock, pool};
     std::vector<int> results;
     TaskGroup group;
-    for (int i = 0; i < 200; ++i)
-        group.start(backgroundSum(runtime, results, i % 2 == 1));
+    for (int i = 0; i < 200; ++i) group.start(backgroundSum(runtime, results, i % 2 == 1));
     RepeatingTimer check(loop, std::chrono::milliseconds(1), [&] {
-        if (group.isEmpty())
-            loop.quit();
+        if (group.isEmpty()) loop.quit();
     });
     loop.run();
     EXPECT_EQ(std::ranges::count(results, 5), 100);
@@ -178,8 +172,7 @@ TEST(ThreadPool, EndsWithWorkStillWaiting) {
             ++done;
         });
         begun.get_future().wait();
-        for (int i = 0; i < 1000; ++i)
-            pool.run([&] { ++done; });
+        for (int i = 0; i < 1000; ++i) pool.run([&] { ++done; });
     }
     EXPECT_GE(done, 1) << "what runs is waited for";
 }
@@ -188,8 +181,7 @@ TEST(SerialQueue, KeepsOrderAndDoesNotHangAtItsEnd) {
     std::vector<int> order;
     {
         SerialQueue queue;
-        for (int i = 0; i < 1000; ++i)
-            queue.run([&order, i] { order.push_back(i); });
+        for (int i = 0; i < 1000; ++i) queue.run([&order, i] { order.push_back(i); });
         EXPECT_TRUE(queue.drain(std::chrono::seconds(20)));
     }
     EXPECT_TRUE(std::ranges::is_sorted(order));
@@ -225,8 +217,7 @@ TEST(RepeatingTimer, TicksUntilItDestroysItself) {
     int ticks = 0;
     std::optional<RepeatingTimer> timer;
     timer.emplace(time, seconds(0.5), [&] {
-        if (++ticks == 3)
-            timer.reset();
+        if (++ticks == 3) timer.reset();
     });
     time.advance(seconds(0.49));
     EXPECT_EQ(ticks, 0);
@@ -278,13 +269,11 @@ TEST(Published, TellsTheNewestValueLastWhateverSubscribersDo) {
     std::vector<int> heard;
     Registration inner;
     const auto clamps = value.subscribe([&](int now) {
-        if (now > 10)
-            value.set(10);
+        if (now > 10) value.set(10);
     });
     const auto listens = value.subscribe([&](int now) { heard.push_back(now); }, FirstValue::Skip);
     const auto subscribesInside = value.subscribe([&](int now) {
-        if (now == 10)
-            inner = value.subscribe([&](int later) { heard.push_back(later * 100); });
+        if (now == 10) inner = value.subscribe([&](int later) { heard.push_back(later * 100); });
     });
     value.set(50);
     EXPECT_EQ(heard, (std::vector{10, 1000})) << "the overtaken 50 is told to nobody behind the clamp";

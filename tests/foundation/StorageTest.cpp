@@ -159,8 +159,7 @@ TEST(Json, KeepsTypesAndTexts) {
 TEST(Json, RefusesWhatIsNoJson) {
     const std::string deepArray = std::string(100'000, '[') + std::string(100'000, ']');
     std::string deepObject;
-    for (int i = 0; i < 100'000; ++i)
-        deepObject += R"({"a":)";
+    for (int i = 0; i < 100'000; ++i) deepObject += R"({"a":)";
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"", "empty"},
         {"{\"a\":1", "truncated"},
@@ -174,8 +173,7 @@ TEST(Json, RefusesWhatIsNoJson) {
         {deepArray, "deep arrays"},
         {deepObject, "deep objects"},
     };
-    for (const auto& [text, reason] : cases)
-        EXPECT_FALSE(Json::parse(text)) << reason;
+    for (const auto& [text, reason] : cases) EXPECT_FALSE(Json::parse(text)) << reason;
 }
 
 TEST(IsoDate, ReadsWhatItWrites) {

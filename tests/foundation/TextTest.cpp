@@ -37,8 +37,7 @@ TEST(Utf8, ReplacesEachMaximalIllFormedSubpart) {
         EXPECT_EQ(isValidUtf8(text), text == expected) << reason;
     }
     std::string appended;
-    for (const char32_t scalar : {U'a', U'ß', U'€', U'𝄞', char32_t(0xD800)})
-        appendScalar(appended, scalar);
+    for (const char32_t scalar : {U'a', U'ß', U'€', U'𝄞', char32_t(0xD800)}) appendScalar(appended, scalar);
     EXPECT_EQ(appended, "aß€𝄞\uFFFD");
 }
 
@@ -108,8 +107,7 @@ TEST(Graphemes, AgreeWithIcuOnAnyMixture) {
 
 TEST(Graphemes, TakeWindowsAndOddBytesInTheirStride) {
     std::string family = "x";
-    for (int i = 0; i < 100'000; ++i)
-        family += "\u0308";
+    for (int i = 0; i < 100'000; ++i) family += "\u0308";
     EXPECT_EQ(graphemeCount(family + "yz"), 3U) << "one base with 100,000 marks";
     EXPECT_EQ(graphemeCount("\xFF\xFE\x80z"), 4U);
     EXPECT_EQ(graphemeCount(std::string(1'000'000, 'w')), 1'000'000U);

@@ -152,8 +152,7 @@ TEST_F(DictationHistoryTest, SearchAndPreview) {
         return entry.preview();
     };
     std::string ninety;
-    for (int i = 0; i < 90; ++i)
-        ninety += i % 10 == 0 ? "ö" : "x";
+    for (int i = 0; i < 90; ++i) ninety += i % 10 == 0 ? "ö" : "x";
     EXPECT_EQ(preview(ninety), ninety);
     EXPECT_EQ(preview(ninety + "y"), ninety + "…");
     EXPECT_EQ(preview("a\nb"), "a b");

@@ -22,10 +22,8 @@ protected:
     /// Leaves a recording as a process does that dies.
     void leave(std::string_view audio, std::string_view text) {
         const auto recording = recordings.begin().value();
-        if (!audio.empty())
-            writeFile(recording.audio(), audio);
-        if (!text.empty())
-            recording.keepText(text);
+        if (!audio.empty()) writeFile(recording.audio(), audio);
+        if (!text.empty()) recording.keepText(text);
     }
 };
 
@@ -59,8 +57,7 @@ TEST_F(RecordingFolderTest, FindsWhatWasLeftInAnyCombination) {
     auto found = recordings.leftBehind();
     ASSERT_EQ(found.size(), 3U);
     EXPECT_TRUE(recordings.leftBehind().empty()) << "the finder is the owner now";
-    for (auto& recording : found)
-        recording.discard();
+    for (auto& recording : found) recording.discard();
     EXPECT_EQ(fileNames(path), (std::vector<std::string>{"dictation-kein-uuid.caf", "notizen.txt"}));
     EXPECT_TRUE(RecordingFolder(folder / "fehlt").leftBehind().empty());
 }

@@ -207,8 +207,7 @@ TEST_F(SettingsTest, AbsentAndUnusableValuesGiveTheFallback) {
         {R"({"playFeedbackSounds":"nein"})", [](auto& s) { return s.playStartSound.get(); },
          "former switch of another type"},
     };
-    for (const auto& row : rows)
-        EXPECT_TRUE(readWith(row.content, row.holds)) << row.reason;
+    for (const auto& row : rows) EXPECT_TRUE(readWith(row.content, row.holds)) << row.reason;
     EXPECT_EQ(contentOf(file), rows.back().content) << "a fallback is not written";
 }
 
@@ -307,8 +306,7 @@ TEST_F(SettingsTest, MarkersOfLaunchAndHint) {
     EXPECT_FALSE(settings.suiteHintIsDue(someDate + days(14) - seconds(1)));
     EXPECT_TRUE(settings.suiteHintIsDue(someDate + days(14)));
     settings.markSuiteHintShown(someDate + days(14));
-    for (int i = 0; i < 3; ++i)
-        settings.recordSuiteHintDismissal();
+    for (int i = 0; i < 3; ++i) settings.recordSuiteHintDismissal();
     EXPECT_FALSE(settings.suiteHintIsDue(someDate + days(28))) << "put off three times";
     EXPECT_TRUE(settings.suiteHintIsDue(someDate + days(14 + 60)));
     settings.recordSuiteLinkOpened();

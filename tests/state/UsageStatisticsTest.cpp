@@ -48,8 +48,7 @@ TEST(UsageStatistics, DescribesSpansInWords) {
                                                               {3660, "1 Stunde 1 Minute"},
                                                               {7260, "2 Stunden 1 Minute"},
                                                               {7380, "2 Stunden 3 Minuten"}};
-    for (const auto& [seconds, text] : rows)
-        EXPECT_EQ(UsageStatistics::describe(seconds), text) << seconds;
+    for (const auto& [seconds, text] : rows) EXPECT_EQ(UsageStatistics::describe(seconds), text) << seconds;
 }
 
 } // namespace

@@ -11,15 +11,13 @@ namespace querlin {
 std::expected<void, TranscriptionError> FakeTranscriber::begin(const std::string& locale, bool onDeviceOnly) {
     begunLocale = locale;
     begunOnDeviceOnly = onDeviceOnly;
-    if (script_.beginError)
-        return std::unexpected(*script_.beginError);
+    if (script_.beginError) return std::unexpected(*script_.beginError);
     return {};
 }
 
 Task<std::expected<std::string, TranscriptionError>> FakeTranscriber::finish() {
     timer_ = queue_.after(script_.delay, [ended = cancelled_.sender()] { ended.send(false); });
-    if (co_await cancelled_)
-        co_return std::string();
+    if (co_await cancelled_) co_return std::string();
     if (const auto* text = std::get_if<std::string>(&script_.result)) {
         transcripts_.push_back(*text);
         co_return *text;
@@ -36,8 +34,7 @@ void FakeTranscriber::cancel() {
 // FakeRecorder
 
 std::expected<void, AudioRecorderError> FakeRecorder::start(WriteToDisk) {
-    if (isRecording())
-        return {};
+    if (isRecording()) return {};
     discardRecording();
     recording_ = folder_.begin().value();
     writeFile(recording_->audio(), "caff-Ton");
@@ -50,8 +47,7 @@ std::expected<void, AudioRecorderError> FakeRecorder::start(WriteToDisk) {
 }
 
 void FakeRecorder::discardRecording() {
-    if (recording_)
-        recording_->discard();
+    if (recording_) recording_->discard();
     recording_.reset();
 }
 
@@ -65,8 +61,7 @@ Task<InsertResult> FakeInserter::insert(std::string text) {
         int& count;
         ~Leave() { --count; }
     } const leave{underWay};
-    if (result && !text.empty())
-        co_await sleepFor(queue_, delay);
+    if (result && !text.empty()) co_await sleepFor(queue_, delay);
     if (result && *result == Outcome::notInserted) {
         pasteboard = text;
     } else if (result) {
@@ -78,25 +73,21 @@ Task<InsertResult> FakeInserter::insert(std::string text) {
 // Stages
 
 std::string FakeStages::mark(std::string_view text, std::string_view sign) const {
-    if (lawStageThrows && sign == "·l")
-        throw std::runtime_error("kaputt");
+    if (lawStageThrows && sign == "·l") throw std::runtime_error("kaputt");
     return marks ? std::string(text) + std::string(sign) : std::string(text);
 }
 
 TextStages::CommandOutcome FakeStages::applyCommands(std::string_view text, CommandMode mode) {
     if (text.find("alles verwerfen") != std::string_view::npos)
         return {std::string(text), true, {"alles verwerfen"}};
-    if (text == "streiche das")
-        return {"", false, {"streiche das"}};
+    if (text == "streiche das") return {"", false, {"streiche das"}};
     std::vector<std::string> applied;
-    if (text.find("Komma") != std::string_view::npos)
-        applied = {"Komma", "Punkt"};
+    if (text.find("Komma") != std::string_view::npos) applied = {"Komma", "Punkt"};
     return {mark(text, mode == CommandMode::compact ? "·C" : "·c"), false, applied};
 }
 
 TextStages::BlockOutcome FakeStages::expandBlocks(std::string_view text, std::span<const TextBlock>, Date) {
-    if (text.find("Baustein") == std::string_view::npos)
-        return {std::string(text), {}};
+    if (text.find("Baustein") == std::string_view::npos) return {std::string(text), {}};
     return {mark(text, "·b"), {"Anhörung", "Grußformel"}};
 }
 
@@ -191,8 +182,7 @@ void DictationWorld::dictate(std::string transcript) {
 std::vector<std::string> DictationWorld::rescuedTexts() const {
     std::vector<std::string> texts;
     for (const auto& name : fileNames(rescueFolder.path())) {
-        if (name.ends_with(".txt"))
-            texts.push_back(contentOf(rescueFolder.path() / name));
+        if (name.ends_with(".txt")) texts.push_back(contentOf(rescueFolder.path() / name));
     }
     return texts;
 }

@@ -198,8 +198,7 @@ public:
         return Registration([this] { observer_.reset(); });
     }
     void send(SystemSignal signal, SystemHold hold = {}) {
-        if (observer_)
-            (*observer_)(signal, std::move(hold));
+        if (observer_) (*observer_)(signal, std::move(hold));
     }
     bool isObserved() const { return observer_ != nullptr; }
 

@@ -37,8 +37,7 @@ bool ManualTime::step() {
     if (!next && !timers_->empty() && timers_->begin()->first.first <= elapsed_) {
         next = std::move(timers_->extract(timers_->begin()).mapped());
     }
-    if (!next)
-        return false;
+    if (!next) return false;
     next();
     return true;
 }

@@ -24,8 +24,7 @@ fs::path fastFolder() {
 
 TempFolder::TempFolder() {
     auto pattern = (fastFolder() / "querlin-test-XXXXXX").string();
-    if (!::mkdtemp(pattern.data()))
-        throw std::runtime_error("no temporary folder");
+    if (!::mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
     path_ = pattern;
 }
 
@@ -34,8 +33,7 @@ TempFolder::~TempFolder() {
     // A test may have taken the right to write away.
     for (fs::recursive_directory_iterator entry(path_, ignored), end; !ignored && entry != end;
          entry.increment(ignored)) {
-        if (entry->is_directory())
-            fs::permissions(entry->path(), fs::perms::owner_all, ignored);
+        if (entry->is_directory()) fs::permissions(entry->path(), fs::perms::owner_all, ignored);
     }
     fs::remove_all(path_, ignored);
 }
