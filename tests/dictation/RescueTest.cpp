@@ -3,6 +3,7 @@
 #include "dictation/CrashRecovery.h"
 #include "foundation/Files.h"
 #include "support/DictationWorld.h"
+#include "support/HostileDisk.h"
 
 #include <gtest/gtest.h>
 
@@ -85,6 +86,36 @@ TEST(Rescue, AFolderThatCannotBeMadeLeavesTextAndAudioForTheNextStart) {
     EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier),
               1U);
     EXPECT_EQ(w.rescuedTexts(), (Texts{"wichtig"}));
+    EXPECT_EQ(w.rescuedRecordings(), 1U);
+}
+
+TEST(Rescue, AFullDiskLeavesTheClipboardTheNoticeAndTheRecording) {
+    DictationWorld w;
+    auto recording = recordingIn(w);
+    recording->keepText("halb");
+    {
+        const FullDisk full;
+        EXPECT_FALSE(w.rescue.rescue("ganz", std::move(recording), "Grund").textFile);
+    }
+    EXPECT_EQ(w.inserter.pasteboard, "ganz");
+    EXPECT_EQ(w.services.notifications.size(), 1U);
+    EXPECT_EQ(w.log.countOf("[rescue] Text nicht schreibbar: "), 1U);
+    CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier);
+    EXPECT_EQ(w.rescuedTexts(), (Texts{"halb"})) << "the last text that the disk took";
+    EXPECT_EQ(w.rescuedRecordings(), 1U);
+}
+
+TEST(Rescue, AudioThatCannotBeMovedStaysForTheNextStart) {
+    DictationWorld w;
+    auto recording = recordingIn(w);
+    {
+        const ReadOnlyFolder locked(w.recordingsPath);
+        const auto result = w.rescue.rescue("Text", std::move(recording), "Grund");
+        EXPECT_FALSE(result.audioFile);
+    }
+    EXPECT_EQ(w.log.countOf("[rescue] Tonspur nicht sicherbar: "), 1U);
+    EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier),
+              1U);
     EXPECT_EQ(w.rescuedRecordings(), 1U);
 }
 

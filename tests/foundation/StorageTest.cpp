@@ -4,12 +4,11 @@
 #include "foundation/IsoDate.h"
 #include "foundation/Json.h"
 #include "foundation/Uuid.h"
+#include "support/HostileDisk.h"
 #include "support/TempFolder.h"
 
-#include <csignal>
 #include <thread>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
@@ -55,27 +54,6 @@ TEST(Files, AReaderNeverSeesAPartOfAWrite) {
         ASSERT_TRUE(*content == ones || *content == twos);
     }
 }
-
-/// Lets no file of this process grow beyond a size, as a full disk would.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t bytes) {
-        ::getrlimit(RLIMIT_FSIZE, &former_);
-        formerHandler_ = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit full{bytes, former_.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &full);
-    }
-    ~FullDisk() {
-        ::setrlimit(RLIMIT_FSIZE, &former_);
-        std::signal(SIGXFSZ, formerHandler_);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    rlimit former_{};
-    void (*formerHandler_)(int) = SIG_DFL;
-};
 
 TEST(Files, AFullDiskLeavesTheOldContentAndNoRemains) {
     const TempFolder folder;

@@ -3,6 +3,7 @@
 #include "state/DictationHistory.h"
 #include "foundation/IsoDate.h"
 #include "support/CapturedLog.h"
+#include "support/HostileDisk.h"
 #include "support/ManualTime.h"
 #include "support/TempFolder.h"
 
@@ -22,8 +23,6 @@ protected:
     ManualTime time;
     fs::path base = folder / "Querlin";
     fs::path index = base / "Verlauf.json";
-
-    DictationHistory history() { return DictationHistory(base, time); }
 
     static std::string entryText(std::string_view members) {
         return R"({"id":"3F2504E0-4F89-41D3-9A0C-0305E82C3301","date":"2026-03-01T09:30:00Z","text":"alt",)"
@@ -123,11 +122,34 @@ TEST_F(DictationHistoryTest, ReadsForeignButValidEntries) {
 }
 
 TEST_F(DictationHistoryTest, WorksInMemoryWhereNothingCanBeWritten) {
-    writeFile(folder / "Querlin", "eine Datei, kein Ordner");
+    writeFile(folder / "ton.caf", "Ton");
     DictationHistory h(base, time);
-    h.record("Text", "Mail", "Roh", std::nullopt);
-    EXPECT_EQ(h.entries().size(), 1U);
-    h.removeAll();
+    h.record("vorher", "Mail", "Roh", std::nullopt);
+    {
+        const FullDisk full;
+        h.record("voll", "Mail", "Roh", folder / "ton.caf");
+    }
+    EXPECT_EQ(h.entries().size(), 2U);
+    EXPECT_EQ(DictationHistory(base, time).entries().size(), 1U) << "the old index is whole";
+    h.record("nachher", "Mail", "Roh", std::nullopt);
+    EXPECT_EQ(DictationHistory(base, time).entries().size(), 3U) << "the next save makes it good";
+
+    writeFile(folder / "keinOrdner", "");
+    DictationHistory nowhere(folder / "keinOrdner", time);
+    nowhere.record("Text", "Mail", "Roh", std::nullopt);
+    EXPECT_EQ(nowhere.entries().size(), 1U);
+    nowhere.removeAll();
+}
+
+TEST_F(DictationHistoryTest, ADamagedIndexThatCannotBeMovedIsNeverWrittenOver) {
+    writeFile(index, "kaputt");
+    {
+        const ReadOnlyFolder locked(base);
+        DictationHistory h(base, time);
+        h.record("neu", "Mail", "Roh", std::nullopt);
+        EXPECT_EQ(h.entries().size(), 1U);
+    }
+    EXPECT_EQ(contentOf(index), "kaputt");
 }
 
 TEST_F(DictationHistoryTest, SearchAndPreview) {

@@ -5,6 +5,7 @@
 #include "state/Migration.h"
 #include "state/Product.h"
 #include "support/CapturedLog.h"
+#include "support/HostileDisk.h"
 #include "support/ManualTime.h"
 #include "support/TempFolder.h"
 
@@ -248,22 +249,41 @@ TEST_F(SettingsTest, DamagedFilesAreSetAsideAndSaidSo) {
         5U);
 }
 
-TEST_F(SettingsTest, AStoreThatCannotBeWrittenKeepsItsValuesInMemory) {
-    // A file in the place of the folder fails for every user, root included.
-    writeFile(folder / "zu", "");
-    PreferencesStore store(folder / "zu" / "domain.json", time);
+TEST_F(SettingsTest, AFullDiskLeavesFileAndMemoryRightAndTheNextChangeTriesAgain) {
+    givenFile(R"({"contextualLimit":3})");
+    const auto before = contentOf(file);
+    PreferencesStore store(file, time);
     AppSettings settings(store);
-    settings.maxDictationMinutes.set(9);
-    settings.contextualLimit.set(3);
+    {
+        const FullDisk full;
+        settings.maxDictationMinutes.set(9);
+        settings.showLevelMeter.set(false);
+    }
     EXPECT_EQ(settings.maxDictationMinutes.get(), 9);
+    EXPECT_EQ(contentOf(file), before);
     EXPECT_EQ(log.countOf("Einstellungen nicht gespeichert"), 1U) << "said once";
+    settings.contextualLimit.set(4);
+    const PreferencesStore reread(file, time);
+    EXPECT_EQ(reread.get<std::int64_t>("maxDictationMinutes"), 9);
+    EXPECT_EQ(reread.get<std::int64_t>("contextualLimit"), 4);
 }
 
-TEST_F(SettingsTest, AFileThatCannotBeReadOrMovedIsNeverWrittenOver) {
-    fs::create_directories(file); // a folder under the file's name
-    PreferencesStore probe(file, time);
-    EXPECT_EQ(log.countOf("beiseitegelegt"), 1U) << "even a folder is moved out of the way";
-    EXPECT_FALSE(fs::exists(file));
+TEST_F(SettingsTest, AFileThatCanNeitherBeReadNorMovedIsNeverWrittenOver) {
+    for (const auto* content : {R"({"contextualLimit":3})", "{kaputt"}) {
+        writeFile(folder / "zu/domain.json", content);
+        const bool damaged = *content == '{' && content[1] == 'k';
+        {
+            const ReadOnlyFolder locked(folder / "zu");
+            PreferencesStore store(folder / "zu/domain.json", time);
+            AppSettings settings(store);
+            EXPECT_EQ(settings.contextualLimit.get(), damaged ? 250 : 3);
+            settings.contextualLimit.set(7);
+            EXPECT_EQ(settings.contextualLimit.get(), 7);
+        }
+        EXPECT_EQ(contentOf(folder / "zu/domain.json"), content);
+        EXPECT_EQ(log.countOf("Einstellungen nicht lesbar, Änderungen gelten nur bis zum Ende"),
+                  damaged ? 1U : 0U);
+    }
 }
 
 TEST_F(SettingsTest, AssigningTellsObserversAndTheFileAtOnce) {
