@@ -50,13 +50,14 @@ std::string germanWeekday(Date date) {
 }
 
 std::string germanNumber(std::int64_t number) {
-    auto digits = std::to_string(number);
-    const std::size_t sign = number < 0 ? 1 : 0;
-    for (auto at = digits.size(); at > sign + 3;) {
-        at -= 3;
-        digits.insert(at, ".");
+    const auto digits = fmt::format("{}", number);
+    std::string grouped;
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        const bool beginsGroup = i > 0 && digits[i - 1] != '-' && (digits.size() - i) % 3 == 0;
+        if (beginsGroup) grouped += '.';
+        grouped += digits[i];
     }
-    return digits;
+    return grouped;
 }
 
 std::string localFileStamp(Date date) {

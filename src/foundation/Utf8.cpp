@@ -10,19 +10,6 @@ namespace querlin {
 
 namespace {
 
-/// How many bytes at the front are ASCII.
-std::size_t asciiPrefix(std::string_view text) {
-    constexpr std::uint64_t highBits = 0x8080808080808080U;
-    std::size_t at = 0;
-    for (; at + sizeof(std::uint64_t) <= text.size(); at += sizeof(std::uint64_t)) {
-        std::uint64_t block = 0;
-        std::memcpy(&block, text.data() + at, sizeof(block));
-        if ((block & highBits) != 0) break;
-    }
-    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
-    return at;
-}
-
 /// The scalar at `at`, which moves behind it; negative for ill-formed bytes.
 std::int32_t nextScalar(std::string_view text, std::size_t& at) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data()); // NOLINT: ICU's idea of UTF-8
@@ -35,7 +22,7 @@ std::int32_t nextScalar(std::string_view text, std::size_t& at) {
 std::size_t validPrefix(std::string_view text) {
     std::size_t at = 0;
     while (true) {
-        at += asciiPrefix(text.substr(at));
+        at += latinPrefix(text.substr(at));
         if (at == text.size()) return at;
         const auto start = at;
         if (nextScalar(text, at) < 0) return start;
@@ -43,6 +30,30 @@ std::size_t validPrefix(std::string_view text) {
 }
 
 } // namespace
+
+std::size_t asciiPrefix(std::string_view text) {
+    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    std::size_t at = 0;
+    for (; at + sizeof(std::uint64_t) <= text.size(); at += sizeof(std::uint64_t)) {
+        std::uint64_t block = 0;
+        std::memcpy(&block, text.data() + at, sizeof(block));
+        if ((block & highBits) != 0) break;
+    }
+    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
+    return at;
+}
+
+std::size_t latinPrefix(std::string_view text) {
+    const auto byteAt = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    std::size_t at = 0;
+    while (true) {
+        at += asciiPrefix(text.substr(at));
+        const bool isTwoByteScalar = at + 1 < text.size() && byteAt(at) >= 0xC2 && byteAt(at) < 0xCC &&
+                                     (byteAt(at + 1) & 0xC0U) == 0x80;
+        if (!isTwoByteScalar) return at;
+        at += 2;
+    }
+}
 
 DecodedScalar decodeScalar(std::string_view text) {
     std::size_t at = 0;

@@ -26,6 +26,13 @@ void appendScalar(std::string& text, char32_t scalar);
 
 bool isValidUtf8(std::string_view text);
 
+/// How many bytes at the front are ASCII.
+std::size_t asciiPrefix(std::string_view text);
+
+/// How many bytes at the front are well-formed scalars below U+0300: ASCII and Latin letters, nothing
+/// that combines. Fast paths for German text go this far.
+std::size_t latinPrefix(std::string_view text);
+
 /// The text with everything ill-formed replaced by U+FFFD: "a\xFFz" -> "a\uFFFDz".
 std::string validUtf8(std::string_view text);
 
