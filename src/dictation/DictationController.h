@@ -132,7 +132,7 @@ private:
     void play(FeedbackSound sound);
 
     // Pipeline (DictationPipeline.cpp)
-    enum class RunEnd { Delivered, Undelivered };
+    enum class RunEnd : std::uint8_t { Delivered, Undelivered };
     struct PipelineTimes;
     class InPipeline;
     Task<> runPipeline(RunPointer run);

@@ -187,7 +187,7 @@ std::optional<Date> modificationTime(const fs::path& file) {
 
 FileResult<fs::path> setAside(const fs::path& file, Date now) {
     const auto stem = fmt::format("{} beschädigt {}", file.stem().string(), localFileStamp(now));
-    const auto place = unusedName(folderOf(file), stem, file.extension().string());
+    auto place = unusedName(folderOf(file), stem, file.extension().string());
     if (::rename(file.c_str(), place.c_str()) != 0) return lastFailure();
     syncFolder(folderOf(file));
     return place;

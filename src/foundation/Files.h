@@ -2,6 +2,7 @@
 
 #include "foundation/Time.h"
 
+#include <cstdint>
 #include <expected>
 #include <filesystem>
 #include <optional>
@@ -28,7 +29,7 @@ using FileResult = std::expected<Value, FileError>;
 namespace Files {
 
 /// How a finished write is protected.
-enum class Durability {
+enum class Durability : std::uint8_t {
     Synced,  ///< survives a power cut from the moment of the return
     Unsynced ///< survives the end of the process, for what is written often
 };

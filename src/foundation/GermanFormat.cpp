@@ -15,7 +15,7 @@ constexpr std::array<std::string_view, 7> weekdays = {"Sonntag",    "Montag",  "
 std::tm brokenDown(std::chrono::sys_seconds moment) {
     const std::time_t seconds = moment.time_since_epoch().count();
     std::tm parts{};
-    ::localtime_r(&seconds, &parts);
+    (void)::localtime_r(&seconds, &parts);
     return parts;
 }
 
@@ -72,7 +72,7 @@ std::string localLogStamp(Date date) {
 }
 
 std::optional<Date> daysBefore(Date date, std::int64_t days) {
-    constexpr std::int64_t furthest = 365 * 250; // Within what a date can hold, from any present day.
+    constexpr std::int64_t furthest = 91'250; // Within what a date can hold, from any present day.
     if (days < 0 || days > furthest) return std::nullopt;
     const auto whole = std::chrono::floor<std::chrono::seconds>(date);
     auto parts = brokenDown(whole);

@@ -1,6 +1,7 @@
 #include "foundation/Json.h"
 
 #include <cmath>
+#include <ranges>
 
 #include <rapidjson/encodedstream.h>
 #include <rapidjson/error/en.h>
@@ -86,8 +87,8 @@ std::optional<double> JsonValue::number() const {
 const JsonValue* JsonValue::member(std::string_view name) const {
     const auto* members = object();
     if (!members) return nullptr;
-    for (auto found = members->rbegin(); found != members->rend(); ++found) {
-        if (found->first == name) return &found->second;
+    for (const auto& [memberName, value] : std::views::reverse(*members)) {
+        if (memberName == name) return &value;
     }
     return nullptr;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <expected>
 #include <optional>
@@ -19,7 +20,9 @@ public:
     using Object = std::vector<std::pair<std::string, JsonValue>>;
 
     JsonValue() = default; // null
-    JsonValue(bool value) : value_(value) {}
+    /// Of a real `bool` alone: a pointer must not turn into one.
+    template<std::same_as<bool> Bool>
+    JsonValue(Bool value) : value_(value) {}
     JsonValue(std::int64_t value) : value_(value) {}
     JsonValue(double value) : value_(value) {}
     JsonValue(std::string value) : value_(std::move(value)) {}

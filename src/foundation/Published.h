@@ -11,7 +11,7 @@
 namespace querlin {
 
 /// Whether a new subscriber is told the present value at once.
-enum class FirstValue { Deliver, Skip };
+enum class FirstValue : std::uint8_t { Deliver, Skip };
 
 /// A value that can be observed. Main thread only.
 ///

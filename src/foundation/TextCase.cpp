@@ -2,6 +2,8 @@
 
 #include "foundation/Utf8.h"
 
+#include <cstdint>
+
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
 #include <unicode/normalizer2.h>
@@ -26,7 +28,7 @@ std::string converted(const std::string& text, Convert convert) {
     return U_SUCCESS(status) ? result : text;
 }
 
-enum class Case { Upper, Lower };
+enum class Case : std::uint8_t { Upper, Lower };
 
 /// Maps a stretch of ASCII.
 void mapAscii(char* bytes, std::size_t count, Case to) {
@@ -37,32 +39,33 @@ void mapAscii(char* bytes, std::size_t count, Case to) {
     }
 }
 
-/// Maps ASCII and the letters of U+00C0 to U+00FF in place of ICU. False where the text has letters
-/// that these don't cover: then nothing of `result` counts.
+/// Maps a scalar of U+0080 to U+00FF, given by its two bytes. False if its counterpart lies elsewhere.
+bool mapLatin1(unsigned char lead, char& trailByte, Case to) {
+    const auto trail = static_cast<unsigned char>(trailByte);
+    const bool toUpper = to == Case::Upper;
+    if (lead == 0xC2) return !(toUpper && trail == 0xB5); // The micro sign has a Greek capital.
+    // U+00C0 to U+00DE are the capitals of U+00E0 to U+00FE, apart from the two signs among them; the
+    // capitals of ß and ÿ lie elsewhere.
+    if (trail == 0x9F || trail == 0xBF) return !toUpper;
+    const bool isSign = trail == 0x97 || trail == 0xB7;
+    const bool isSmall = trail >= 0xA0;
+    if (!isSign && isSmall == toUpper) trailByte = static_cast<char>(trail ^ 0x20U);
+    return true;
+}
+
+/// Maps ASCII and Latin-1 letters in place of ICU. False where the text has anything that these don't
+/// cover: then nothing of `result` counts.
 bool mapLatin(std::string_view text, Case to, std::string& result) {
     result.assign(text);
-    for (std::size_t at = 0;;) {
+    for (std::size_t at = 0;; at += 2) {
         const auto ascii = asciiPrefix(text.substr(at));
         mapAscii(result.data() + at, ascii, to);
         at += ascii;
         if (at == text.size()) return true;
-
         const auto lead = static_cast<unsigned char>(text[at]);
-        const auto trail = static_cast<unsigned char>(at + 1 < text.size() ? text[at + 1] : 0);
-        if ((lead != 0xC2 && lead != 0xC3) || (trail & 0xC0U) != 0x80) return false;
-        if (lead == 0xC2) {
-            if (trail == 0xB5 && to == Case::Upper) return false; // The micro sign has a Greek capital.
-        } else {
-            // U+00C0 to U+00DE are the capitals of U+00E0 to U+00FE, apart from the two signs among
-            // them; ß and ÿ have capitals elsewhere.
-            const bool isSign = trail == 0x97 || trail == 0xB7;
-            const bool isLower = trail >= 0xA0;
-            if (to == Case::Upper && (trail == 0x9F || trail == 0xBF)) return false;
-            if (!isSign && trail != 0x9F && isLower == (to == Case::Upper)) {
-                result[at + 1] = static_cast<char>(trail ^ 0x20);
-            }
-        }
-        at += 2;
+        const bool isLatin1 = (lead == 0xC2 || lead == 0xC3) && at + 1 < text.size() &&
+                              (static_cast<unsigned char>(text[at + 1]) & 0xC0U) == 0x80;
+        if (!isLatin1 || !mapLatin1(lead, result[at + 1], to)) return false;
     }
 }
 

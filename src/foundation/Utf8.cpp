@@ -14,7 +14,7 @@ namespace {
 std::int32_t nextScalar(std::string_view text, std::size_t& at) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data()); // NOLINT: ICU's idea of UTF-8
     std::int32_t scalar = 0;
-    U8_NEXT(bytes, at, text.size(), scalar);
+    U8_NEXT(bytes, at, text.size(), scalar); // NOLINT(bugprone-inc-dec-in-conditions): ICU's macro
     return scalar;
 }
 
@@ -64,10 +64,13 @@ DecodedScalar decodeScalar(std::string_view text) {
 void appendScalar(std::string& text, char32_t scalar) {
     std::array<std::uint8_t, U8_MAX_LENGTH> bytes{};
     std::size_t length = 0;
-    UBool isError = false;
+    UBool isError = 0;
     U8_APPEND(bytes, length, bytes.size(), scalar, isError);
-    if (isError) return appendScalar(text, replacementScalar);
-    text.append(bytes.begin(), bytes.begin() + length);
+    if (isError != 0) {
+        appendScalar(text, replacementScalar);
+    } else {
+        text.append(bytes.begin(), bytes.begin() + length);
+    }
 }
 
 bool isValidUtf8(std::string_view text) { return validPrefix(text) == text.size(); }

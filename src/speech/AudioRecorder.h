@@ -37,7 +37,7 @@ struct ConfigurationChange {
 };
 
 /// Whether a recording leaves a file.
-enum class WriteToDisk { No, Yes };
+enum class WriteToDisk : std::uint8_t { No, Yes };
 
 /// The microphone for the length of one dictation: hands buffers on at once and writes the same sound
 /// to a file. Main thread, but for the buffers.

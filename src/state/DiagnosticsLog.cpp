@@ -4,7 +4,7 @@ namespace querlin::DiagnosticsLog {
 
 namespace {
 
-std::atomic<LogSink*> installedSink = nullptr;
+std::atomic<LogSink*> installedSink = nullptr; // NOLINT(*-non-const-global-variables): the one sink
 
 } // namespace
 

@@ -31,7 +31,7 @@ void trace(std::string_view category, std::string_view message);
 void clear();
 
 /// Whether `trace` writes. True at start.
-inline std::atomic<bool> verbose = true;
+inline std::atomic<bool> verbose = true; // NOLINT(*-non-const-global-variables): the log's one switch
 
 /// Sends all lines to `sink` for as long as this lives; then to the sink that was there before.
 class Installation {

@@ -76,7 +76,7 @@ std::optional<DictationEntry> readJson(const JsonValue& json, const DictationEnt
     if (!canonicalId || !date || !text || !appName || !engine || !wordCount) return std::nullopt;
 
     std::optional<std::string> audio;
-    if (const auto* member = json.member("audioFileName"); member && *member != JsonValue()) {
+    if (const auto* member = json.member("audioFileName"); member != nullptr && *member != JsonValue()) {
         if (!member->string() || !isPlainFileName(*member->string())) return std::nullopt;
         audio = *member->string();
     }

@@ -48,7 +48,7 @@ struct Encoder {
     JsonValue operator()(bool value) const { return value; }
     JsonValue operator()(std::int64_t value) const { return value; }
     JsonValue operator()(double value) const { return value; }
-    JsonValue operator()(std::string value) const { return validUtf8(value); }
+    JsonValue operator()(const std::string& value) const { return validUtf8(value); }
     JsonValue operator()(Date value) const { return object(dateMember, isoDate(value)); }
     JsonValue operator()(PreferenceData value) const {
         return isValidUtf8(value.bytes) ? object(dataMember, std::move(value.bytes))

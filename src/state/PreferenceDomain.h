@@ -3,6 +3,7 @@
 #include "foundation/Json.h"
 #include "foundation/Time.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -23,7 +24,7 @@ using PreferenceValue =
     std::variant<bool, std::int64_t, double, std::string, Date, PreferenceData, std::vector<std::string>>;
 
 /// Why a domain's file gave nothing.
-enum class DomainFault {
+enum class DomainFault : std::uint8_t {
     NotThere,
     Unreadable, ///< the system refuses to read it
     Damaged     ///< it isn't what `PreferenceDomain::text` writes

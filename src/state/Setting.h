@@ -107,7 +107,7 @@ public:
         store_(store), key_(key), value_(StoredForm<Value>::read(store, key).value_or(std::move(fallback))) {}
 
     const Value& get() const { return value_.get(); }
-    void set(Value value) {
+    void set(const Value& value) {
         value_.set(value);
         StoredForm<Value>::write(store_, key_, value);
     }

@@ -3,6 +3,7 @@
 #include "foundation/Time.h"
 #include "state/TextBlock.h"
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,10 +12,10 @@
 namespace querlin {
 
 /// How spoken commands are written: as prose, or compact for a search field.
-enum class CommandMode { prose, compact };
+enum class CommandMode : std::uint8_t { prose, compact };
 
 /// How sure one must be to take a whole text for a web address.
-enum class AddressTest { strict, lenient };
+enum class AddressTest : std::uint8_t { strict, lenient };
 
 /// The German text stages between the recogniser and the target, as the pipeline calls them. Each
 /// passes through unchanged what it can't read. Main thread.

@@ -19,9 +19,9 @@
 namespace querlin {
 namespace {
 
-/// Runs a dictation in a child process, kills it `delay` after it began to record, and gives what it
-/// had told by then.
-std::string killedAfter(const std::filesystem::path& folder, const char* outcome,
+/// Runs a dictation in a child process, kills it `delay` after it has told `sign`, and gives all that
+/// it had told by then.
+std::string killedAfter(char sign, const std::filesystem::path& folder, const char* outcome,
                         std::chrono::microseconds delay) {
     std::array<int, 2> pipe{};
     EXPECT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
@@ -38,12 +38,12 @@ std::string killedAfter(const std::filesystem::path& folder, const char* outcome
     ::close(pipe[1]);
 
     std::string told;
-    char sign = 0;
-    if (::read(pipe[0], &sign, 1) == 1) told += sign;
+    char next = 0;
+    while (!told.ends_with(sign) && ::read(pipe[0], &next, 1) == 1) told += next;
     std::this_thread::sleep_for(delay);
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
-    while (::read(pipe[0], &sign, 1) == 1) told += sign;
+    while (::read(pipe[0], &next, 1) == 1) told += next;
     ::close(pipe[0]);
     return told;
 }
@@ -57,9 +57,12 @@ TEST(Crash, AKilledDictationIsFoundAtTheNextStart) {
     int afterDelivery = 0;
     for (int i = 0; i < kills && !testing::Test::HasFailure(); ++i) {
         const TempFolder folder;
-        const char* outcome = i % 3 == 0 ? "rescued" : "delivered";
-        const auto told =
-            killedAfter(folder.path(), outcome, std::chrono::microseconds(microseconds(random)));
+        // Some wait for the delivery, so that the moments behind it are met on a slow machine too.
+        const bool waitsForDelivery = i % 8 == 1;
+        const char* outcome = i % 3 == 0 && !waitsForDelivery ? "rescued" : "delivered";
+        const std::chrono::microseconds delay(waitsForDelivery ? microseconds(random) / 20
+                                                               : microseconds(random));
+        const auto told = killedAfter(waitsForDelivery ? 'd' : 'r', folder.path(), outcome, delay);
         ASSERT_TRUE(told.starts_with('r')) << "the child must get as far as recording";
 
         RescueFolder rescueFolder(folder / "Gerettete Diktate", time);
@@ -82,8 +85,8 @@ TEST(Crash, AKilledDictationIsFoundAtTheNextStart) {
         EXPECT_EQ(CrashRecovery::rescueLeftBehind(recordings, rescueFolder, notifier), 0U);
     }
     // Otherwise the kills have not met the interesting moments.
-    EXPECT_GT(withText, kills / 4);
-    EXPECT_GT(afterDelivery, 5);
+    EXPECT_GT(withText, kills / 10);
+    EXPECT_GE(afterDelivery, kills / 8);
 }
 
 } // namespace

@@ -9,7 +9,9 @@
 #include "support/ManualTime.h"
 #include "support/TempFolder.h"
 
+#include <array>
 #include <functional>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -19,6 +21,51 @@ namespace {
 namespace fs = std::filesystem;
 
 const Date someDate = *parseIsoDate("2026-03-01T09:30:00.123456789Z");
+
+constexpr std::array keys = {"hotkeyConfig",
+                             "inputDeviceUID",
+                             "showLevelMeter",
+                             "playStartSound",
+                             "playStopSound",
+                             "maxDictationMinutes",
+                             "dictationLanguage",
+                             "transcriptionEngine",
+                             "onDeviceRecognitionOnly",
+                             "userDictionary",
+                             "contextualLimit",
+                             "legalVocabularyEnabled",
+                             "dictationCommandsEnabled",
+                             "textBlocks",
+                             "writingStyle",
+                             "contextAwareStyle",
+                             "appProfiles",
+                             "cleanupMode",
+                             "cleanupModeChosen",
+                             "learnFromCorrections",
+                             "historyEnabled",
+                             "historyRetentionDays",
+                             "historyKeepAudio",
+                             "hasCompletedOnboarding",
+                             "checkForUpdatesAtLaunch",
+                             "updateLawsAutomatically",
+                             "lawsLastChecked",
+                             "installedAt",
+                             "suiteHintLastShown",
+                             "suiteHintDismissals",
+                             "suiteLinkOpened"};
+
+auto allValues(const AppSettings& s) {
+    return std::tuple(s.hotkey.get(), s.inputDeviceUID.get(), s.showLevelMeter.get(), s.playStartSound.get(),
+                      s.playStopSound.get(), s.maxDictationMinutes.get(), s.language.get(), s.engine.get(),
+                      s.onDeviceRecognitionOnly.get(), s.userDictionary.get(), s.contextualLimit.get(),
+                      s.legalVocabularyEnabled.get(), s.dictationCommandsEnabled.get(), s.textBlocks.get(),
+                      s.writingStyle.get(), s.contextAwareStyle.get(), s.appProfiles.get(),
+                      s.cleanupMode.get(), s.hasChosenCleanupMode.get(), s.learnFromCorrections.get(),
+                      s.historyEnabled.get(), s.historyRetentionDays.get(), s.historyKeepAudio.get(),
+                      s.hasCompletedOnboarding.get(), s.checkForUpdatesAtLaunch.get(),
+                      s.updateLawsAutomatically.get(), s.lawsLastChecked.get(), s.installedAt.get(),
+                      s.suiteHintLastShown.get(), s.suiteHintDismissals.get(), s.suiteLinkOpened.get());
+}
 
 class SettingsTest : public testing::Test {
 protected:
@@ -42,7 +89,7 @@ TEST_F(SettingsTest, EveryPropertySurvivesARestart) {
     const HotkeyConfig hotkey{HotkeyConfig::Mode::holdCombo, ModifierKey::fn, ComboHotkey::commandShiftD};
     const std::vector<AppProfile> profiles = {{"org.example", "Beispiel „x“", WritingStyle::brief, false}};
     const std::vector<TextBlock> blocks = {{"Kurz", "Zeile 1\nZeile 2\t€"}};
-    {
+    const auto assigned = [&] {
         PreferencesStore store(file, time);
         AppSettings s(store);
         s.hotkey.set(hotkey);
@@ -76,76 +123,29 @@ TEST_F(SettingsTest, EveryPropertySurvivesARestart) {
         s.suiteHintLastShown.set(someDate);
         s.suiteHintDismissals.set(4);
         s.suiteLinkOpened.set(true);
-    }
+        return allValues(s);
+    }();
     // The keys bind other programs and later versions; three differ from the property's name.
     const auto text = contentOf(file);
-    for (const auto* key : {"hotkeyConfig",
-                            "inputDeviceUID",
-                            "showLevelMeter",
-                            "playStartSound",
-                            "playStopSound",
-                            "maxDictationMinutes",
-                            "dictationLanguage",
-                            "transcriptionEngine",
-                            "onDeviceRecognitionOnly",
-                            "userDictionary",
-                            "contextualLimit",
-                            "legalVocabularyEnabled",
-                            "dictationCommandsEnabled",
-                            "textBlocks",
-                            "writingStyle",
-                            "contextAwareStyle",
-                            "appProfiles",
-                            "cleanupMode",
-                            "cleanupModeChosen",
-                            "learnFromCorrections",
-                            "historyEnabled",
-                            "historyRetentionDays",
-                            "historyKeepAudio",
-                            "hasCompletedOnboarding",
-                            "checkForUpdatesAtLaunch",
-                            "updateLawsAutomatically",
-                            "lawsLastChecked",
-                            "installedAt",
-                            "suiteHintLastShown",
-                            "suiteHintDismissals",
-                            "suiteLinkOpened"}) {
+    for (const auto* key : keys) {
         EXPECT_NE(text.find('"' + std::string(key) + '"'), std::string::npos) << key;
     }
 
     PreferencesStore store(file, time);
-    const AppSettings s(store);
-    EXPECT_EQ(s.hotkey.get(), hotkey);
-    EXPECT_EQ(s.inputDeviceUID.get(), "usb");
-    EXPECT_FALSE(s.showLevelMeter.get());
-    EXPECT_FALSE(s.playStartSound.get());
-    EXPECT_FALSE(s.playStopSound.get());
-    EXPECT_EQ(s.maxDictationMinutes.get(), -3) << "no reader clamps";
-    EXPECT_EQ(s.language.get(), DictationLanguage::system);
-    EXPECT_EQ(s.engine.get(), TranscriptionEngine::speechAnalyzer);
-    EXPECT_FALSE(s.onDeviceRecognitionOnly.get());
-    EXPECT_EQ(s.userDictionary.get(), (std::vector<std::string>{"Nießbrauch", "ß"}));
-    EXPECT_EQ(s.contextualLimit.get(), 7);
-    EXPECT_FALSE(s.legalVocabularyEnabled.get());
-    EXPECT_FALSE(s.dictationCommandsEnabled.get());
-    EXPECT_EQ(s.textBlocks.get(), blocks);
-    EXPECT_EQ(s.writingStyle.get(), WritingStyle::locker);
-    EXPECT_FALSE(s.contextAwareStyle.get());
-    EXPECT_EQ(s.appProfiles.get(), profiles);
-    EXPECT_EQ(s.cleanupMode.get(), CleanupMode::none);
-    EXPECT_TRUE(s.hasChosenCleanupMode.get());
-    EXPECT_TRUE(s.learnFromCorrections.get());
-    EXPECT_FALSE(s.historyEnabled.get());
-    EXPECT_EQ(s.historyRetentionDays.get(), 0);
-    EXPECT_TRUE(s.historyKeepAudio.get());
-    EXPECT_TRUE(s.hasCompletedOnboarding.get());
-    EXPECT_FALSE(s.checkForUpdatesAtLaunch.get());
-    EXPECT_FALSE(s.updateLawsAutomatically.get());
-    EXPECT_EQ(s.lawsLastChecked.get(), someDate);
-    EXPECT_EQ(s.installedAt.get(), someDate);
-    EXPECT_EQ(s.suiteHintLastShown.get(), someDate);
-    EXPECT_EQ(s.suiteHintDismissals.get(), 4);
-    EXPECT_TRUE(s.suiteLinkOpened.get());
+    EXPECT_EQ(allValues(AppSettings(store)), assigned);
+}
+
+TEST_F(SettingsTest, EveryPropertyFallsBackWhereItsValueIsOfAnotherType) {
+    PreferencesStore empty(folder / "leer.json", time);
+    const auto fallbacks = allValues(AppSettings(empty));
+    for (const auto* wrong : {"null", "{}", "[[]]", R"({"data":"["})", R"({"date":"gestern"})", "1.5"}) {
+        std::string content = "{";
+        for (const auto* key : keys) content += '"' + std::string(key) + "\":" + wrong + ',';
+        content.back() = '}';
+        givenFile(content);
+        PreferencesStore store(file, time);
+        EXPECT_EQ(allValues(AppSettings(store)), fallbacks) << wrong;
+    }
 }
 
 TEST_F(SettingsTest, AbsentAndUnusableValuesGiveTheFallback) {
