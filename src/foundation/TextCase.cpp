@@ -43,7 +43,7 @@ void mapAscii(char* bytes, std::size_t count, Case to) {
 bool mapLatin1(unsigned char lead, char& trailByte, Case to) {
     const auto trail = static_cast<unsigned char>(trailByte);
     const bool toUpper = to == Case::Upper;
-    if (lead == 0xC2) return !(toUpper && trail == 0xB5); // The micro sign has a Greek capital.
+    if (lead == 0xC2) return !toUpper || trail != 0xB5; // The micro sign has a Greek capital.
     // U+00C0 to U+00DE are the capitals of U+00E0 to U+00FE, apart from the two signs among them; the
     // capitals of ß and ÿ lie elsewhere.
     if (trail == 0x9F || trail == 0xBF) return !toUpper;
@@ -105,7 +105,8 @@ bool isNfc(std::string_view text) {
     if (latinPrefix(text) == text.size()) return true; // Nothing there composes.
     if (!isValidUtf8(text)) return false;
     UErrorCode status = U_ZERO_ERROR;
-    return nfcNormalizer()->isNormalizedUTF8(piece(text), status) != 0 && U_SUCCESS(status);
+    const bool isNormalized = nfcNormalizer()->isNormalizedUTF8(piece(text), status) != 0;
+    return isNormalized && U_SUCCESS(status) != 0;
 }
 
 std::string nfc(std::string_view text) {

@@ -18,13 +18,13 @@ void AppSettings::addUserTerm(std::string_view term) {
     terms.emplace_back(trimmed);
     std::ranges::stable_sort(
         terms, [](const auto& a, const auto& b) { return compareIgnoringCaseLocalized(a, b) < 0; });
-    userDictionary.set(std::move(terms));
+    userDictionary.set(terms);
 }
 
 void AppSettings::removeUserTerm(std::string_view term) {
     auto terms = userDictionary.get();
     std::erase_if(terms, [&](const auto& known) { return canonicallyEqual(known, term); });
-    userDictionary.set(std::move(terms));
+    userDictionary.set(terms);
 }
 
 void AppSettings::recordLaunch(Date now) {

@@ -34,14 +34,16 @@ std::string hexadecimal(std::string_view bytes) {
 }
 
 std::optional<std::string> fromHexadecimal(std::string_view digits) {
+    if (digits.size() % 2 != 0) return std::nullopt;
     std::string bytes;
-    for (; digits.size() >= 2; digits.remove_prefix(2)) {
+    for (std::size_t at = 0; at < digits.size(); at += 2) {
+        const std::string pair(digits.substr(at, 2));
         unsigned value = 0;
-        const auto [end, error] = std::from_chars(digits.data(), digits.data() + 2, value, 16);
-        if (error != std::errc() || end != digits.data() + 2) return std::nullopt;
+        const auto [end, error] = std::from_chars(pair.c_str(), pair.c_str() + 2, value, 16);
+        if (error != std::errc() || end != pair.c_str() + 2) return std::nullopt;
         bytes += static_cast<char>(value);
     }
-    return digits.empty() ? std::optional(bytes) : std::nullopt;
+    return bytes;
 }
 
 struct Encoder {

@@ -25,7 +25,8 @@ void UsageStatistics::reset() {
     wordCount.set(0);
     spokenSeconds.set(0);
     firstUse.set(std::nullopt);
-    for (const auto key : {"statsDictationCount", "statsWordCount", "statsSpokenSeconds"}) store_.remove(key);
+    for (const auto* key : {"statsDictationCount", "statsWordCount", "statsSpokenSeconds"})
+        store_.remove(key);
 }
 
 double UsageStatistics::typedSeconds() const {
