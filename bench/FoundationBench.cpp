@@ -19,17 +19,23 @@ const std::string& germanText() {
     static const std::string text = [] {
         std::string repeated;
         while (repeated.size() < 36U << 10U) {
-            repeated += "Die Betreute äußerte im Gespräch, dass sie in ihrer Wohnung bleiben möchte. Der "
-                        "Pflegedienst kommt "
-                        "täglich; größere Ausgaben werden vorher abgesprochen (§ 1838 BGB).\n";
+            repeated += "Die Betreute äußerte im Gespräch, dass sie „auf jeden Fall“ in ihrer Wohnung "
+                        "bleiben möchte. Der Pflegedienst kommt täglich; größere Ausgaben – ab 500 € – "
+                        "werden vorher abgesprochen (§ 1838 BGB).\n";
         }
         return repeated;
     }();
     return text;
 }
 
-void graphemesOurs(benchmark::State& state) {
+void graphemesCounted(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(querlin::graphemeCount(germanText()));
+}
+
+void graphemesIterated(benchmark::State& state) {
+    for (auto _ : state) {
+        for (const auto character : querlin::Graphemes(germanText())) benchmark::DoNotOptimize(character);
+    }
 }
 
 void graphemesIcu(benchmark::State& state) {
@@ -71,8 +77,9 @@ void lowercaseIcu(benchmark::State& state) {
     }
 }
 
-BENCHMARK(graphemesOurs)->Name("Graphemes/ours");
-BENCHMARK(graphemesIcu)->Name("Graphemes/icu");
+BENCHMARK(graphemesCounted)->Name("Graphemes/ours_counted");
+BENCHMARK(graphemesIterated)->Name("Graphemes/ours_iterated");
+BENCHMARK(graphemesIcu)->Name("Graphemes/icu_break_iterator");
 BENCHMARK(nfcCheckOurs)->Name("NfcCheck/ours");
 BENCHMARK(nfcCheckIcu)->Name("NfcCheck/icu");
 BENCHMARK(lowercaseOurs)->Name("Lowercase/ours");

@@ -122,7 +122,7 @@ void DictationController::beginDictation() {
         return;
     }
     if (const auto listening = beginListening(run); !listening) {
-        releaseTranscriber(true);
+        cancelRecognition();
         with_.recorder.setOnBuffer({});
         fail(listening.error());
         return;
@@ -172,8 +172,7 @@ std::vector<std::string> DictationController::contextualStrings() const {
     const auto limit = settings.contextualLimit.get();
     auto terms = settings.userDictionary.get();
     if (settings.legalVocabularyEnabled.get()) return with_.vocabulary.contextualStrings(terms, limit);
-    if (limit < static_cast<std::int64_t>(terms.size()))
-        terms.resize(static_cast<std::size_t>(std::max(limit, std::int64_t{0})));
+    if (limit < std::ssize(terms)) terms.resize(static_cast<std::size_t>(std::max(limit, std::int64_t{0})));
     return terms;
 }
 
@@ -219,7 +218,7 @@ void DictationController::endDictation() {
 
     if (run->recordingSeconds < minimumRecordingSeconds) {
         partialTextKeeper_.drop();
-        releaseTranscriber(true);
+        cancelRecognition();
         run->hold.reset();
         with_.recorder.discardRecording();
         rest();
@@ -248,7 +247,7 @@ void DictationController::cancelDictation() {
     run->rescueReason.reset();
     run->hold.reset();
     inputLevel_.set(0);
-    releaseTranscriber(true);
+    cancelRecognition();
     with_.recorder.stop();
     with_.recorder.setOnBuffer({});
     with_.recorder.discardRecording();
@@ -256,10 +255,9 @@ void DictationController::cancelDictation() {
     rest();
 }
 
-/// Lets the newest dictation's recogniser go; one that a pipeline waits for ends by the cancellation.
-void DictationController::releaseTranscriber(bool cancel) {
-    const auto transcriber = std::exchange(newest_->transcriber, nullptr);
-    if (transcriber && cancel) transcriber->cancel();
+/// Gives the newest dictation's recognition up, also one that a pipeline is waiting for.
+void DictationController::cancelRecognition() {
+    if (const auto transcriber = std::exchange(newest_->transcriber, nullptr)) transcriber->cancel();
 }
 
 void DictationController::rest() {
@@ -277,7 +275,7 @@ void DictationController::play(FeedbackSound sound) {
 }
 
 void DictationController::fail(std::string message) {
-    releaseTranscriber(false);
+    newest_->transcriber.reset();
     with_.recorder.setOnBuffer({});
     phase_.set(DictationPhase::error(std::move(message)));
     play(FeedbackSound::failure);

@@ -114,7 +114,7 @@ private:
     std::shared_ptr<StreamingTranscriber> makeTranscriber(const RunPointer& run);
     std::expected<void, std::string> beginListening(const RunPointer& run);
     std::vector<std::string> contextualStrings() const;
-    void releaseTranscriber(bool cancel);
+    void cancelRecognition();
     void rest();
     void fail(std::string message);
     void notice(std::string message);

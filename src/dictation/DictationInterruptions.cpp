@@ -75,7 +75,7 @@ void DictationController::shutdown() {
     with_.hotkey.stop();
     interruptionObservers_.reset();
     partialTextKeeper_.drop();
-    releaseTranscriber(true);
+    cancelRecognition();
     with_.recorder.stop();
     with_.recorder.setOnBuffer({});
     rescueAtShutdown();

@@ -5,6 +5,8 @@
 #include "foundation/Waiting.h"
 #include "state/DiagnosticsLog.h"
 
+#include <typeinfo>
+
 #include <fmt/format.h>
 
 namespace querlin {
@@ -81,8 +83,9 @@ Task<DictationController::RunEnd> DictationController::processAndDeliver(RunPoin
         discardOnCommand(*run);
         co_return RunEnd::Undelivered;
     }
-    if (with_.settings.cleanupMode.get() != CleanupMode::none && !run->style.compactText)
-        co_await applyRules(run);
+    const bool cleansByRules =
+        with_.settings.cleanupMode.get() != CleanupMode::none && !run->style.compactText;
+    if (cleansByRules) co_await applyRules(run);
     applyDeterministicStages(*run);
     times.deterministic = runtime_.clock.instant();
 
@@ -259,7 +262,8 @@ void DictationController::insertionFailed(DictationRun& run, std::string_view re
 
 /// Not expected of any stage; the words are worth more than knowing why.
 void DictationController::pipelineBroke(DictationRun& run, const std::exception& fault) {
-    DiagnosticsLog::note("pipeline", fmt::format("Interner Fehler: {}", fault.what()));
+    // The kind alone: a fault's own words might quote the text.
+    DiagnosticsLog::note("pipeline", fmt::format("Interner Fehler: {}", typeid(fault).name()));
     constexpr std::string_view reason = "Bei der Verarbeitung trat ein interner Fehler auf";
     if (run.text.empty()) {
         recognitionFailed(run, std::string(reason));

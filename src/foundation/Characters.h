@@ -19,7 +19,8 @@ inline bool isWhitespace(std::string_view character) { return isWhitespace(first
 inline bool isAlphabetic(std::string_view character) { return isAlphabetic(firstScalar(character)); }
 inline bool isNumeric(std::string_view character) { return isNumeric(firstScalar(character)); }
 
-/// The maximal runs of characters that aren't white space.
+/// The maximal runs of characters that aren't white space: " § 5\r\n" -> "§", "5". Views into the text,
+/// none of them empty.
 std::vector<std::string_view> splitAtWhitespace(std::string_view text);
 /// How many there are: "zwei  Wörter" -> 2.
 std::size_t countWords(std::string_view text);

@@ -24,14 +24,15 @@ std::tm brokenDown(std::chrono::sys_seconds moment) {
 LocalTime localTime(Date date) {
     const auto whole = std::chrono::floor<std::chrono::seconds>(date);
     const auto parts = brokenDown(whole);
+    // Rounded before the difference: a span of nanoseconds can't hold the second of the first date.
+    const auto fraction = std::chrono::floor<std::chrono::milliseconds>(date) - whole;
     return {.year = parts.tm_year + 1900,
             .month = parts.tm_mon + 1,
             .day = parts.tm_mday,
             .hour = parts.tm_hour,
             .minute = parts.tm_min,
             .second = parts.tm_sec,
-            .millisecond =
-                static_cast<int>(std::chrono::floor<std::chrono::milliseconds>(date - whole).count()),
+            .millisecond = static_cast<int>(fraction.count()),
             .weekday = parts.tm_wday};
 }
 

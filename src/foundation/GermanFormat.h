@@ -20,6 +20,7 @@ struct LocalTime {
     int weekday = 0; ///< 0 is Sunday
 };
 
+/// A date in the time zone of TZ, or of the machine; summer time included.
 LocalTime localTime(Date date);
 
 /// "14.03.2026"
@@ -36,8 +37,8 @@ std::string localFileStamp(Date date);
 /// For log lines, "09:30:00.000".
 std::string localLogStamp(Date date);
 
-/// The same local time of day that many calendar days earlier; nothing if the calendar doesn't reach
-/// that far.
+/// The same local time of day that many calendar days earlier, also over a change to summer time;
+/// nothing if `days` is negative or leads further back than a date reaches.
 std::optional<Date> daysBefore(Date date, std::int64_t days);
 
 } // namespace querlin

@@ -2,9 +2,11 @@
 
 #include "foundation/Utf8.h"
 
+#include <algorithm>
 #include <memory>
 
 #include <unicode/ubrk.h>
+#include <unicode/uchar.h>
 #include <unicode/utext.h>
 
 namespace querlin {
@@ -23,8 +25,9 @@ std::size_t firstBoundary(std::string_view text) {
     UErrorCode status = U_ZERO_ERROR;
     thread_local const std::unique_ptr<UBreakIterator, CloseIterator> iterator(
         ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &status));
-    const std::unique_ptr<UText, CloseText> handle(
-        utext_openUTF8(nullptr, text.data(), static_cast<std::int64_t>(text.size()), &status));
+    thread_local const std::unique_ptr<UText, CloseText> handle(utext_openUTF8(nullptr, "", 0, &status));
+    if (!iterator || !handle) return decodeScalar(text).lengthInBytes;
+    utext_openUTF8(handle.get(), text.data(), static_cast<std::int64_t>(text.size()), &status);
     ubrk_setUText(iterator.get(), handle.get(), &status);
     if (U_FAILURE(status)) return decodeScalar(text).lengthInBytes;
     ubrk_first(iterator.get());
@@ -32,21 +35,60 @@ std::size_t firstBoundary(std::string_view text) {
     return boundary == UBRK_DONE ? text.size() : static_cast<std::size_t>(boundary);
 }
 
-/// The end of the scalar that ends at `limit` or reaches over it.
+/// Whether a scalar joins no other of its kind: two such in a row are always two characters.
+bool standsAlone(char32_t scalar) {
+    if (scalar < 0x300 || (scalar >= 0x2010 && scalar <= 0x2027)) return true; // Letters, dashes, quotes.
+    switch (u_getIntPropertyValue(static_cast<UChar32>(scalar), UCHAR_GRAPHEME_CLUSTER_BREAK)) {
+    case U_GCB_OTHER:
+    case U_GCB_CONTROL:
+    case U_GCB_LF:
+    case U_GCB_CR: // Only ever asked about as the second of the two.
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// The end of the scalar that ends at `limit` or reaches over it: three bytes further at most. Whatever
+/// continuation bytes follow those are ill-formed, each for itself.
 std::size_t scalarEnd(std::string_view text, std::size_t limit) {
-    while (limit < text.size() && (static_cast<unsigned char>(text[limit]) & 0xC0U) == 0x80) ++limit;
+    const auto furthest = std::min(limit + 3, text.size());
+    while (limit < furthest && (static_cast<unsigned char>(text[limit]) & 0xC0U) == 0x80) ++limit;
     return limit;
+}
+
+struct Stretch {
+    std::size_t count = 0;
+    std::size_t lengthInBytes = 0;
+};
+
+/// The characters of a `latinPrefix` without its last one, which something behind it may join. Each
+/// scalar is one, apart from CR LF.
+Stretch latinCharacters(std::string_view prefix) {
+    const auto beginsScalar = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80; };
+    if (prefix.empty()) return {};
+    auto last = prefix.size() - 1;
+    while (!beginsScalar(prefix[last])) --last;
+    if (last > 0 && prefix[last] == '\n' && prefix[last - 1] == '\r') --last;
+    prefix = prefix.substr(0, last);
+    auto count = static_cast<std::size_t>(std::ranges::count_if(prefix, beginsScalar));
+    for (auto at = prefix.find("\r\n"); at != std::string_view::npos; at = prefix.find("\r\n", at + 2))
+        --count;
+    return {count, prefix.size()};
 }
 
 } // namespace
 
 std::size_t Graphemes::firstLengthBeyondAscii(std::string_view text) {
+    if (text.front() == '\r') return text.substr(1).starts_with('\n') ? 2 : 1;
+    const auto byteAt = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const bool isLatin = byteAt(0) >= 0xC2 && byteAt(0) < firstCombiningLead && text.size() > 2 &&
+                         (byteAt(1) & 0xC0U) == 0x80 && byteAt(2) < firstCombiningLead;
+    if (isLatin) return 2;
     const auto first = decodeScalar(text);
     const auto next = text.substr(first.lengthInBytes);
-    if (first.scalar == '\r') return next.starts_with('\n') ? 2 : 1;
-    if (first.scalar < 0x300 && (next.empty() || static_cast<unsigned char>(next[0]) < firstCombiningLead)) {
+    if (next.empty() || (standsAlone(first.scalar) && standsAlone(firstScalar(next))))
         return first.lengthInBytes;
-    }
     // A boundary depends on what stands before it and on one scalar behind it. So a window is enough
     // as long as the boundary isn't the window's own end.
     for (std::size_t size = 64; size < text.size(); size *= 2) {
@@ -59,7 +101,13 @@ std::size_t Graphemes::firstLengthBeyondAscii(std::string_view text) {
 
 std::size_t graphemeCount(std::string_view text) {
     std::size_t count = 0;
-    for (; !text.empty(); ++count) text.remove_prefix(Graphemes::firstLength(text));
+    while (!text.empty()) {
+        const auto latin = latinCharacters(text.substr(0, latinPrefix(text)));
+        count += latin.count;
+        text.remove_prefix(latin.lengthInBytes);
+        text.remove_prefix(Graphemes::firstLength(text));
+        ++count;
+    }
     return count;
 }
 

@@ -65,9 +65,11 @@ private:
     std::string_view text_;
 };
 
+/// How many characters a text has: "Bo\u0308e" -> 3.
 std::size_t graphemeCount(std::string_view text);
 
-/// The longest beginning of a text that has no more than `count` characters.
+/// The longest beginning of a text that has no more than `count` characters: 2 of "Bo\u0308e" are
+/// "Bo\u0308".
 std::string_view firstGraphemes(std::string_view text, std::size_t count);
 
 } // namespace querlin

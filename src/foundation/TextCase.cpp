@@ -28,44 +28,49 @@ std::string converted(const std::string& text, Convert convert) {
     return U_SUCCESS(status) ? result : text;
 }
 
-enum class Case : std::uint8_t { Upper, Lower };
+enum class Case : std::uint8_t { Upper, Lower, Fold };
 
 /// Maps a stretch of ASCII.
 void mapAscii(char* bytes, std::size_t count, Case to) {
-    const char first = to == Case::Lower ? 'A' : 'a';
+    const char first = to == Case::Upper ? 'a' : 'A';
     for (std::size_t i = 0; i < count; ++i) { // Without a branch, so that it runs over many bytes at once.
         const bool isMapped = static_cast<unsigned char>(bytes[i] - first) < 26;
         bytes[i] = static_cast<char>(bytes[i] ^ (isMapped ? 0x20 : 0));
     }
 }
 
-/// Maps a scalar of U+0080 to U+00FF, given by its two bytes. False if its counterpart lies elsewhere.
-bool mapLatin1(unsigned char lead, char& trailByte, Case to) {
-    const auto trail = static_cast<unsigned char>(trailByte);
-    const bool toUpper = to == Case::Upper;
-    if (lead == 0xC2) return !toUpper || trail != 0xB5; // The micro sign has a Greek capital.
-    // U+00C0 to U+00DE are the capitals of U+00E0 to U+00FE, apart from the two signs among them; the
-    // capitals of ß and ÿ lie elsewhere.
-    if (trail == 0x9F || trail == 0xBF) return !toUpper;
-    const bool isSign = trail == 0x97 || trail == 0xB7;
-    const bool isSmall = trail >= 0xA0;
-    if (!isSign && isSmall == toUpper) trailByte = static_cast<char>(trail ^ 0x20U);
-    return true;
+/// Maps one scalar of U+0080 to U+00FF. What it becomes takes two bytes as well.
+void mapLatin1(char* bytes, Case to) {
+    const std::string_view scalar(bytes, 2);
+    const auto put = [bytes](std::string_view mapped) { mapped.copy(bytes, 2); };
+    if (scalar == "ß") {
+        if (to != Case::Lower) put(to == Case::Upper ? "SS" : "ss");
+    } else if (scalar == "\u00B5") { // The micro sign is not the Greek letter.
+        if (to != Case::Lower) put(to == Case::Upper ? "\u039C" : "\u03BC");
+    } else if (scalar == "ÿ") {
+        if (to == Case::Upper) put("Ÿ");
+    } else if (scalar.front() == '\xC3' && scalar != "×" && scalar != "÷") {
+        const auto second = static_cast<unsigned char>(bytes[1]);
+        const bool isLower = second >= 0xA0;
+        if (isLower == (to == Case::Upper)) bytes[1] = static_cast<char>(second ^ 0x20U);
+    }
 }
 
-/// Maps ASCII and Latin-1 letters in place of ICU. False where the text has anything that these don't
-/// cover: then nothing of `result` counts.
+/// Maps in place of ICU what German text is made of: ASCII, U+0080 to U+00FF, punctuation. False where
+/// the text has anything else: then nothing of `result` counts.
 bool mapLatin(std::string_view text, Case to, std::string& result) {
+    if (latinPrefix(text) != text.size()) return false;
     result.assign(text);
-    for (std::size_t at = 0;; at += 2) {
+    for (std::size_t at = 0;;) {
         const auto ascii = asciiPrefix(text.substr(at));
         mapAscii(result.data() + at, ascii, to);
         at += ascii;
         if (at == text.size()) return true;
         const auto lead = static_cast<unsigned char>(text[at]);
-        const bool isLatin1 = (lead == 0xC2 || lead == 0xC3) && at + 1 < text.size() &&
-                              (static_cast<unsigned char>(text[at + 1]) & 0xC0U) == 0x80;
-        if (!isLatin1 || !mapLatin1(lead, result[at + 1], to)) return false;
+        if (lead > 0xC3 && lead < 0xE0) return false; // Letters from U+0100 on have rules of their own.
+        const bool isPunctuation = lead >= 0xE0;
+        if (!isPunctuation) mapLatin1(result.data() + at, to);
+        at += isPunctuation ? 3 : 2;
     }
 }
 
@@ -75,8 +80,9 @@ const icu::Normalizer2* nfcNormalizer() {
     return normalizer;
 }
 
-/// One form for all texts that differ in case alone.
+/// One form for all texts that differ in case or normalisation alone.
 std::string folded(std::string_view text) {
+    if (std::string latin; mapLatin(text, Case::Fold, latin)) return latin;
     // Folding may leave something to compose.
     return nfc(converted(nfc(text), [](icu::StringPiece source, icu::ByteSink& sink, UErrorCode& status) {
         icu::CaseMap::utf8Fold(0, source, sink, nullptr, status);

@@ -5,16 +5,18 @@
 
 namespace querlin {
 
-/// Full Unicode case mappings, independent of the locale: "Straße" -> "STRASSE".
+/// Full Unicode case mappings, independent of the locale: "Straße" -> "STRASSE", "ΟΔΟΣ" -> "οδος" with
+/// the final sigma. Ill-formed bytes become U+FFFD.
 std::string uppercase(std::string_view text);
 std::string lowercase(std::string_view text);
 
 /// Normalisation form C (UAX #15): one form for texts that mean the same, "o\u0308" -> "ö". Ill-formed
 /// bytes become U+FFFD.
 std::string nfc(std::string_view text);
+/// Whether `nfc` would give the text back unchanged; false for ill-formed bytes.
 bool isNfc(std::string_view text);
 
-/// Equal under canonical equivalence.
+/// Equal under canonical equivalence: "o\u0308" and "ö", but not "ö" and "Ö".
 bool canonicallyEqual(std::string_view a, std::string_view b);
 
 /// Comparisons under full case folding and canonical equivalence: "ÄPFEL" equals "äpfel" in whatever

@@ -1,6 +1,7 @@
 #include "foundation/Utf8.h"
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -32,30 +33,40 @@ std::size_t validPrefix(std::string_view text) {
 } // namespace
 
 std::size_t asciiPrefix(std::string_view text) {
+    static_assert(std::endian::native == std::endian::little, "a block's first byte is its lowest");
     constexpr std::uint64_t highBits = 0x8080808080808080U;
     std::size_t at = 0;
     for (; at + sizeof(std::uint64_t) <= text.size(); at += sizeof(std::uint64_t)) {
         std::uint64_t block = 0;
         std::memcpy(&block, text.data() + at, sizeof(block));
-        if ((block & highBits) != 0) break;
+        if ((block & highBits) != 0)
+            return at + (static_cast<std::size_t>(std::countr_zero(block & highBits)) / 8);
     }
     while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
     return at;
 }
 
 std::size_t latinPrefix(std::string_view text) {
-    const auto byteAt = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    std::size_t at = 0;
-    while (true) {
+    const auto byteAt = [text](std::size_t i) {
+        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
+    };
+    for (std::size_t at = 0;;) {
         at += asciiPrefix(text.substr(at));
-        const bool isTwoByteScalar = at + 1 < text.size() && byteAt(at) >= 0xC2 && byteAt(at) < 0xCC &&
-                                     (byteAt(at + 1) & 0xC0U) == 0x80;
-        if (!isTwoByteScalar) return at;
-        at += 2;
+        const auto lead = byteAt(at);
+        const auto second = byteAt(at + 1);
+        if (lead >= 0xC2 && lead < 0xCC && (second & 0xC0U) == 0x80) {
+            at += 2;
+        } else if (lead == 0xE2 && ((second == 0x80 && byteAt(at + 2) >= 0x90 && byteAt(at + 2) <= 0xA7) ||
+                                    (second == 0x82 && byteAt(at + 2) == 0xAC))) {
+            at += 3;
+        } else {
+            return at;
+        }
     }
 }
 
 DecodedScalar decodeScalar(std::string_view text) {
+    if (text.empty()) return {};
     std::size_t at = 0;
     const auto scalar = nextScalar(text, at);
     return {scalar < 0 ? replacementScalar : static_cast<char32_t>(scalar), at};

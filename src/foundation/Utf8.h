@@ -15,22 +15,25 @@ struct DecodedScalar {
     std::size_t lengthInBytes = 0;
 };
 
-/// The first scalar of a text that isn't empty. Ill-formed UTF-8 gives U+FFFD for each maximal subpart,
-/// as the Unicode Standard recommends (3.9).
+/// The first scalar: "ß5" -> U+00DF, 2. Ill-formed UTF-8 gives U+FFFD for each maximal subpart, as the
+/// Unicode Standard recommends (3.9). The empty text gives 0 of no length.
 DecodedScalar decodeScalar(std::string_view text);
 
 /// The first scalar; 0 for the empty text.
-inline char32_t firstScalar(std::string_view text) { return text.empty() ? 0 : decodeScalar(text).scalar; }
+inline char32_t firstScalar(std::string_view text) { return decodeScalar(text).scalar; }
 
+/// Adds a scalar in UTF-8. Surrogates and what lies beyond U+10FFFF become U+FFFD.
 void appendScalar(std::string& text, char32_t scalar);
 
+/// Whether the whole text is well-formed; U+0000 may occur in it.
 bool isValidUtf8(std::string_view text);
 
 /// How many bytes at the front are ASCII.
 std::size_t asciiPrefix(std::string_view text);
 
-/// How many bytes at the front are well-formed scalars below U+0300: ASCII and Latin letters, nothing
-/// that combines. Fast paths for German text go this far.
+/// How many bytes at the front are ASCII and Latin letters (well-formed scalars below U+0300), dashes,
+/// quotation marks and the like (U+2010 to U+2027), and "€": nothing that combines. Fast paths for
+/// German text go this far.
 std::size_t latinPrefix(std::string_view text);
 
 /// The text with everything ill-formed replaced by U+FFFD: "a\xFFz" -> "a\uFFFDz".

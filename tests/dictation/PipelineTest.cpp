@@ -209,7 +209,7 @@ TEST(Pipeline, EveryFailureTreatsWordsAndAudioAsItShould) {
          {failure},
          {},
          {"Wort"},
-         "[pipeline] Interner Fehler: kaputt",
+         "[pipeline] Interner Fehler: St13runtime_error",
          "a stage breaks"},
     };
     for (const auto& row : rows) {

@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 #include <unicode/brkiter.h>
+#include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
 
 namespace querlin {
@@ -39,6 +40,7 @@ TEST(Utf8, ReplacesEachMaximalIllFormedSubpart) {
     std::string appended;
     for (const char32_t scalar : {U'a', U'ß', U'€', U'𝄞', char32_t(0xD800)}) appendScalar(appended, scalar);
     EXPECT_EQ(appended, "aß€𝄞\uFFFD");
+    EXPECT_EQ(decodeScalar("").lengthInBytes, 0U);
 }
 
 TEST(Graphemes, AgreeWithIcuOnAnyMixture) {
@@ -75,6 +77,9 @@ TEST(Graphemes, AgreeWithIcuOnAnyMixture) {
                                                   "\u0E33",
                                                   "é",
                                                   "€",
+                                                  "„",
+                                                  "\u0903",
+                                                  "\u0D4E",
                                                   "中",
                                                   "\u2028",
                                                   "\u0085",
@@ -92,6 +97,8 @@ TEST(Graphemes, AgreeWithIcuOnAnyMixture) {
              --count) {
             text += pieces[std::uniform_int_distribution<std::size_t>(0, pieces.size() - 1)(random)];
         }
+        if (round % 4 == 0) appendScalar(text, std::uniform_int_distribution<char32_t>(0, 0x20000)(random));
+        ASSERT_EQ(graphemeCount(text), graphemeCount(validUtf8(text))) << text;
         text = validUtf8(text);
         const auto wide = icu::UnicodeString::fromUTF8(text);
         icuIterator->setText(wide);
@@ -102,6 +109,7 @@ TEST(Graphemes, AgreeWithIcuOnAnyMixture) {
         }
         const Graphemes graphemes(text);
         ASSERT_EQ((std::vector<std::string>(graphemes.begin(), graphemes.end())), expected) << text;
+        ASSERT_EQ(graphemeCount(text), expected.size()) << text;
     }
 }
 
@@ -109,6 +117,8 @@ TEST(Graphemes, TakeWindowsAndOddBytesInTheirStride) {
     std::string family = "x";
     for (int i = 0; i < 100'000; ++i) family += "\u0308";
     EXPECT_EQ(graphemeCount(family + "yz"), 3U) << "one base with 100,000 marks";
+    EXPECT_EQ(graphemeCount(std::string(1'000'000, '\x80')), 1'000'000U) << "continuations without a lead";
+    EXPECT_EQ(graphemeCount("\u0600" + std::string(200, '\x80')), 200U) << "joined to such a stretch";
     EXPECT_EQ(graphemeCount("\xFF\xFE\x80z"), 4U);
     EXPECT_EQ(graphemeCount(std::string(1'000'000, 'w')), 1'000'000U);
     EXPECT_EQ(firstGraphemes("👩‍⚖️äo\u0308x", 2), "👩‍⚖️ä");
@@ -134,6 +144,8 @@ TEST(Characters, AreToldByTheirFirstScalar) {
     EXPECT_EQ(splitAtWhitespace(" § 5\u00A0BGB\r\n, Ende\u2029"), (Texts{"§", "5", "BGB", ",", "Ende"}));
     EXPECT_EQ(countWords("zwei  Wörter"), 2U);
     EXPECT_EQ(countWords(" \n "), 0U);
+    EXPECT_EQ(countWords(std::string(1'000'000, 'w')), 1U);
+    EXPECT_EQ(splitAtWhitespace("a\0b \xFF"sv), (Texts{"a\0b"sv, "\xFF"}));
 }
 
 TEST(TextCase, MapsFully) {
@@ -152,17 +164,42 @@ TEST(TextCase, MapsFully) {
     }
 }
 
+// The part of Unicode that German text is made of doesn't go through ICU.
+TEST(TextCase, AgreesWithIcuScalarByScalar) {
+    UErrorCode status = U_ZERO_ERROR;
+    const auto* normalizer = icu::Normalizer2::getNFCInstance(status);
+    ASSERT_TRUE(U_SUCCESS(status));
+    const auto utf8 = [](const icu::UnicodeString& wide) {
+        std::string text;
+        return wide.toUTF8String(text);
+    };
+    for (char32_t scalar = 0; scalar < 0x2200; ++scalar) {
+        const icu::UnicodeString wide(static_cast<UChar32>(scalar));
+        const auto text = utf8(wide);
+        const auto foldedText = utf8(icu::UnicodeString(wide).foldCase());
+        EXPECT_EQ(uppercase(text), utf8(icu::UnicodeString(wide).toUpper(icu::Locale::getRoot()))) << text;
+        EXPECT_EQ(lowercase(text), utf8(icu::UnicodeString(wide).toLower(icu::Locale::getRoot()))) << text;
+        EXPECT_TRUE(equalIgnoringCase(text, foldedText)) << text;
+        EXPECT_TRUE(equalIgnoringCase("ж" + text, "Ж" + foldedText)) << text << " by way of ICU";
+        EXPECT_EQ(isNfc(text), normalizer->isNormalized(wide, status) != 0) << text;
+    }
+}
+
 TEST(TextCase, ComparesUnderEquivalence) {
     EXPECT_EQ(nfc("Bo\u0308e \u212B"), "Böe Å");
     EXPECT_TRUE(isNfc("Böe"));
     EXPECT_FALSE(isNfc("Bo\u0308e"));
     EXPECT_FALSE(isNfc("\xFF"));
+    EXPECT_FALSE(isNfc("„acht Byte“ o\u0308")) << "a mark behind a stretch that needs no look";
+    EXPECT_TRUE(canonicallyEqual("\x80", "\x81")) << "both count as U+FFFD";
     EXPECT_TRUE(canonicallyEqual("o\u0308", "ö"));
     EXPECT_FALSE(canonicallyEqual("ö", "Ö"));
     EXPECT_TRUE(equalIgnoringCase("A\u0308PFEL", "äpfel"));
     EXPECT_TRUE(equalIgnoringCase("STRASSE", "Straße"));
     EXPECT_FALSE(equalIgnoringCase("Apfel", "Äpfel"));
     EXPECT_TRUE(containsIgnoringCase("Die BETREUUNG", "treuung"));
+    EXPECT_TRUE(containsIgnoringCase("die GRO\u0308SSE", "größe"));
+    EXPECT_FALSE(containsIgnoringCase("scho\u0308n", "scho")) << "half of a character is no match";
     EXPECT_TRUE(containsIgnoringCase("x", ""));
     EXPECT_FALSE(containsIgnoringCase("", "x"));
 }
@@ -236,6 +273,8 @@ TEST_F(GermanFormatTest, CountsDaysByTheCalendar) {
     EXPECT_EQ(daysBefore(summer, 0), summer);
     EXPECT_EQ(daysBefore(summer, INT64_MAX), std::nullopt);
     EXPECT_EQ(daysBefore(summer, -1), std::nullopt);
+    EXPECT_EQ(daysBefore(Date::min(), 0), std::nullopt) << "its second begins before the first date";
+    EXPECT_EQ(germanDate(Date::min()), "21.09.1677");
 }
 
 } // namespace
