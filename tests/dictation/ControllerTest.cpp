@@ -22,15 +22,6 @@ TEST(Controller, AFreshOneIsAtRest) {
     EXPECT_TRUE(w.log.has("[notify] Mitteilungen erlaubt"));
 }
 
-TEST(Controller, PhasesShowTheirLabels) {
-    EXPECT_EQ(DictationPhase::notice("Nichts gehört").statusText(), "Nichts gehört");
-    EXPECT_EQ(DictationPhase::notice("x").symbolName(), "info.circle");
-    EXPECT_EQ((DictationPhase{Kind::inserting, {}}).statusText(), "Einfügen");
-    EXPECT_NE(DictationPhase::error("x"), DictationPhase::notice("x"));
-    EXPECT_NE(DictationPhase::error("x"), DictationPhase::error("y"));
-    EXPECT_FALSE(DictationPhase::error("x").isBusy());
-}
-
 TEST(Controller, AHoldGoesThroughAllPhasesToDelivery) {
     DictationWorld w;
     w.press();

@@ -5,7 +5,6 @@
 
 #include "foundation/RunLoop.h"
 #include "foundation/ThreadPool.h"
-#include "foundation/Waiting.h"
 #include "support/DictationWorld.h"
 
 #include <cstdlib>
@@ -19,76 +18,28 @@ void tell(char how) {
     if (::write(STDOUT_FILENO, &how, 1) != 1) std::abort();
 }
 
-class TellingInserter final : public TextInserter {
-public:
-    TellingInserter(MainQueue& queue, Outcome outcome) : queue_(queue), outcome_(outcome) {}
-    Task<InsertResult> insert(std::string) override {
-        co_await sleepFor(queue_, std::chrono::milliseconds(10));
-        if (outcome_ == Outcome::inserted) tell('d');
-        co_return outcome_;
-    }
-    void placeInPasteboard(std::string_view) override {}
-
-private:
-    MainQueue& queue_;
-    Outcome outcome_;
-};
-
 int runDictation(const std::filesystem::path& folder, TextInserter::Outcome outcome) {
     RunLoop loop;
     SystemClock clock;
     ThreadPool pool(1);
     const Runtime runtime{loop, clock, pool};
-    PreferencesStore store(folder / "Einstellungen.json", clock);
-    AppSettings settings(store);
-    UsageStatistics statistics(store, clock);
-    DictationHistory history(folder / "Verlauf", clock);
-    FakeServices services(loop);
-    FakeRecorder recorder(folder / "Aufnahme", clock);
-    TellingInserter inserter(loop, outcome);
-    FakeStages stages;
-    FakeEnhancer enhancer(stages, runtime);
-    FakeCoordinator coordinator(stages, runtime);
-    FakeHotkey hotkey;
-    FakePermissions permissions;
-    FakeSignals signals;
-    FakeWindows windows;
-    FakeWatcher watcher;
-    Notifier notifier(nullptr);
-    RescueFolder rescueFolder(folder / "Gerettete Diktate", clock);
-    DictationRescue rescue(rescueFolder, inserter, notifier);
-    settings.historyKeepAudio.set(true);
-    settings.cleanupMode.set(CleanupMode::local);
-    services.script.delay = std::chrono::milliseconds(8);
-    coordinator.delay = std::chrono::milliseconds(8);
-    recorder.durationFactor = 20;
+    FakeSurroundings with(runtime, folder);
+    with.settings.historyKeepAudio.set(true);
+    with.settings.cleanupMode.set(CleanupMode::local);
+    with.services.script.delay = std::chrono::milliseconds(8);
+    with.coordinator.delay = std::chrono::milliseconds(8);
+    with.inserter.delay = std::chrono::milliseconds(10);
+    with.inserter.next = outcome;
+    with.inserter.onDelivered = [] { tell('d'); };
+    with.recorder.durationFactor = 20;
 
-    DictationController controller(runtime, {.settings = settings,
-                                             .statistics = statistics,
-                                             .history = history,
-                                             .rescue = rescue,
-                                             .notifier = notifier,
-                                             .windows = windows,
-                                             .sounds = services,
-                                             .hotkey = hotkey,
-                                             .permissions = permissions,
-                                             .contextDetector = services,
-                                             .inserter = inserter,
-                                             .correctionWatcher = watcher,
-                                             .systemSignals = signals,
-                                             .recorder = recorder,
-                                             .audioDevices = services,
-                                             .transcribers = services,
-                                             .vocabulary = services,
-                                             .textStages = stages,
-                                             .ruleBasedEnhancer = enhancer,
-                                             .enhancement = coordinator});
+    DictationController controller(runtime, with.collaborators());
     controller.beginDictation();
     tell('r');
     int partials = 0;
     std::optional<RepeatingTimer> speech;
     speech.emplace(loop, std::chrono::milliseconds(2),
-                   [&] { services.transcriber->partial("Teil " + std::to_string(++partials)); });
+                   [&] { with.services.transcriber->partial("Teil " + std::to_string(++partials)); });
     const auto release = loop.after(std::chrono::milliseconds(25), [&] {
         speech.reset();
         controller.endDictation();

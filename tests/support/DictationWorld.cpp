@@ -66,6 +66,7 @@ Task<InsertResult> FakeInserter::insert(std::string text) {
         pasteboard = text;
     } else if (result) {
         delivered.push_back(text);
+        onDelivered();
     }
     co_return result;
 }
@@ -130,29 +131,34 @@ std::vector<std::string> FakeServices::contextualStrings(const std::vector<std::
     return all;
 }
 
+// FakeSurroundings
+
+DictationCollaborators FakeSurroundings::collaborators() {
+    return {.settings = settings,
+            .statistics = statistics,
+            .history = history,
+            .rescue = rescue,
+            .notifier = notifier,
+            .windows = windows,
+            .sounds = services,
+            .hotkey = hotkey,
+            .permissions = permissions,
+            .contextDetector = services,
+            .inserter = inserter,
+            .correctionWatcher = watcher,
+            .systemSignals = signals,
+            .recorder = recorder,
+            .audioDevices = services,
+            .transcribers = services,
+            .vocabulary = services,
+            .textStages = stages,
+            .ruleBasedEnhancer = enhancer,
+            .enhancement = coordinator};
+}
+
 // DictationWorld
 
-DictationWorld::DictationWorld() :
-    controller(time.runtime(), {.settings = settings,
-                                .statistics = statistics,
-                                .history = history,
-                                .rescue = rescue,
-                                .notifier = notifier,
-                                .windows = windows,
-                                .sounds = services,
-                                .hotkey = hotkey,
-                                .permissions = permissions,
-                                .contextDetector = services,
-                                .inserter = inserter,
-                                .correctionWatcher = watcher,
-                                .systemSignals = signals,
-                                .recorder = recorder,
-                                .audioDevices = services,
-                                .transcribers = services,
-                                .vocabulary = services,
-                                .textStages = stages,
-                                .ruleBasedEnhancer = enhancer,
-                                .enhancement = coordinator}) {
+DictationWorld::DictationWorld() : FakeSurroundings(time.runtime(), folder.path()) {
     controller.start();
     time.settle();
 }

@@ -102,6 +102,7 @@ public:
     InsertResult next = Outcome::inserted;
     Duration delay = seconds(0.6);
     std::vector<std::string> delivered; ///< inserted or unconfirmed
+    std::function<void()> onDelivered = [] {};
     std::string pasteboard;
     int underWay = 0;
     int mostAtOnce = 0;
@@ -274,8 +275,53 @@ private:
     MainQueue& queue_;
 };
 
-/// A controller with everything around it: scripted collaborators, virtual time, real files.
-class DictationWorld {
+/// Everything around a controller, scripted, on the time and in the folder that are given. Files are
+/// real.
+struct FakeSurroundings {
+    FakeSurroundings(Runtime runtime, const std::filesystem::path& base) :
+        recordingsPath(base / "Aufnahme"),
+        store(base / "Einstellungen.json", runtime.clock),
+        statistics(store, runtime.clock),
+        history(base / "Verlauf", runtime.clock),
+        services(runtime.mainQueue),
+        recorder(recordingsPath, runtime.clock),
+        inserter(runtime.mainQueue),
+        enhancer(stages, runtime),
+        coordinator(stages, runtime),
+        rescueFolder(base / "Gerettete Diktate", runtime.clock) {}
+
+    DictationCollaborators collaborators();
+
+    std::filesystem::path recordingsPath;
+    PreferencesStore store;
+    AppSettings settings{store};
+    UsageStatistics statistics;
+    DictationHistory history;
+    FakeServices services;
+    FakeRecorder recorder;
+    FakeInserter inserter;
+    FakeStages stages;
+    FakeEnhancer enhancer;
+    FakeCoordinator coordinator;
+    FakeHotkey hotkey;
+    FakePermissions permissions;
+    FakeSignals signals;
+    FakeWindows windows;
+    FakeWatcher watcher;
+    Notifier notifier{&services};
+    RescueFolder rescueFolder;
+    DictationRescue rescue{rescueFolder, inserter, notifier};
+};
+
+/// What must be there before the surroundings.
+struct VirtualGround {
+    TempFolder folder;
+    CapturedLog log;
+    ManualTime time;
+};
+
+/// A controller among its surroundings, on virtual time.
+class DictationWorld : public VirtualGround, public FakeSurroundings {
 public:
     DictationWorld();
 
@@ -299,31 +345,7 @@ public:
     /// Files left in the folder of recordings.
     std::vector<std::string> recordings() const { return fileNames(recordingsPath); }
 
-    TempFolder folder;
-    std::filesystem::path recordingsPath = folder / "Aufnahme";
-    CapturedLog log;
-    ManualTime time;
-    PreferencesStore store{folder / "Einstellungen.json", time};
-    AppSettings settings{store};
-    UsageStatistics statistics{store, time};
-    DictationHistory history{folder / "Verlauf", time};
-
-    FakeServices services{time};
-    FakeRecorder recorder{recordingsPath, time};
-    FakeInserter inserter{time};
-    FakeStages stages;
-    FakeEnhancer enhancer{stages, time.runtime()};
-    FakeCoordinator coordinator{stages, time.runtime()};
-    FakeHotkey hotkey;
-    FakePermissions permissions;
-    FakeSignals signals;
-    FakeWindows windows;
-    FakeWatcher watcher;
-
-    Notifier notifier{&services};
-    RescueFolder rescueFolder{folder / "Gerettete Diktate", time};
-    DictationRescue rescue{rescueFolder, inserter, notifier};
-    DictationController controller;
+    DictationController controller{time.runtime(), collaborators()};
 };
 
 } // namespace querlin
