@@ -3,6 +3,7 @@
 #include "foundation/GermanFormat.h"
 #include "foundation/Uuid.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -15,10 +16,11 @@
 
 #include <fmt/format.h>
 
-namespace querlin::Files {
+namespace querlin {
 
 namespace fs = std::filesystem;
 
+namespace Files {
 namespace {
 
 constexpr mode_t ownerFile = 0600;
@@ -107,6 +109,30 @@ bool isStemTaken(const fs::path& folder, const std::string& stem) {
 }
 
 } // namespace
+} // namespace Files
+
+std::string FileError::description() const {
+    struct Row {
+        std::errc code;
+        std::string_view text;
+    };
+    static constexpr std::array<Row, 10> rows = {{
+        {std::errc::no_space_on_device, "Kein Speicherplatz mehr frei"},
+        {std::errc::permission_denied, "Zugriff verweigert"},
+        {std::errc::operation_not_permitted, "Zugriff nicht erlaubt"},
+        {std::errc::read_only_file_system, "Der Datenträger ist schreibgeschützt"},
+        {std::errc::no_such_file_or_directory, "Datei oder Ordner nicht gefunden"},
+        {std::errc::not_a_directory, "Statt eines Ordners liegt dort eine Datei"},
+        {std::errc::is_a_directory, "Statt einer Datei liegt dort ein Ordner"},
+        {std::errc::file_too_large, "Die Datei ist zu groß"},
+        {std::errc::filename_too_long, "Der Dateiname ist zu lang"},
+        {std::errc::io_error, "Lese- oder Schreibfehler des Datenträgers"},
+    }};
+    const auto found = std::ranges::find_if(rows, [this](const Row& row) { return code == row.code; });
+    return found == rows.end() ? code.message() : std::string(found->text);
+}
+
+namespace Files {
 
 fs::path unfinishedName(const fs::path& file) {
     return folderOf(file) / fmt::format(".{}.{}{}", file.filename().string(), newUuid(), unfinishedSuffix);
@@ -143,8 +169,9 @@ FileResult<> makeFolder(const fs::path& folder) {
     }
     if (::mkdir(folder.c_str(), ownerFolder) == 0) return {};
     const int code = errno;
-    if (code == EEXIST && fs::is_directory(folder, error)) return {};
-    return failure(code);
+    if (code != EEXIST) return failure(code);
+    if (fs::is_directory(folder, error)) return {}; // Somebody else was quicker.
+    return failure(ENOTDIR);
 }
 
 FileResult<> copy(const fs::path& from, const fs::path& to) {
@@ -213,4 +240,6 @@ void removeUnfinishedWrites(const fs::path& folder) {
     for (const auto& file : left) Files::remove(file);
 }
 
-} // namespace querlin::Files
+} // namespace Files
+
+} // namespace querlin

@@ -11,10 +11,11 @@
 
 namespace querlin {
 
-/// Why a file operation failed, as the operating system says it.
+/// Why a file operation failed.
 struct FileError {
     std::error_code code;
-    std::string description() const { return code.message(); }
+    /// In German for what users meet, in the operating system's words for the rest.
+    std::string description() const;
     /// Whether there simply is no such file.
     bool isMissing() const {
         return code == std::errc::no_such_file_or_directory || code == std::errc::not_a_directory;

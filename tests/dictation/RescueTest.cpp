@@ -80,7 +80,7 @@ TEST(Rescue, AFolderThatCannotBeMadeLeavesTextAndAudioForTheNextStart) {
     EXPECT_EQ(w.inserter.pasteboard, "wichtig");
     EXPECT_EQ(w.services.notifications,
               (Texts{"Diktat nicht eingefügt: Grund. Der Text liegt in der Zwischenablage.\n\n„wichtig…“"}));
-    EXPECT_EQ(w.log.countOf("[rescue] Rettungsordner nicht anlegbar: "), 1U);
+    EXPECT_EQ(w.log.countOf("[rescue] Rettungsordner nicht anlegbar: Statt eines Ordners liegt dort eine Datei"), 1U);
 
     fs::remove(w.rescueFolder.path());
     EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier),
