@@ -70,7 +70,8 @@ TEST(Crash, AKilledDictationIsFoundAtTheNextStart) {
         const RecordingFolder recordings(folder / "Aufnahme");
         CrashRecovery::rescueLeftBehind(recordings, rescueFolder, notifier);
 
-        const auto rescued = fileNames(rescueFolder.path());
+        auto rescued = fileNames(rescueFolder.path());
+        std::erase_if(rescued, [](const auto& name) { return name.starts_with('.'); }); // unfinished writes
         if (told.find('d') == std::string::npos) {
             EXPECT_FALSE(rescued.empty()) << "kill " << i << ": neither delivered nor rescued";
         }
