@@ -5,7 +5,7 @@
 
 namespace querlin {
 
-/// Where the program keeps its files, after the XDG Base Directory Specification 0.8.
+/// Where the program keeps its files, by the rules of the XDG base directories (0.8).
 struct ApplicationPaths {
     /// History, rescued dictations, laws: "$XDG_DATA_HOME/Querlin".
     std::filesystem::path support;

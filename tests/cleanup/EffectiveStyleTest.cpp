@@ -18,23 +18,11 @@ TEST(EffectiveStyle, SearchFieldThenFirstProfileThenGeneralSetting) {
         const char* reason;
     };
     const std::vector<Row> rows = {
-        {"com.apple.mail",
-         Field::search,
-         {neutral, false, "Suchfeld – roh und schnell", true},
-         "beats the profile"},
+        {"com.apple.mail", Field::search, {neutral, false, "Suchfeld – roh und schnell", true}, "beats the profile"},
         {"com.apple.mail", Field::multiLine, {brief, true, "Profil Mail", false}, "the first of two"},
-        {"com.apple.Safari",
-         Field::singleLine,
-         {neutral, false, "Profil Safari", false},
-         "no polish, but prose"},
-        {"com.apple.mail",
-         Field::secure,
-         {brief, true, "Profil Mail", false},
-         "a password field is refused elsewhere"},
-        {"COM.APPLE.MAIL",
-         Field::multiLine,
-         {locker, true, "allgemeine Einstellung", false},
-         "compared exactly"},
+        {"com.apple.Safari", Field::singleLine, {neutral, false, "Profil Safari", false}, "no polish, but prose"},
+        {"com.apple.mail", Field::secure, {brief, true, "Profil Mail", false}, "a password field is refused elsewhere"},
+        {"COM.APPLE.MAIL", Field::multiLine, {locker, true, "allgemeine Einstellung", false}, "compared exactly"},
         {std::nullopt, Field::unknown, {locker, true, "allgemeine Einstellung", false}, "no identifier"},
     };
     for (const auto& row : rows) {

@@ -59,20 +59,14 @@ TEST(Controller, RefusalsShowTheirTextForTwoSeconds) {
         const char* reason;
     };
     const std::vector<Row> rows = {
-        {[](auto& w) { w.permissions.microphone = PermissionState::denied; }, "Mikrofon-Zugriff fehlt", 1,
-         "microphone"},
-        {[](auto& w) { w.permissions.speech = PermissionState::notDetermined; },
-         "Spracherkennung nicht erlaubt", 1, "speech right of the classic recogniser"},
-        {[](auto& w) { w.services.context.field = DictationContext::FieldKind::secure; },
-         "Passwortfeld – hier wird nicht eingefügt", 0, "password field"},
-        {[](auto& w) {
-             w.services.script.beginError =
-                 TranscriptionError{TranscriptionError::Kind::unavailable, "kein Modell"};
-         },
+        {[](auto& w) { w.permissions.microphone = PermissionState::denied; }, "Mikrofon-Zugriff fehlt", 1, "microphone"},
+        {[](auto& w) { w.permissions.speech = PermissionState::notDetermined; }, "Spracherkennung nicht erlaubt", 1,
+         "speech right of the classic recogniser"},
+        {[](auto& w) { w.services.context.field = DictationContext::FieldKind::secure; }, "Passwortfeld – hier wird nicht eingefügt", 0,
+         "password field"},
+        {[](auto& w) { w.services.script.beginError = TranscriptionError{TranscriptionError::Kind::unavailable, "kein Modell"}; },
          "Spracherkennung nicht verfügbar: kein Modell", 0, "recogniser"},
-        {[](auto& w) {
-             w.recorder.nextStartError = AudioRecorderError{AudioRecorderError::Kind::noInputDevice, {}};
-         },
+        {[](auto& w) { w.recorder.nextStartError = AudioRecorderError{AudioRecorderError::Kind::noInputDevice, {}}; },
          "Kein Mikrofon gefunden.", 0, "recorder"},
     };
     for (const auto& row : rows) {
@@ -205,8 +199,7 @@ TEST(Controller, ChoosesTheRecogniserAndItsWords) {
     w.dictate("c");
     EXPECT_TRUE(w.services.transcriber->contextual.empty());
     EXPECT_EQ(w.services.madeEngines,
-              (std::vector{TranscriptionEngine::appleSpeech, TranscriptionEngine::appleSpeech,
-                           TranscriptionEngine::speechAnalyzer}));
+              (std::vector{TranscriptionEngine::appleSpeech, TranscriptionEngine::appleSpeech, TranscriptionEngine::speechAnalyzer}));
 }
 
 TEST(Controller, WithoutContextThereIsNoPasswordFieldAndNoProfile) {
@@ -313,9 +306,7 @@ TEST(Controller, InsertsLawTextsWhateverElseGoesOn) {
     w.inserter.next = TextInserter::Outcome::notInserted;
     w.controller.insertLegalText("§ 1817");
     w.wait(seconds(1));
-    EXPECT_EQ(
-        w.log.countOf("[rescue] Der Gesetzestext kam im Zielfeld nicht an – 2 Wörter gerettet → Diktat 2026"),
-        1U);
+    EXPECT_EQ(w.log.countOf("[rescue] Der Gesetzestext kam im Zielfeld nicht an – 2 Wörter gerettet → Diktat 2026"), 1U);
 }
 
 } // namespace

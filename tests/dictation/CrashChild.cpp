@@ -38,8 +38,7 @@ int runDictation(const std::filesystem::path& folder, TextInserter::Outcome outc
     tell('r');
     int partials = 0;
     std::optional<RepeatingTimer> speech;
-    speech.emplace(loop, std::chrono::milliseconds(2),
-                   [&] { with.services.transcriber->partial("Teil " + std::to_string(++partials)); });
+    speech.emplace(loop, std::chrono::milliseconds(2), [&] { with.services.transcriber->partial("Teil " + std::to_string(++partials)); });
     const auto release = loop.after(std::chrono::milliseconds(25), [&] {
         speech.reset();
         controller.endDictation();
@@ -61,7 +60,5 @@ int runDictation(const std::filesystem::path& folder, TextInserter::Outcome outc
 int main(int count, char** arguments) {
     using Outcome = querlin::TextInserter::Outcome;
     if (count != 3) return EXIT_FAILURE;
-    return querlin::runDictation(arguments[1], std::string_view(arguments[2]) == "delivered"
-                                                   ? Outcome::inserted
-                                                   : Outcome::notInserted);
+    return querlin::runDictation(arguments[1], std::string_view(arguments[2]) == "delivered" ? Outcome::inserted : Outcome::notInserted);
 }

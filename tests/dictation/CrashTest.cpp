@@ -21,8 +21,7 @@ namespace {
 
 /// Runs a dictation in a child process, kills it `delay` after it has told `sign`, and gives all that
 /// it had told by then.
-std::string killedAfter(char sign, const std::filesystem::path& folder, const char* outcome,
-                        std::chrono::microseconds delay) {
+std::string killedAfter(char sign, const std::filesystem::path& folder, const char* outcome, std::chrono::microseconds delay) {
     std::array<int, 2> pipe{};
     EXPECT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
     posix_spawn_file_actions_t actions{};
@@ -60,8 +59,7 @@ TEST(Crash, AKilledDictationIsFoundAtTheNextStart) {
         // Some wait for the delivery, so that the moments behind it are met on a slow machine too.
         const bool waitsForDelivery = i % 8 == 1;
         const char* outcome = i % 3 == 0 && !waitsForDelivery ? "rescued" : "delivered";
-        const std::chrono::microseconds delay(waitsForDelivery ? microseconds(random) / 20
-                                                               : microseconds(random));
+        const std::chrono::microseconds delay(waitsForDelivery ? microseconds(random) / 20 : microseconds(random));
         const auto told = killedAfter(waitsForDelivery ? 'd' : 'r', folder.path(), outcome, delay);
         ASSERT_TRUE(told.starts_with('r')) << "the child must get as far as recording";
 

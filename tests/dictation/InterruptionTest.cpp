@@ -32,19 +32,16 @@ TEST(Interruption, SystemSignalsEndARecordingIntoTheRescueFolderAndNothingElse) 
         SystemSignal signal;
         const char* reason;
     };
-    for (const auto& row :
-         {Row{SystemSignal::willSleep, "Der Mac wurde gesperrt oder ging in den Ruhezustand"},
-          Row{SystemSignal::sessionResigned, "Der Mac wurde gesperrt oder ging in den Ruhezustand"},
-          Row{SystemSignal::screenLocked, "Der Bildschirm wurde gesperrt"}}) {
-        for (const auto phase :
-             {Kind::idle, Kind::recording, Kind::transcribing, Kind::enhancing, Kind::inserting}) {
+    for (const auto& row : {Row{SystemSignal::willSleep, "Der Mac wurde gesperrt oder ging in den Ruhezustand"},
+                            Row{SystemSignal::sessionResigned, "Der Mac wurde gesperrt oder ging in den Ruhezustand"},
+                            Row{SystemSignal::screenLocked, "Der Bildschirm wurde gesperrt"}}) {
+        for (const auto phase : {Kind::idle, Kind::recording, Kind::transcribing, Kind::enhancing, Kind::inserting}) {
             DictationWorld w;
             bringTo(w, phase);
             w.signals.send(row.signal);
             w.time.settle();
             const bool ends = phase == Kind::recording;
-            EXPECT_EQ(w.log.countOf("[controller] Diktat unterbrochen: " + std::string(row.reason)),
-                      ends ? 1U : 0U);
+            EXPECT_EQ(w.log.countOf("[controller] Diktat unterbrochen: " + std::string(row.reason)), ends ? 1U : 0U);
             w.wait(seconds(10));
             EXPECT_EQ(w.rescuedTexts(), ends ? Texts{"Hallo Welt"} : Texts{}) << row.reason;
             EXPECT_EQ(w.rescuedRecordings(), ends ? 1U : 0U);
@@ -115,10 +112,8 @@ TEST(Interruption, MicrophoneChangesEndTheRecordingButPasteAsUsual) {
         bool ends;
     };
     for (const auto& row :
-         {Row{Change::resumed, "Headset",
-              "[audio] Eingang gewechselt (Headset) – gleiches Format, Aufnahme läuft weiter.", false},
-          Row{Change::formatChanged, "USB",
-              "[audio] Eingang gewechselt (USB) – anderes Format, Diktat wird hier beendet.", true},
+         {Row{Change::resumed, "Headset", "[audio] Eingang gewechselt (Headset) – gleiches Format, Aufnahme läuft weiter.", false},
+          Row{Change::formatChanged, "USB", "[audio] Eingang gewechselt (USB) – anderes Format, Diktat wird hier beendet.", true},
           Row{Change::failed, "weg", "[audio] Nach dem Gerätewechsel kein Eingang: weg", true}}) {
         DictationWorld w;
         bringTo(w, Kind::recording);
@@ -139,11 +134,10 @@ TEST(Shutdown, RescuesWhateverIsUnderWay) {
         Texts rescued;
         const char* reason;
     };
-    for (const auto& row :
-         {Row{Kind::idle, {}, "nothing runs"}, Row{Kind::recording, {"Teil"}, "partial text"},
-          Row{Kind::transcribing, {"Teil"}, "no transcript yet"},
-          Row{Kind::enhancing, {"Hallo Welt"}, "the transcript goes before the partial text"},
-          Row{Kind::inserting, {"Hallo Welt"}, "not known to have arrived"}}) {
+    for (const auto& row : {Row{Kind::idle, {}, "nothing runs"}, Row{Kind::recording, {"Teil"}, "partial text"},
+                            Row{Kind::transcribing, {"Teil"}, "no transcript yet"},
+                            Row{Kind::enhancing, {"Hallo Welt"}, "the transcript goes before the partial text"},
+                            Row{Kind::inserting, {"Hallo Welt"}, "not known to have arrived"}}) {
         DictationWorld w;
         bringTo(w, row.phase);
         w.controller.shutdown();

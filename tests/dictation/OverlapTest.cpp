@@ -26,10 +26,7 @@ TEST(Cancellation, EndsEachPhaseAtOnce) {
     };
     const std::vector<Row> rows = {
         {-1, {}, {}, "recording: nothing happens any more"},
-        {0.1,
-         {},
-         DictationPhase::notice("Nichts gehört"),
-         "transcribing: the recogniser gives the empty text"},
+        {0.1, {}, DictationPhase::notice("Nichts gehört"), "transcribing: the recogniser gives the empty text"},
         {1.0, {"Hallo"}, {}, "enhancing: the text is there and is delivered"},
         {2.2, {"Hallo"}, {}, "inserting: likewise"},
     };
@@ -114,10 +111,7 @@ TEST(Overlap, AnOlderRunsFailureIsNotTheNewersError) {
     const std::vector<Row> rows = {
         {"alt", TextInserter::Outcome::notInserted, {"alt"}, "not inserted"},
         {"alt", std::unexpected(InsertError::noAccessibilityPermission), {"alt"}, "refused"},
-        {"streiche das",
-         std::unexpected(InsertError::noAccessibilityPermission),
-         {},
-         "refused, nothing to insert"},
+        {"streiche das", std::unexpected(InsertError::noAccessibilityPermission), {}, "refused, nothing to insert"},
     };
     for (const auto& row : rows) {
         DictationWorld w;

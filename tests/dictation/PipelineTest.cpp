@@ -20,25 +20,20 @@ TEST(Pipeline, StagesRunInTheirOrderUnderTheirConditions) {
         const char* engine;
         const char* reason;
     };
-    const auto search = [](DictationWorld& w) {
-        w.services.context.field = DictationContext::FieldKind::search;
-    };
+    const auto search = [](DictationWorld& w) { w.services.context.field = DictationContext::FieldKind::search; };
     const auto local = [](DictationWorld& w) { w.settings.cleanupMode.set(CleanupMode::local); };
     const std::vector<Row> rows = {
         {[](auto&) {}, "a", "a·c·r·l·f·u", "Regelbasiert", "Aktenstil by rules"},
         {[](auto&) {}, "Baustein", "Baustein·c·r·b·l·f·u", "Regelbasiert", "text blocks"},
         {[](auto&) {}, "www", "www·c·r·l·f·w", "Regelbasiert", "the whole text is an address"},
-        {[](auto& w) { w.settings.dictationCommandsEnabled.set(false); }, "alles verwerfen",
-         "alles verwerfen·r·l·f·u", "Regelbasiert", "commands off"},
-        {[](auto& w) { w.settings.cleanupMode.set(CleanupMode::none); }, "a", "a·c·l·f·u", "Roh",
-         "no cleanup"},
+        {[](auto& w) { w.settings.dictationCommandsEnabled.set(false); }, "alles verwerfen", "alles verwerfen·r·l·f·u", "Regelbasiert",
+         "commands off"},
+        {[](auto& w) { w.settings.cleanupMode.set(CleanupMode::none); }, "a", "a·c·l·f·u", "Roh", "no cleanup"},
         {[](auto& w) { w.settings.writingStyle.set(WritingStyle::brief); }, "a", "a·c·r·l·u", "Regelbasiert",
          "no legal formatting in letters"},
         {search, "a", "a·C·l·u", "Regelbasiert", "compact text skips the rules"},
-        {[](auto& w) { w.enhancer.fails = true; }, "a", "a·c·l·f·u", "Regelbasiert",
-         "failing rules are silent"},
-        {local, "a", "a·c·r·l·f·u·m·l·f", "Lokal (Apple)",
-         "the model's text passes law and formatting again"},
+        {[](auto& w) { w.enhancer.fails = true; }, "a", "a·c·l·f·u", "Regelbasiert", "failing rules are silent"},
+        {local, "a", "a·c·r·l·f·u·m·l·f", "Lokal (Apple)", "the model's text passes law and formatting again"},
         {[local](auto& w) {
              local(w);
              w.settings.writingStyle.set(WritingStyle::neutral);
@@ -132,13 +127,9 @@ TEST(Pipeline, EveryFailureTreatsWordsAndAudioAsItShould) {
         const char* reason;
     };
     const DictationPhase idle;
-    const auto throwing = [](DictationWorld& w) {
-        w.inserter.next = std::unexpected(InsertError::noAccessibilityPermission);
-    };
+    const auto throwing = [](DictationWorld& w) { w.inserter.next = std::unexpected(InsertError::noAccessibilityPermission); };
     const std::vector<Row> rows = {
-        {[](auto& w) {
-             w.services.script.result = TranscriptionError{TranscriptionError::Kind::failed, "Dienst weg"};
-         },
+        {[](auto& w) { w.services.script.result = TranscriptionError{TranscriptionError::Kind::failed, "Dienst weg"}; },
          nullptr,
          DictationPhase::error("Transkription fehlgeschlagen: Dienst weg"),
          {failure},
@@ -154,14 +145,7 @@ TEST(Pipeline, EveryFailureTreatsWordsAndAudioAsItShould) {
          {},
          "[pipeline] Leeres Diktat – nichts erkannt.",
          "empty transcript"},
-        {[](auto&) {},
-         "bitte alles verwerfen",
-         idle,
-         {},
-         {},
-         {},
-         "[commands] Diktat auf Zuruf verworfen.",
-         "discard command"},
+        {[](auto&) {}, "bitte alles verwerfen", idle, {}, {}, {}, "[commands] Diktat auf Zuruf verworfen.", "discard command"},
         {[](auto& w) { w.inserter.next = Outcome::unconfirmed; },
          "Wort",
          idle,
@@ -195,14 +179,7 @@ TEST(Pipeline, EveryFailureTreatsWordsAndAudioAsItShould) {
          {},
          nullptr,
          "insertion refused, nothing to insert"},
-        {[](auto&) {},
-         "streiche das",
-         idle,
-         {success},
-         {""},
-         {},
-         nullptr,
-         "an emptied text is delivered as such"},
+        {[](auto&) {}, "streiche das", idle, {success}, {""}, {}, nullptr, "an emptied text is delivered as such"},
         {[](auto& w) { w.stages.lawStageThrows = true; },
          "Wort",
          idle,
@@ -228,8 +205,7 @@ TEST(Pipeline, EveryFailureTreatsWordsAndAudioAsItShould) {
         EXPECT_EQ(w.services.notifications.size(), row.rescued.size()) << row.reason;
         EXPECT_TRUE(w.recordings().empty()) << row.reason;
         EXPECT_TRUE(!row.logLine || w.log.has(row.logLine)) << row.reason;
-        EXPECT_EQ(w.history.entries().empty(), row.delivered.empty() || row.delivered[0].empty())
-            << row.reason;
+        EXPECT_EQ(w.history.entries().empty(), row.delivered.empty() || row.delivered[0].empty()) << row.reason;
         EXPECT_EQ(w.windows.overlayIsVisible, !row.phaseAfter.is(Kind::idle)) << row.reason;
         w.wait(seconds(5));
         EXPECT_EQ(w.phase(), Kind::idle) << row.reason;

@@ -33,8 +33,7 @@ public:
         w.inserter.delay = seconds(between(0, 1));
 
         w.press();
-        if (chance(0.7) && w.services.transcriber)
-            w.services.transcriber->partial("Teil von " + name(number));
+        if (chance(0.7) && w.services.transcriber) w.services.transcriber->partial("Teil von " + name(number));
         for (int i = 0; i < 4; ++i) {
             w.wait(seconds(between(0, 1)));
             if (chance(0.35)) disturb();
@@ -76,8 +75,8 @@ private:
     double between(double low, double high) { return std::uniform_real_distribution(low, high)(random_); }
     template<class Value>
     Value pick(std::initializer_list<Value> values) {
-        return *(values.begin() + std::uniform_int_distribution<std::ptrdiff_t>(
-                                      0, static_cast<std::ptrdiff_t>(values.size()) - 1)(random_));
+        return *(values.begin() +
+                 std::uniform_int_distribution<std::ptrdiff_t>(0, static_cast<std::ptrdiff_t>(values.size()) - 1)(random_));
     }
 
     RecognitionScript script(int number) {
@@ -113,18 +112,15 @@ private:
             break;
         case 2:
             for (const auto& text : w.services.transcripts) cancelled_.insert(text);
-            if (const auto* coming = std::get_if<std::string>(&w.services.script.result))
-                cancelled_.insert(*coming);
+            if (const auto* coming = std::get_if<std::string>(&w.services.script.result)) cancelled_.insert(*coming);
             w.controller.cancelDictation();
             break;
         case 3:
-            w.signals.send(
-                pick({SystemSignal::willSleep, SystemSignal::sessionResigned, SystemSignal::screenLocked}));
+            w.signals.send(pick({SystemSignal::willSleep, SystemSignal::sessionResigned, SystemSignal::screenLocked}));
             break;
         case 4:
             w.recorder.onChange(
-                {pick({ConfigurationChange::Kind::resumed, ConfigurationChange::Kind::formatChanged,
-                       ConfigurationChange::Kind::failed}),
+                {pick({ConfigurationChange::Kind::resumed, ConfigurationChange::Kind::formatChanged, ConfigurationChange::Kind::failed}),
                  "Gerät"});
             break;
         case 5:

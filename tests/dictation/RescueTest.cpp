@@ -37,9 +37,8 @@ TEST(Rescue, KeepsSimultaneousRescuesApart) {
     DictationWorld w;
     for (const auto* text : {"eins", "zwei", "drei"}) w.rescue.rescue(text, recordingIn(w, text), "Grund");
     EXPECT_EQ(fileNames(w.rescueFolder.path()),
-              (Texts{"Diktat 2026-03-14 09-30-00 (2).caf", "Diktat 2026-03-14 09-30-00 (2).txt",
-                     "Diktat 2026-03-14 09-30-00 (3).caf", "Diktat 2026-03-14 09-30-00 (3).txt",
-                     "Diktat 2026-03-14 09-30-00.caf", "Diktat 2026-03-14 09-30-00.txt"}));
+              (Texts{"Diktat 2026-03-14 09-30-00 (2).caf", "Diktat 2026-03-14 09-30-00 (2).txt", "Diktat 2026-03-14 09-30-00 (3).caf",
+                     "Diktat 2026-03-14 09-30-00 (3).txt", "Diktat 2026-03-14 09-30-00.caf", "Diktat 2026-03-14 09-30-00.txt"}));
     EXPECT_EQ(w.rescuedTexts(), (Texts{"zwei", "drei", "eins"}));
 }
 
@@ -78,13 +77,11 @@ TEST(Rescue, AFolderThatCannotBeMadeLeavesTextAndAudioForTheNextStart) {
     const auto result = w.rescue.rescue("wichtig", recordingIn(w), "Grund");
     EXPECT_FALSE(result.textFile);
     EXPECT_EQ(w.inserter.pasteboard, "wichtig");
-    EXPECT_EQ(w.services.notifications,
-              (Texts{"Diktat nicht eingefügt: Grund. Der Text liegt in der Zwischenablage.\n\n„wichtig…“"}));
+    EXPECT_EQ(w.services.notifications, (Texts{"Diktat nicht eingefügt: Grund. Der Text liegt in der Zwischenablage.\n\n„wichtig…“"}));
     EXPECT_EQ(w.log.countOf("[rescue] Rettungsordner nicht anlegbar: Statt eines Ordners liegt dort eine Datei"), 1U);
 
     fs::remove(w.rescueFolder.path());
-    EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier),
-              1U);
+    EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier), 1U);
     EXPECT_EQ(w.rescuedTexts(), (Texts{"wichtig"}));
     EXPECT_EQ(w.rescuedRecordings(), 1U);
 }
@@ -114,8 +111,7 @@ TEST(Rescue, AudioThatCannotBeMovedStaysForTheNextStart) {
         EXPECT_FALSE(result.audioFile);
     }
     EXPECT_EQ(w.log.countOf("[rescue] Tonspur nicht sicherbar: "), 1U);
-    EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier),
-              1U);
+    EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier), 1U);
     EXPECT_EQ(w.rescuedRecordings(), 1U);
 }
 
@@ -147,8 +143,7 @@ TEST(CrashRecovery, BringsLeftRecordingsIntoTheFolderAndSparesTheClipboard) {
     recordingIn(w);
     recordingIn(w, "");
     w.press(); // a living recording
-    EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier),
-              2U);
+    EXPECT_EQ(CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier), 2U);
     auto texts = w.rescuedTexts();
     std::ranges::sort(texts);
     EXPECT_EQ(texts, (Texts{"(nur Tonaufnahme – nach einem Absturz gefunden)", "halber Satz"}));

@@ -82,8 +82,7 @@ TEST(Files, MovesAcrossFileSystems) {
     const fs::path elsewhere = "/var/tmp";
     const TempFolder folder;
     struct stat here{}, there{};
-    if (::stat(elsewhere.c_str(), &there) != 0 || ::stat(folder.path().c_str(), &here) != 0 ||
-        here.st_dev == there.st_dev) {
+    if (::stat(elsewhere.c_str(), &there) != 0 || ::stat(folder.path().c_str(), &here) != 0 || here.st_dev == there.st_dev) {
         GTEST_SKIP() << "no second file system here";
     }
     const auto from = elsewhere / ("querlin-" + newUuid());
@@ -98,8 +97,7 @@ TEST(Files, FindsNamesThatNobodyHas) {
     const fs::path base = folder.path();
     EXPECT_EQ(Files::unusedName(base, "Diktat", ".txt"), base / "Diktat.txt");
     writeFile(base / "Diktat.caf", "");
-    EXPECT_EQ(Files::unusedName(base, "Diktat", ".txt"), base / "Diktat (2).txt")
-        << "another extension counts too";
+    EXPECT_EQ(Files::unusedName(base, "Diktat", ".txt"), base / "Diktat (2).txt") << "another extension counts too";
     writeFile(base / "Diktat (2).txt", "");
     EXPECT_EQ(Files::unusedName(base, "Diktat", ".txt"), base / "Diktat (3).txt");
 }
@@ -121,8 +119,7 @@ TEST(Files, SweepsOldUnfinishedWritesAlone) {
 }
 
 TEST(Json, KeepsTypesAndTexts) {
-    const auto value = Json::parse(
-        R"({"a":15,"b":15.0,"c":-3e2,"d":"ä\u00df\n","e":[true,null],"a":16,"big":18446744073709551615})");
+    const auto value = Json::parse(R"({"a":15,"b":15.0,"c":-3e2,"d":"ä\u00df\n","e":[true,null],"a":16,"big":18446744073709551615})");
     ASSERT_TRUE(value);
     EXPECT_EQ(value->member("a")->integer(), 16) << "the last member of a name counts";
     EXPECT_EQ(value->member("b")->integer(), std::nullopt);
@@ -163,10 +160,9 @@ TEST(IsoDate, ReadsWhatItWrites) {
     for (const auto odd : {date, date + 1ns, date + 999999999ns, Date(-1ns), Date::max() - hours(24 * 365)}) {
         EXPECT_EQ(parseIsoDate(isoDate(odd)), odd);
     }
-    for (const auto* bad :
-         {"", "2026-03-01", "2026-02-29T00:00:00Z", "2026-03-01T24:00:00Z", "2026-03-01T09:30:00",
-          "2026-03-01T09:30:00+01:00", "2026-03-01T09:30:00.Z", "2026-03-01T09:30:00.1234567890Z",
-          "9999-01-01T00:00:00Z", "2026-13-01T00:00:00Z", " 2026-03-01T09:30:00Z"}) {
+    for (const auto* bad : {"", "2026-03-01", "2026-02-29T00:00:00Z", "2026-03-01T24:00:00Z", "2026-03-01T09:30:00",
+                            "2026-03-01T09:30:00+01:00", "2026-03-01T09:30:00.Z", "2026-03-01T09:30:00.1234567890Z", "9999-01-01T00:00:00Z",
+                            "2026-13-01T00:00:00Z", " 2026-03-01T09:30:00Z"}) {
         EXPECT_EQ(parseIsoDate(bad), std::nullopt) << bad;
     }
 }

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <random>
+#include <sstream>
 
 #include <gtest/gtest.h>
 #include <unicode/brkiter.h>
@@ -19,6 +20,7 @@
 namespace querlin {
 namespace {
 
+using namespace std::string_literals;
 using namespace std::string_view_literals;
 using Texts = std::vector<std::string_view>;
 
@@ -44,57 +46,19 @@ TEST(Utf8, ReplacesEachMaximalIllFormedSubpart) {
 }
 
 TEST(Graphemes, AgreeWithIcuOnAnyMixture) {
-    const std::vector<std::string_view> pieces = {"a",
-                                                  "Z",
-                                                  " ",
-                                                  "\n",
-                                                  "\r",
-                                                  "\r\n",
-                                                  "\t",
-                                                  "ä",
-                                                  "ß",
-                                                  "\u00AD",
-                                                  "\u00A9",
-                                                  "\u0308",
-                                                  "\u0301",
-                                                  "\u200D",
-                                                  "\uFE0F",
-                                                  "👩",
-                                                  "👨‍👩‍👧",
-                                                  "❤️",
-                                                  "🇩🇪",
-                                                  "🇩",
-                                                  "🇫",
-                                                  "👍🏽",
-                                                  "각",
-                                                  "\u1100",
-                                                  "\u1161",
-                                                  "\u11A8",
-                                                  "क",
-                                                  "\u094D",
-                                                  "\u0915",
-                                                  "\u0600",
-                                                  "\u0E33",
-                                                  "é",
-                                                  "€",
-                                                  "„",
-                                                  "\u0903",
-                                                  "\u0D4E",
-                                                  "中",
-                                                  "\u2028",
-                                                  "\u0085",
-                                                  "\0"sv,
-                                                  "\xFF",
-                                                  "\xE2\x82"};
+    std::vector<std::string> pieces = {"\0"s, "\xFF", "\xE2\x82"};
+    std::istringstream parted(
+        "a|Z| "
+        "|\n|\r|\r\n|\t|ä|ß|\u00AD|\u00A9|\u0308|\u0301|\u200D|\uFE0F|👩|👨‍👩‍👧|❤️|🇩🇪|🇩|🇫|👍🏽|각|"
+        "\u1100|\u1161|\u11A8|क|\u094D|\u0915|\u0600|\u0E33|é|€|„|\u0903|\u0D4E|中|\u2028|\u0085");
+    for (std::string piece; std::getline(parted, piece, '|');) pieces.push_back(piece);
     std::mt19937 random(7);
     UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<icu::BreakIterator> icuIterator(
-        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+    const std::unique_ptr<icu::BreakIterator> icuIterator(icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
     ASSERT_TRUE(U_SUCCESS(status));
     for (int round = 0; round < 20'000; ++round) {
         std::string text;
-        for (auto count = std::uniform_int_distribution(0, round % 100 == 0 ? 80 : 12)(random); count > 0;
-             --count) {
+        for (auto count = std::uniform_int_distribution(0, round % 100 == 0 ? 80 : 12)(random); count > 0; --count) {
             text += pieces[std::uniform_int_distribution<std::size_t>(0, pieces.size() - 1)(random)];
         }
         if (round % 4 == 0) appendScalar(text, std::uniform_int_distribution<char32_t>(0, 0x20000)(random));
@@ -133,10 +97,9 @@ TEST(Characters, AreToldByTheirFirstScalar) {
     };
     for (const auto& row :
          {Row{" ", true, false, false}, Row{"\u00A0", true, false, false}, Row{"\u2028", true, false, false},
-          Row{"\u200B", false, false, false}, Row{" \u0308", true, false, false},
-          Row{"o\u0308", false, true, false}, Row{"ß", false, true, false}, Row{"5", false, false, true},
-          Row{"½", false, false, true}, Row{"Ⅷ", false, true, true}, Row{"三", false, true, true},
-          Row{"§", false, false, false}, Row{"_", false, false, false}}) {
+          Row{"\u200B", false, false, false}, Row{" \u0308", true, false, false}, Row{"o\u0308", false, true, false},
+          Row{"ß", false, true, false}, Row{"5", false, false, true}, Row{"½", false, false, true}, Row{"Ⅷ", false, true, true},
+          Row{"三", false, true, true}, Row{"§", false, false, false}, Row{"_", false, false, false}}) {
         EXPECT_EQ(isWhitespace(row.character), row.white) << row.character;
         EXPECT_EQ(isAlphabetic(row.character), row.alphabetic) << row.character;
         EXPECT_EQ(isNumeric(row.character), row.numeric) << row.character;
@@ -210,13 +173,11 @@ TEST(Trimming, GoesByItsTwoSets) {
         const char* reason;
     };
     for (const auto& row :
-         {Row{" \t\u00A0x \u3000", "x", "x", "Zs and tab"},
-          Row{"\n x\r\n", "\n x\r\n", "x", "newlines are no blanks"},
+         {Row{" \t\u00A0x \u3000", "x", "x", "Zs and tab"}, Row{"\n x\r\n", "\n x\r\n", "x", "newlines are no blanks"},
           Row{"\u2028\u0085x\u2029\v\f", "\u2028\u0085x\u2029\v\f", "x", "every line end"},
           Row{" \u0308x ", "\u0308x", "\u0308x", "scalar by scalar, not by character"},
           Row{"\u200Bx\u200B", "\u200Bx\u200B", "\u200Bx\u200B", "a zero-width space is none"},
-          Row{" \x80 \xE2\x80 ", "\x80 \xE2\x80", "\x80 \xE2\x80", "ill-formed bytes stay"},
-          Row{" \n", "\n", "", "nothing left"}}) {
+          Row{" \x80 \xE2\x80 ", "\x80 \xE2\x80", "\x80 \xE2\x80", "ill-formed bytes stay"}, Row{" \n", "\n", "", "nothing left"}}) {
         EXPECT_EQ(trimBlanksAndTabs(row.text), row.blanks) << row.reason;
         EXPECT_EQ(trimWhitespaceAndNewlines(row.text), row.newlines) << row.reason;
     }
@@ -236,9 +197,7 @@ protected:
         ::setenv("TZ", "Europe/Berlin", 1);
         ::tzset();
     }
-    static Date at(std::chrono::year_month_day day, std::chrono::milliseconds utc) {
-        return std::chrono::sys_days(day) + utc;
-    }
+    static Date at(std::chrono::year_month_day day, std::chrono::milliseconds utc) { return std::chrono::sys_days(day) + utc; }
 };
 
 TEST_F(GermanFormatTest, WritesLocalDatesAndNumbers) {
@@ -252,14 +211,13 @@ TEST_F(GermanFormatTest, WritesLocalDatesAndNumbers) {
     EXPECT_EQ(germanTime(at(2026y / 7 / 1, 22h)), "00:00") << "summer time, next day";
     EXPECT_EQ(germanWeekday(at(2026y / 7 / 1, 22h)), "Donnerstag");
     EXPECT_EQ(localLogStamp(Date(-1ms)), "00:59:59.999") << "before 1970";
-    for (const auto& [number, text] :
-         std::vector<std::pair<std::int64_t, const char*>>{{0, "0"},
-                                                           {999, "999"},
-                                                           {1000, "1.000"},
-                                                           {-1000, "-1.000"},
-                                                           {-999, "-999"},
-                                                           {1234567, "1.234.567"},
-                                                           {INT64_MIN, "-9.223.372.036.854.775.808"}}) {
+    for (const auto& [number, text] : std::vector<std::pair<std::int64_t, const char*>>{{0, "0"},
+                                                                                        {999, "999"},
+                                                                                        {1000, "1.000"},
+                                                                                        {-1000, "-1.000"},
+                                                                                        {-999, "-999"},
+                                                                                        {1234567, "1.234.567"},
+                                                                                        {INT64_MIN, "-9.223.372.036.854.775.808"}}) {
         EXPECT_EQ(germanNumber(number), text);
     }
 }
@@ -267,8 +225,7 @@ TEST_F(GermanFormatTest, WritesLocalDatesAndNumbers) {
 TEST_F(GermanFormatTest, CountsDaysByTheCalendar) {
     using namespace std::chrono;
     const auto summer = at(2026y / 4 / 1, 7h + 30min + 1ms);
-    EXPECT_EQ(localFileStamp(daysBefore(summer, 7).value()), "2026-03-25 09-30-00")
-        << "over the change to summer time";
+    EXPECT_EQ(localFileStamp(daysBefore(summer, 7).value()), "2026-03-25 09-30-00") << "over the change to summer time";
     EXPECT_EQ(daysBefore(summer, 7).value(), at(2026y / 3 / 25, 8h + 30min + 1ms));
     EXPECT_EQ(daysBefore(summer, 0), summer);
     EXPECT_EQ(daysBefore(summer, INT64_MAX), std::nullopt);

@@ -16,13 +16,11 @@ TEST(ApplicationPaths, FollowTheEnvironmentWhereItMakesSense) {
     const auto paths = ApplicationPaths::fromEnvironment();
     EXPECT_EQ(paths.support, "/daten/Querlin");
     EXPECT_EQ(paths.rescuedDictations(), "/daten/Querlin/Gerettete Diktate");
-    EXPECT_EQ(paths.preferencesFile("local.mandolan.querlin"),
-              "/home/anna/.config/local.mandolan.querlin.json");
+    EXPECT_EQ(paths.preferencesFile("local.mandolan.querlin"), "/home/anna/.config/local.mandolan.querlin.json");
     EXPECT_EQ(paths.log, "/home/anna/.local/state/Querlin.log");
     EXPECT_EQ(paths.recordings, "/home/anna/.cache/Querlin");
     ::unsetenv("HOME");
-    EXPECT_TRUE(ApplicationPaths::fromEnvironment().recordings.is_absolute())
-        << "the user database knows a home";
+    EXPECT_TRUE(ApplicationPaths::fromEnvironment().recordings.is_absolute()) << "the user database knows a home";
 }
 
 } // namespace

@@ -48,8 +48,7 @@ TEST_F(DictationHistoryTest, KeepsEntriesAndRecordingsOverARestart) {
     EXPECT_EQ(contentOf(h.audioFile(h.entries()[1]).value()), "Ton");
     EXPECT_FALSE(h.entries()[0].audioFileName) << "a recording that can't be copied loses no text";
     EXPECT_EQ(log.countOf("[history] Aufnahme nicht gesichert: "), 1U);
-    EXPECT_EQ(contentOf(index).find("\"audioFileName\""), contentOf(index).rfind("\"audioFileName\""))
-        << "no key without audio";
+    EXPECT_EQ(contentOf(index).find("\"audioFileName\""), contentOf(index).rfind("\"audioFileName\"")) << "no key without audio";
     EXPECT_NE(contentOf(index).find("\"date\": \"2026-03-14T08:30:00Z\""), std::string::npos);
 
     fs::remove(h.audioFile(h.entries()[1]).value());
@@ -72,8 +71,7 @@ TEST_F(DictationHistoryTest, ExpiresByCalendarDaysWithTheRecordings) {
     days(4000);
     h.record("neu", "Mail", "Roh", std::nullopt);
     EXPECT_EQ(h.entries().size(), 3U) << "0 keeps everything";
-    time.setDate(h.entries()[1].date + std::chrono::days(30) -
-                 std::chrono::hours(1)); // Summer time began in between.
+    time.setDate(h.entries()[1].date + std::chrono::days(30) - std::chrono::hours(1)); // Summer time began in between.
     h.setRetentionDays(30);
     EXPECT_EQ(h.entries().size(), 2U) << "exactly at the limit stays";
     EXPECT_TRUE(fileNames(base / "Aufnahmen").empty());
@@ -102,11 +100,9 @@ TEST_F(DictationHistoryTest, AnIndexThatCannotBeUsedIsSetAsideBeforeTheFirstWrit
         EXPECT_EQ(contentOf(index), content) << reason << ": reading changes nothing";
         h.record("neu", "Mail", "Roh", std::nullopt);
         EXPECT_EQ(DictationHistory(base, time).entries().size(), 1U) << reason;
-        EXPECT_EQ(log.countOf("Verlauf war nicht lesbar – beiseitegelegt als Verlauf beschädigt 2026-03-14"),
-                  1U);
+        EXPECT_EQ(log.countOf("Verlauf war nicht lesbar – beiseitegelegt als Verlauf beschädigt 2026-03-14"), 1U);
         const auto names = fileNames(base);
-        const auto aside =
-            std::ranges::find_if(names, [](const auto& n) { return n.starts_with("Verlauf beschädigt"); });
+        const auto aside = std::ranges::find_if(names, [](const auto& n) { return n.starts_with("Verlauf beschädigt"); });
         ASSERT_NE(aside, names.end()) << reason;
         EXPECT_EQ(contentOf(base / *aside), content) << reason;
         fs::remove_all(base);
@@ -162,9 +158,8 @@ TEST_F(DictationHistoryTest, SearchAndPreview) {
         const char* reason;
     };
     for (const auto& row :
-         {Row{" \n", 2, "blank gives all"}, Row{"äpfel", 1, "umlauts ignore case"},
-          Row{"A\u0308PFEL", 1, "decomposed query"}, Row{"STRASSE", 1, "ß folds to ss"},
-          Row{"writer", 1, "application"}, Row{"gericht ", 1, "trimmed"}, Row{"xyz", 0, "nothing"}}) {
+         {Row{" \n", 2, "blank gives all"}, Row{"äpfel", 1, "umlauts ignore case"}, Row{"A\u0308PFEL", 1, "decomposed query"},
+          Row{"STRASSE", 1, "ß folds to ss"}, Row{"writer", 1, "application"}, Row{"gericht ", 1, "trimmed"}, Row{"xyz", 0, "nothing"}}) {
         EXPECT_EQ(h.search(row.query).size(), row.found) << row.reason;
     }
 

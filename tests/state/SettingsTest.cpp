@@ -1,5 +1,6 @@
 // The preferences store, the settings over it and the migration into it.
 
+#include "foundation/Characters.h"
 #include "foundation/IsoDate.h"
 #include "state/AppSettings.h"
 #include "state/Migration.h"
@@ -9,7 +10,6 @@
 #include "support/ManualTime.h"
 #include "support/TempFolder.h"
 
-#include <array>
 #include <functional>
 #include <tuple>
 
@@ -22,49 +22,24 @@ namespace fs = std::filesystem;
 
 const Date someDate = *parseIsoDate("2026-03-01T09:30:00.123456789Z");
 
-constexpr std::array keys = {"hotkeyConfig",
-                             "inputDeviceUID",
-                             "showLevelMeter",
-                             "playStartSound",
-                             "playStopSound",
-                             "maxDictationMinutes",
-                             "dictationLanguage",
-                             "transcriptionEngine",
-                             "onDeviceRecognitionOnly",
-                             "userDictionary",
-                             "contextualLimit",
-                             "legalVocabularyEnabled",
-                             "dictationCommandsEnabled",
-                             "textBlocks",
-                             "writingStyle",
-                             "contextAwareStyle",
-                             "appProfiles",
-                             "cleanupMode",
-                             "cleanupModeChosen",
-                             "learnFromCorrections",
-                             "historyEnabled",
-                             "historyRetentionDays",
-                             "historyKeepAudio",
-                             "hasCompletedOnboarding",
-                             "checkForUpdatesAtLaunch",
-                             "updateLawsAutomatically",
-                             "lawsLastChecked",
-                             "installedAt",
-                             "suiteHintLastShown",
-                             "suiteHintDismissals",
-                             "suiteLinkOpened"};
+/// In the order of the properties in `allValues`.
+const auto keys =
+    splitAtWhitespace("hotkeyConfig inputDeviceUID showLevelMeter playStartSound playStopSound maxDictationMinutes dictationLanguage "
+                      "transcriptionEngine onDeviceRecognitionOnly userDictionary contextualLimit legalVocabularyEnabled "
+                      "dictationCommandsEnabled textBlocks writingStyle contextAwareStyle appProfiles cleanupMode cleanupModeChosen "
+                      "learnFromCorrections historyEnabled historyRetentionDays historyKeepAudio hasCompletedOnboarding "
+                      "checkForUpdatesAtLaunch updateLawsAutomatically lawsLastChecked installedAt suiteHintLastShown "
+                      "suiteHintDismissals suiteLinkOpened");
 
 auto allValues(const AppSettings& s) {
-    return std::tuple(s.hotkey.get(), s.inputDeviceUID.get(), s.showLevelMeter.get(), s.playStartSound.get(),
-                      s.playStopSound.get(), s.maxDictationMinutes.get(), s.language.get(), s.engine.get(),
-                      s.onDeviceRecognitionOnly.get(), s.userDictionary.get(), s.contextualLimit.get(),
-                      s.legalVocabularyEnabled.get(), s.dictationCommandsEnabled.get(), s.textBlocks.get(),
-                      s.writingStyle.get(), s.contextAwareStyle.get(), s.appProfiles.get(),
-                      s.cleanupMode.get(), s.hasChosenCleanupMode.get(), s.learnFromCorrections.get(),
-                      s.historyEnabled.get(), s.historyRetentionDays.get(), s.historyKeepAudio.get(),
-                      s.hasCompletedOnboarding.get(), s.checkForUpdatesAtLaunch.get(),
-                      s.updateLawsAutomatically.get(), s.lawsLastChecked.get(), s.installedAt.get(),
-                      s.suiteHintLastShown.get(), s.suiteHintDismissals.get(), s.suiteLinkOpened.get());
+    return std::tuple(s.hotkey.get(), s.inputDeviceUID.get(), s.showLevelMeter.get(), s.playStartSound.get(), s.playStopSound.get(),
+                      s.maxDictationMinutes.get(), s.language.get(), s.engine.get(), s.onDeviceRecognitionOnly.get(),
+                      s.userDictionary.get(), s.contextualLimit.get(), s.legalVocabularyEnabled.get(), s.dictationCommandsEnabled.get(),
+                      s.textBlocks.get(), s.writingStyle.get(), s.contextAwareStyle.get(), s.appProfiles.get(), s.cleanupMode.get(),
+                      s.hasChosenCleanupMode.get(), s.learnFromCorrections.get(), s.historyEnabled.get(), s.historyRetentionDays.get(),
+                      s.historyKeepAudio.get(), s.hasCompletedOnboarding.get(), s.checkForUpdatesAtLaunch.get(),
+                      s.updateLawsAutomatically.get(), s.lawsLastChecked.get(), s.installedAt.get(), s.suiteHintLastShown.get(),
+                      s.suiteHintDismissals.get(), s.suiteLinkOpened.get());
 }
 
 class SettingsTest : public testing::Test {
@@ -127,7 +102,7 @@ TEST_F(SettingsTest, EveryPropertySurvivesARestart) {
     }();
     // The keys bind other programs and later versions; three differ from the property's name.
     const auto text = contentOf(file);
-    for (const auto* key : keys) {
+    for (const auto key : keys) {
         EXPECT_NE(text.find('"' + std::string(key) + '"'), std::string::npos) << key;
     }
 
@@ -140,7 +115,7 @@ TEST_F(SettingsTest, EveryPropertyFallsBackWhereItsValueIsOfAnotherType) {
     const auto fallbacks = allValues(AppSettings(empty));
     for (const auto* wrong : {"null", "{}", "[[]]", R"({"data":"["})", R"({"date":"gestern"})", "1.5"}) {
         std::string content = "{";
-        for (const auto* key : keys) content += '"' + std::string(key) + "\":" + wrong + ',';
+        for (const auto key : keys) content += '"' + std::string(key) + "\":" + wrong + ',';
         content.back() = '}';
         givenFile(content);
         PreferencesStore store(file, time);
@@ -158,63 +133,46 @@ TEST_F(SettingsTest, AbsentAndUnusableValuesGiveTheFallback) {
         {"{}",
          [](auto& s) {
              return s.engine.get() == TranscriptionEngine::appleSpeech && s.maxDictationMinutes.get() == 15 &&
-                    s.contextualLimit.get() == 250 && s.historyRetentionDays.get() == 30 &&
-                    !s.installedAt.get() && s.playStartSound.get() && s.textBlocks.get().size() == 3 &&
-                    s.appProfiles.get().size() == 11;
+                    s.contextualLimit.get() == 250 && s.historyRetentionDays.get() == 30 && !s.installedAt.get() &&
+                    s.playStartSound.get() && s.textBlocks.get().size() == 3 && s.appProfiles.get().size() == 11;
          },
          "absent keys"},
-        {R"({"transcriptionEngine":"whisper"})",
-         [](auto& s) { return s.engine.get() == TranscriptionEngine::appleSpeech; }, "unknown engine"},
+        {R"({"transcriptionEngine":"whisper"})", [](auto& s) { return s.engine.get() == TranscriptionEngine::appleSpeech; },
+         "unknown engine"},
         {R"({"dictationLanguage":"fr-FR","cleanupMode":"Rules"})",
-         [](auto& s) {
-             return s.language.get() == DictationLanguage::german &&
-                    s.cleanupMode.get() == CleanupMode::rules;
-         },
+         [](auto& s) { return s.language.get() == DictationLanguage::german && s.cleanupMode.get() == CleanupMode::rules; },
          "raw values compare exactly"},
         {R"({"showLevelMeter":0,"maxDictationMinutes":"20","contextualLimit":3.5})",
-         [](auto& s) {
-             return s.showLevelMeter.get() && s.maxDictationMinutes.get() == 15 &&
-                    s.contextualLimit.get() == 250;
-         },
+         [](auto& s) { return s.showLevelMeter.get() && s.maxDictationMinutes.get() == 15 && s.contextualLimit.get() == 250; },
          "other types"},
-        {R"({"userDictionary":["a",1]})", [](auto& s) { return s.userDictionary.get().empty(); },
-         "one bad string"},
+        {R"({"userDictionary":["a",1]})", [](auto& s) { return s.userDictionary.get().empty(); }, "one bad string"},
         {R"({"hotkeyConfig":{"data":"{\"mode\":\"holdCombo\",\"modifier\":\"fn\"}"}})",
          [](auto& s) { return s.hotkey.get() == HotkeyConfig(); }, "a key of three is missing"},
-        {R"({"hotkeyConfig":{"dataHex":"ff00"}})", [](auto& s) { return s.hotkey.get() == HotkeyConfig(); },
-         "random bytes"},
+        {R"({"hotkeyConfig":{"dataHex":"ff00"}})", [](auto& s) { return s.hotkey.get() == HotkeyConfig(); }, "random bytes"},
         {R"({"textBlocks":{"data":"[{\"name\":\"a\",\"content\":\"b\"},{\"name\":\"c\"}]"}})",
          [](auto& s) { return s.textBlocks.get() == TextBlock::builtIn(); }, "one bad block spoils the list"},
         {R"({"textBlocks":{"data":"[]"},"appProfiles":{"data":"[]"}})",
-         [](auto& s) { return s.textBlocks.get().empty() && s.appProfiles.get().empty(); },
-         "an empty list stays empty"},
+         [](auto& s) { return s.textBlocks.get().empty() && s.appProfiles.get().empty(); }, "an empty list stays empty"},
         {R"({"appProfiles":{"data":"[{\"bundleIdentifier\":\"x\",\"appName\":\"X\",\"style\":\"streng\",\"polishEnabled\":true}]"}})",
          [](auto& s) { return s.appProfiles.get() == AppProfile::builtIn(); }, "unknown style"},
-        {R"({"installedAt":"2026-03-01T09:30:00Z"})", [](auto& s) { return !s.installedAt.get(); },
-         "a date is no string"},
-        {R"({"formality":"casual"})", [](auto& s) { return s.writingStyle.get() == WritingStyle::locker; },
-         "former style"},
-        {R"({"formality":"casual","writingStyle":"brief"})",
-         [](auto& s) { return s.writingStyle.get() == WritingStyle::brief; },
+        {R"({"installedAt":"2026-03-01T09:30:00Z"})", [](auto& s) { return !s.installedAt.get(); }, "a date is no string"},
+        {R"({"formality":"casual"})", [](auto& s) { return s.writingStyle.get() == WritingStyle::locker; }, "former style"},
+        {R"({"formality":"casual","writingStyle":"brief"})", [](auto& s) { return s.writingStyle.get() == WritingStyle::brief; },
          "the style goes before the former one"},
-        {R"({"formality":"CASUAL","writingStyle":"streng"})",
-         [](auto& s) { return s.writingStyle.get() == WritingStyle::aktenstil; }, "both unknown"},
-        {R"({"playFeedbackSounds":false})",
-         [](auto& s) { return !s.playStartSound.get() && !s.playStopSound.get(); },
+        {R"({"formality":"CASUAL","writingStyle":"streng"})", [](auto& s) { return s.writingStyle.get() == WritingStyle::aktenstil; },
+         "both unknown"},
+        {R"({"playFeedbackSounds":false})", [](auto& s) { return !s.playStartSound.get() && !s.playStopSound.get(); },
          "former switch for both sounds"},
-        {R"({"playFeedbackSounds":false,"playStopSound":true})",
-         [](auto& s) { return !s.playStartSound.get() && s.playStopSound.get(); },
+        {R"({"playFeedbackSounds":false,"playStopSound":true})", [](auto& s) { return !s.playStartSound.get() && s.playStopSound.get(); },
          "one sound has its own key"},
-        {R"({"playFeedbackSounds":"nein"})", [](auto& s) { return s.playStartSound.get(); },
-         "former switch of another type"},
+        {R"({"playFeedbackSounds":"nein"})", [](auto& s) { return s.playStartSound.get(); }, "former switch of another type"},
     };
     for (const auto& row : rows) EXPECT_TRUE(readWith(row.content, row.holds)) << row.reason;
     EXPECT_EQ(contentOf(file), rows.back().content) << "a fallback is not written";
 }
 
 TEST_F(SettingsTest, UnknownKeysAndUndecodableValuesStayInTheFile) {
-    givenFile(
-        R"({"hotkeyConfig":{"data":"kaputt"},"ausDerZukunft":{"x":[1,null,{"y":2.0}]},"showLevelMeter":"ja"})");
+    givenFile(R"({"hotkeyConfig":{"data":"kaputt"},"ausDerZukunft":{"x":[1,null,{"y":2.0}]},"showLevelMeter":"ja"})");
     PreferencesStore store(file, time);
     AppSettings settings(store);
     settings.maxDictationMinutes.set(5);
@@ -226,12 +184,11 @@ TEST_F(SettingsTest, UnknownKeysAndUndecodableValuesStayInTheFile) {
 }
 
 TEST_F(SettingsTest, DamagedFilesAreSetAsideAndSaidSo) {
-    const std::vector<std::pair<std::string, const char*>> damages = {
-        {"", "empty"},
-        {R"({"a":1)", "truncated"},
-        {"[1,2]", "no object"},
-        {std::string("\x7f\0\xff", 3), "random bytes"},
-        {std::string(4096, '\0'), "zeros"}};
+    const std::vector<std::pair<std::string, const char*>> damages = {{"", "empty"},
+                                                                      {R"({"a":1)", "truncated"},
+                                                                      {"[1,2]", "no object"},
+                                                                      {std::string("\x7f\0\xff", 3), "random bytes"},
+                                                                      {std::string(4096, '\0'), "zeros"}};
     for (const auto& [content, reason] : damages) {
         givenFile(content);
         const auto before = fileNames(folder.path()).size();
@@ -243,10 +200,7 @@ TEST_F(SettingsTest, DamagedFilesAreSetAsideAndSaidSo) {
         EXPECT_EQ(fileNames(folder.path()).size(), before + 1) << reason << ": nothing is thrown away";
         time.advance(seconds(1));
     }
-    EXPECT_EQ(
-        log.countOf(
-            "[app] Einstellungen nicht lesbar – beiseitegelegt als domain beschädigt 2026-03-14 09-30-"),
-        5U);
+    EXPECT_EQ(log.countOf("[app] Einstellungen nicht lesbar – beiseitegelegt als domain beschädigt 2026-03-14 09-30-"), 5U);
 }
 
 TEST_F(SettingsTest, AFullDiskLeavesFileAndMemoryRightAndTheNextChangeTriesAgain) {
@@ -281,8 +235,7 @@ TEST_F(SettingsTest, AFileThatCanNeitherBeReadNorMovedIsNeverWrittenOver) {
             EXPECT_EQ(settings.contextualLimit.get(), 7);
         }
         EXPECT_EQ(contentOf(folder / "zu/domain.json"), content);
-        EXPECT_EQ(log.countOf("Einstellungen nicht lesbar, Änderungen gelten nur bis zum Ende"),
-                  damaged ? 1U : 0U);
+        EXPECT_EQ(log.countOf("Einstellungen nicht lesbar, Änderungen gelten nur bis zum Ende"), damaged ? 1U : 0U);
     }
 }
 
@@ -290,8 +243,7 @@ TEST_F(SettingsTest, AssigningTellsObserversAndTheFileAtOnce) {
     PreferencesStore store(file, time);
     AppSettings settings(store);
     std::vector<std::optional<std::string>> heard;
-    const auto subscription =
-        settings.inputDeviceUID.subscribe([&](const auto& uid) { heard.push_back(uid); });
+    const auto subscription = settings.inputDeviceUID.subscribe([&](const auto& uid) { heard.push_back(uid); });
     settings.inputDeviceUID.set("usb");
     settings.inputDeviceUID.set("usb");
     settings.inputDeviceUID.set(std::nullopt);
@@ -302,12 +254,10 @@ TEST_F(SettingsTest, AssigningTellsObserversAndTheFileAtOnce) {
 TEST_F(SettingsTest, UserTermsAreTrimmedUniqueAndSorted) {
     PreferencesStore store(file, time);
     AppSettings settings(store);
-    for (const auto* term : {"  Zwangsgeld\n", "ärztlich", "", " \t ", "ÄRZTLICH", "Amtsgericht", "betreuung",
-                             "a\u0308rztlich"}) {
+    for (const auto* term : {"  Zwangsgeld\n", "ärztlich", "", " \t ", "ÄRZTLICH", "Amtsgericht", "betreuung", "a\u0308rztlich"}) {
         settings.addUserTerm(term);
     }
-    EXPECT_EQ(settings.userDictionary.get(),
-              (std::vector<std::string>{"Amtsgericht", "ärztlich", "betreuung", "Zwangsgeld"}));
+    EXPECT_EQ(settings.userDictionary.get(), (std::vector<std::string>{"Amtsgericht", "ärztlich", "betreuung", "Zwangsgeld"}));
     settings.removeUserTerm("Betreuung");
     EXPECT_EQ(settings.userDictionary.get().size(), 4U) << "removing compares case";
     settings.removeUserTerm("betreuung");

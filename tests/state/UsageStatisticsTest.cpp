@@ -39,15 +39,9 @@ TEST(UsageStatistics, AddsUpOverRestartsAndForgetsOnReset) {
 }
 
 TEST(UsageStatistics, DescribesSpansInWords) {
-    const std::vector<std::pair<double, const char*>> rows = {{0, "0 Sekunden"},
-                                                              {1, "1 Sekunden"},
-                                                              {59.4, "59 Sekunden"},
-                                                              {59.5, "1 Minute"},
-                                                              {3600, "1 Stunde"},
-                                                              {119, "1 Minute"},
-                                                              {3660, "1 Stunde 1 Minute"},
-                                                              {7260, "2 Stunden 1 Minute"},
-                                                              {7380, "2 Stunden 3 Minuten"}};
+    const std::vector<std::pair<double, const char*>> rows = {
+        {0, "0 Sekunden"}, {1, "1 Sekunden"},           {59.4, "59 Sekunden"},        {59.5, "1 Minute"},           {3600, "1 Stunde"},
+        {119, "1 Minute"}, {3660, "1 Stunde 1 Minute"}, {7260, "2 Stunden 1 Minute"}, {7380, "2 Stunden 3 Minuten"}};
     for (const auto& [seconds, text] : rows) EXPECT_EQ(UsageStatistics::describe(seconds), text) << seconds;
 }
 

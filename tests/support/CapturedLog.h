@@ -28,8 +28,8 @@ public:
     bool has(std::string_view line) const { return std::ranges::count(lines(), line) > 0; }
     std::size_t countOf(std::string_view part) const {
         const auto all = lines();
-        return static_cast<std::size_t>(std::ranges::count_if(
-            all, [part](const auto& line) { return line.find(part) != std::string::npos; }));
+        return static_cast<std::size_t>(
+            std::ranges::count_if(all, [part](const auto& line) { return line.find(part) != std::string::npos; }));
     }
 
 private:

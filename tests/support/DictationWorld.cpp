@@ -79,8 +79,7 @@ std::string FakeStages::mark(std::string_view text, std::string_view sign) const
 }
 
 TextStages::CommandOutcome FakeStages::applyCommands(std::string_view text, CommandMode mode) {
-    if (text.find("alles verwerfen") != std::string_view::npos)
-        return {std::string(text), true, {"alles verwerfen"}};
+    if (text.find("alles verwerfen") != std::string_view::npos) return {std::string(text), true, {"alles verwerfen"}};
     if (text == "streiche das") return {"", false, {"streiche das"}};
     std::vector<std::string> applied;
     if (text.find("Komma") != std::string_view::npos) applied = {"Komma", "Punkt"};
@@ -97,8 +96,7 @@ bool FakeStages::looksLikeAddress(std::string_view text, AddressTest test) {
     return text.starts_with("www");
 }
 
-Task<std::expected<std::string, EnhancementError>> FakeEnhancer::enhance(std::string text, DictationLanguage,
-                                                                         WritingStyle, TextTreatment) {
+Task<std::expected<std::string, EnhancementError>> FakeEnhancer::enhance(std::string text, DictationLanguage, WritingStyle, TextTreatment) {
     auto work = [this, text] { return stages_.marks ? text + "·r" : text; };
     auto cleaned = co_await background(runtime_, std::move(work));
     if (fails) {
@@ -111,8 +109,8 @@ Task<std::expected<std::string, EnhancementError>> FakeEnhancer::enhance(std::st
 Task<EnhancementOutcome> FakeCoordinator::run(std::string text, WritingStyle, TextTreatment treatment) {
     treatments.push_back(treatment);
     co_await sleepFor(runtime_.mainQueue, delay);
-    EnhancementOutcome outcome{stages_.marks ? text + "·m" : text,
-                               fallbackReason ? "Regelbasiert (offline)" : "Lokal (Apple)", fallbackReason};
+    EnhancementOutcome outcome{stages_.marks ? text + "·m" : text, fallbackReason ? "Regelbasiert (offline)" : "Lokal (Apple)",
+                               fallbackReason};
     co_return outcome;
 }
 
@@ -124,8 +122,7 @@ std::shared_ptr<StreamingTranscriber> FakeServices::make(TranscriptionEngine eng
     return transcriber;
 }
 
-std::vector<std::string> FakeServices::contextualStrings(const std::vector<std::string>& terms,
-                                                         std::int64_t) {
+std::vector<std::string> FakeServices::contextualStrings(const std::vector<std::string>& terms, std::int64_t) {
     auto all = terms;
     all.emplace_back("Betreuungsgericht");
     return all;
@@ -195,8 +192,7 @@ std::vector<std::string> DictationWorld::rescuedTexts() const {
 
 std::size_t DictationWorld::rescuedRecordings() const {
     const auto names = fileNames(rescueFolder.path());
-    return static_cast<std::size_t>(
-        std::ranges::count_if(names, [](const auto& name) { return name.ends_with(".caf"); }));
+    return static_cast<std::size_t>(std::ranges::count_if(names, [](const auto& name) { return name.ends_with(".caf"); }));
 }
 
 } // namespace querlin

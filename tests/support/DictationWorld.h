@@ -25,9 +25,7 @@ public:
     FakeTranscriber(MainQueue& queue, RecognitionScript script, std::vector<std::string>& transcripts) :
         queue_(queue), script_(std::move(script)), transcripts_(transcripts), cancelled_(queue) {}
 
-    void setOnPartialResult(std::function<void(std::string)> callback) override {
-        partial = std::move(callback);
-    }
+    void setOnPartialResult(std::function<void(std::string)> callback) override { partial = std::move(callback); }
     void setContextualStrings(std::vector<std::string> strings) override { contextual = std::move(strings); }
     std::expected<void, TranscriptionError> begin(const std::string& locale, bool onDeviceOnly) override;
     void append(const AudioBuffer&) override { ++appendedBuffers; }
@@ -51,27 +49,18 @@ private:
 
 class FakeRecorder final : public AudioRecorder {
 public:
-    FakeRecorder(std::filesystem::path folder, const Clock& clock) :
-        folder_(std::move(folder)), clock_(clock) {}
+    FakeRecorder(std::filesystem::path folder, const Clock& clock) : folder_(std::move(folder)), clock_(clock) {}
 
-    void setOnBuffer(std::function<void(const AudioBuffer&)> callback) override {
-        onBuffer = std::move(callback);
-    }
+    void setOnBuffer(std::function<void(const AudioBuffer&)> callback) override { onBuffer = std::move(callback); }
     void setOnLevel(std::function<void(float)> callback) override { onLevel = std::move(callback); }
-    void setOnConfigurationChange(std::function<void(ConfigurationChange)> callback) override {
-        onChange = std::move(callback);
-    }
+    void setOnConfigurationChange(std::function<void(ConfigurationChange)> callback) override { onChange = std::move(callback); }
     void setPreferredDeviceUID(std::optional<std::string> uid) override { preferredDevice = std::move(uid); }
     std::expected<void, AudioRecorderError> start(WriteToDisk file) override;
     void stop() override { startedAt_.reset(); }
-    double duration() const override {
-        return startedAt_ ? inSeconds(clock_.instant() - *startedAt_) * durationFactor : 0;
-    }
+    double duration() const override { return startedAt_ ? inSeconds(clock_.instant() - *startedAt_) * durationFactor : 0; }
     const RecordingFile* recording() const override { return recording_ ? &*recording_ : nullptr; }
     void discardRecording() override;
-    std::optional<RecordingFile> detachRecording() override {
-        return std::exchange(recording_, std::nullopt);
-    }
+    std::optional<RecordingFile> detachRecording() override { return std::exchange(recording_, std::nullopt); }
 
     bool isRecording() const { return startedAt_.has_value(); }
 
@@ -135,8 +124,7 @@ private:
 class FakeEnhancer final : public TextEnhancer {
 public:
     explicit FakeEnhancer(FakeStages& stages, Runtime runtime) : stages_(stages), runtime_(runtime) {}
-    Task<std::expected<std::string, EnhancementError>> enhance(std::string text, DictationLanguage language,
-                                                               WritingStyle style,
+    Task<std::expected<std::string, EnhancementError>> enhance(std::string text, DictationLanguage language, WritingStyle style,
                                                                TextTreatment treatment) override;
     bool fails = false;
 
@@ -212,9 +200,7 @@ public:
     void showOverlay() override { overlayIsVisible = true; }
     void hideOverlay() override { overlayIsVisible = false; }
     void showOnboarding() override { ++onboardings; }
-    void showCorrectionSuggestion(const CorrectionSuggestion& suggestion) override {
-        suggestions.push_back(suggestion);
-    }
+    void showCorrectionSuggestion(const CorrectionSuggestion& suggestion) override { suggestions.push_back(suggestion); }
     void showEnhancementFailureNotice(const std::string& reason) override { notices.push_back(reason); }
 
     bool overlayIsVisible = false;
@@ -225,9 +211,7 @@ public:
 
 class FakeWatcher final : public CorrectionWatcher {
 public:
-    void setOnSuggestion(std::function<void(CorrectionSuggestion)> callback) override {
-        suggest = std::move(callback);
-    }
+    void setOnSuggestion(std::function<void(CorrectionSuggestion)> callback) override { suggest = std::move(callback); }
     void watch(std::string_view text, std::string_view) override { watched.emplace_back(text); }
     void stop() override { ++stops; }
 
@@ -256,9 +240,7 @@ public:
         ++authorizationRequests;
         answer(authorization);
     }
-    void post(std::string title, std::string body, Failure) override {
-        notifications.push_back(title + ": " + body);
-    }
+    void post(std::string title, std::string body, Failure) override { notifications.push_back(title + ": " + body); }
 
     SystemVersion version{14, 0, 0};
     RecognitionScript script;

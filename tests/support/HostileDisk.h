@@ -43,8 +43,7 @@ public:
                 [[maybe_unused]] const int given = ::chown(entry.path().c_str(), nobody, nobody);
             }
         }
-        std::filesystem::permissions(folder,
-                                     std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+        std::filesystem::permissions(folder, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
         if (::geteuid() == 0) ::setfsuid(nobody); // The rights of root for files go with it.
     }
     ~ReadOnlyFolder() {
@@ -55,9 +54,7 @@ public:
     ReadOnlyFolder& operator=(const ReadOnlyFolder&) = delete;
 
 private:
-    static bool isOurs(const std::filesystem::path& path) {
-        return path.string().find("querlin-test-") != std::string::npos;
-    }
+    static bool isOurs(const std::filesystem::path& path) { return path.string().find("querlin-test-") != std::string::npos; }
 
     std::filesystem::path folder_;
 };

@@ -31,8 +31,7 @@ TempFolder::TempFolder() {
 TempFolder::~TempFolder() {
     std::error_code ignored;
     // A test may have taken the right to write away.
-    for (fs::recursive_directory_iterator entry(path_, ignored), end; !ignored && entry != end;
-         entry.increment(ignored)) {
+    for (fs::recursive_directory_iterator entry(path_, ignored), end; !ignored && entry != end; entry.increment(ignored)) {
         if (entry->is_directory()) fs::permissions(entry->path(), fs::perms::owner_all, ignored);
     }
     fs::remove_all(path_, ignored);
