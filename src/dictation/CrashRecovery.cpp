@@ -13,17 +13,18 @@ constexpr std::string_view placeholder = "(nur Tonaufnahme – nach einem Abstur
 
 std::size_t rescueLeftBehind(const RecordingFolder& recordings, RescueFolder& rescueFolder,
                              Notifier& notifier) {
-    auto found = recordings.leftBehind();
-    for (auto& recording : found) {
+    std::size_t rescued = 0;
+    for (auto& recording : recordings.leftBehind()) {
         auto text = recording.text();
         if (text.empty()) text = placeholder;
         const auto result = rescueFolder.keep(text, std::move(recording));
+        if (result.textFile) ++rescued;
         RescueReport::writeToLog(text, reason, result);
         RescueReport::notify(notifier, text, reason,
                              result.textFile ? "Der Text liegt im Rettungsordner."
                                              : "Der Rettungsordner ist nicht beschreibbar.");
     }
-    return found.size();
+    return rescued;
 }
 
 } // namespace querlin::CrashRecovery
