@@ -191,6 +191,14 @@ FileResult<> copy(const fs::path& from, const fs::path& to) {
     });
 }
 
+FileResult<> linkOrCopy(const fs::path& from, const fs::path& to) {
+    std::error_code ignored;
+    const bool isLinked = fs::is_regular_file(from, ignored) && ::link(from.c_str(), to.c_str()) == 0;
+    if (!isLinked) return Files::copy(from, to);
+    syncFolder(folderOf(to));
+    return {};
+}
+
 FileResult<> move(const fs::path& from, const fs::path& to) {
     if (::rename(from.c_str(), to.c_str()) == 0) {
         syncFolder(folderOf(to));

@@ -50,8 +50,12 @@ FileResult<> makeFolder(const std::filesystem::path& folder);
 /// Moves a file, also to another file system. What stands at `to` is replaced.
 FileResult<> move(const std::filesystem::path& from, const std::filesystem::path& to);
 
-/// Copies a file's bytes; all of them or none.
+/// Copies a regular file's bytes; all of them or none.
 FileResult<> copy(const std::filesystem::path& from, const std::filesystem::path& to);
+
+/// Gives a regular file that nobody will change any more a second place: at once and without room by a
+/// link, or by a copy where the file system has none between the two places.
+FileResult<> linkOrCopy(const std::filesystem::path& from, const std::filesystem::path& to);
 
 /// Deletes a file; one that isn't there counts as deleted. False if it is still there.
 bool remove(const std::filesystem::path& file);

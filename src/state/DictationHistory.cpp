@@ -158,8 +158,8 @@ void DictationHistory::record(std::string_view text, std::string_view appName, s
 std::optional<std::string> DictationHistory::storeAudio(const fs::path& source) const {
     (void)Files::makeFolder(audioFolder());
     auto name = newUuid() + ".caf";
-    if (const auto copied = Files::copy(source, audioFolder() / name); !copied) {
-        DiagnosticsLog::note("history", "Aufnahme nicht gesichert: " + copied.error().description());
+    if (const auto stored = Files::linkOrCopy(source, audioFolder() / name); !stored) {
+        DiagnosticsLog::note("history", "Aufnahme nicht gesichert: " + stored.error().description());
         return std::nullopt;
     }
     return name;

@@ -56,8 +56,8 @@ public:
     /// How many calendar days an entry is kept; below 1 for ever. Setting it removes what has expired.
     void setRetentionDays(std::int64_t days);
 
-    /// Adds an entry for a text; a blank one is no entry. `audioSource` is copied, and an entry whose
-    /// recording can't be copied is kept without.
+    /// Adds an entry for a text; a blank one is no entry. `audioSource`, which nobody changes any
+    /// more, is kept with it; an entry whose recording can't be kept is made without.
     void record(std::string_view text, std::string_view appName, std::string_view engine,
                 const std::optional<std::filesystem::path>& audioSource);
 

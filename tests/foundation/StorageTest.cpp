@@ -92,6 +92,21 @@ TEST(Files, MovesAcrossFileSystems) {
     EXPECT_FALSE(fs::exists(from));
 }
 
+TEST(Files, LinksOrCopiesRegularFilesAlone) {
+    const TempFolder folder;
+    writeFile(folder / "ton", "Ton");
+    ASSERT_EQ(::mkfifo((folder / "rohr").c_str(), 0600), 0);
+    const fs::path elsewhere = fs::path("/var/tmp") / ("querlin-" + newUuid());
+    EXPECT_TRUE(Files::linkOrCopy(folder / "ton", folder / "zweite"));
+    EXPECT_TRUE(Files::linkOrCopy(folder / "ton", elsewhere));
+    EXPECT_FALSE(Files::linkOrCopy(folder / "rohr", folder / "dritte"));
+    EXPECT_FALSE(Files::linkOrCopy(folder / "fehlt", folder / "vierte"));
+    fs::remove(folder / "ton");
+    EXPECT_EQ(contentOf(folder / "zweite"), "Ton");
+    EXPECT_EQ(contentOf(elsewhere), "Ton");
+    fs::remove(elsewhere);
+}
+
 TEST(Files, FindsNamesThatNobodyHas) {
     const TempFolder folder;
     const fs::path base = folder.path();
