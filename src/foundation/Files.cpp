@@ -128,7 +128,7 @@ std::string FileError::description() const {
         {std::errc::filename_too_long, "Der Dateiname ist zu lang"},
         {std::errc::io_error, "Lese- oder Schreibfehler des Datenträgers"},
     }};
-    const auto found = std::ranges::find_if(rows, [this](const Row& row) { return code == row.code; });
+    const auto* found = std::ranges::find_if(rows, [this](const Row& row) { return code == row.code; });
     return found == rows.end() ? code.message() : std::string(found->text);
 }
 
