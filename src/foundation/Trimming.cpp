@@ -55,4 +55,12 @@ std::string_view trimWhitespaceAndNewlines(std::string_view text) {
     return trimmed(text, isWhitespaceOrNewline);
 }
 
+bool endsInWhitespaceOrNewline(std::string_view text) {
+    return !text.empty() && isWhitespaceOrNewline(firstScalar(text.substr(lastScalarStart(text))));
+}
+
+std::string_view trimAnyOf(std::string_view text, std::u32string_view scalars) {
+    return trimmed(text, [scalars](char32_t scalar) { return scalars.contains(scalar); });
+}
+
 } // namespace querlin

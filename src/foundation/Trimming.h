@@ -10,5 +10,9 @@ std::string_view trimBlanksAndTabs(std::string_view text);
 /// Takes the categories Zs, Zl and Zp, U+0009 to U+000D and U+0085 off both ends, likewise:
 /// "\t\u00A0ja\n " -> "ja".
 std::string_view trimWhitespaceAndNewlines(std::string_view text);
+/// Whether the last scalar is of that set.
+bool endsInWhitespaceOrNewline(std::string_view text);
+/// Takes the scalars of a set off both ends: "(BGB)." with U"()." -> "BGB".
+std::string_view trimAnyOf(std::string_view text, std::u32string_view scalars);
 
 } // namespace querlin

@@ -2,6 +2,7 @@
 
 #include "foundation/Time.h"
 #include "state/TextBlock.h"
+#include "textchain/TextBlockExpander.h"
 
 #include <cstdint>
 #include <span>
@@ -28,18 +29,14 @@ public:
         /// Names of the commands found, in order, for the log.
         std::vector<std::string> appliedCommands;
     };
-    struct BlockOutcome {
-        std::string text;
-        /// Names of the blocks put in, in order, for the log.
-        std::vector<std::string> usedBlocks;
-    };
 
     virtual ~TextStages() = default;
 
     /// Spoken punctuation, line breaks and corrections: "hallo Komma Welt" -> "hallo, Welt".
     virtual CommandOutcome applyCommands(std::string_view text, CommandMode mode) = 0;
     /// "Baustein Grußformel" -> the block's content, its placeholders filled in for `now`.
-    virtual BlockOutcome expandBlocks(std::string_view text, std::span<const TextBlock> blocks, Date now) = 0;
+    virtual TextBlockExpander::Outcome expandBlocks(std::string_view text, std::span<const TextBlock> blocks,
+                                                    Date now) = 0;
     /// Spoken insertion of law texts, then citations: "Paragraf 5 BGB" -> "§ 5 BGB".
     virtual std::string processLawReferences(std::string_view text) = 0;
     /// Dates and file numbers in one form: "3. März 2024" -> "03.03.2024".

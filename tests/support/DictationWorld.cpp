@@ -86,7 +86,7 @@ TextStages::CommandOutcome FakeStages::applyCommands(std::string_view text, Comm
     return {mark(text, mode == CommandMode::compact ? "·C" : "·c"), false, applied};
 }
 
-TextStages::BlockOutcome FakeStages::expandBlocks(std::string_view text, std::span<const TextBlock>, Date) {
+TextBlockExpander::Outcome FakeStages::expandBlocks(std::string_view text, std::span<const TextBlock>, Date) {
     if (text.find("Baustein") == std::string_view::npos) return {std::string(text), {}};
     return {mark(text, "·b"), {"Anhörung", "Grußformel"}};
 }

@@ -105,7 +105,7 @@ private:
 class FakeStages final : public TextStages {
 public:
     CommandOutcome applyCommands(std::string_view text, CommandMode mode) override;
-    BlockOutcome expandBlocks(std::string_view text, std::span<const TextBlock> blocks, Date now) override;
+    TextBlockExpander::Outcome expandBlocks(std::string_view text, std::span<const TextBlock> blocks, Date now) override;
     std::string processLawReferences(std::string_view text) override { return mark(text, "·l"); }
     std::string formatLegally(std::string_view text) override { return mark(text, "·f"); }
     bool looksLikeAddress(std::string_view text, AddressTest test) override;

@@ -1,0 +1,108 @@
+#include "textchain/TextBlockExpander.h"
+
+#include "foundation/GermanFormat.h"
+#include "foundation/TextCase.h"
+#include "foundation/Trimming.h"
+#include "textchain/Words.h"
+
+#include <algorithm>
+
+namespace querlin::TextBlockExpander {
+
+namespace {
+
+constexpr std::array<std::string_view, 3> triggers = {"baustein", "textbaustein", "vorlage"};
+
+/// A block with its name as it is compared, word by word.
+struct SpokenBlock {
+    const TextBlock* block = nullptr;
+    std::vector<std::string> name;
+};
+
+std::vector<std::string> wordsOfName(std::string_view name) {
+    std::vector<std::string> words;
+    while (!name.empty()) {
+        const auto end = std::min(name.find(' '), name.size());
+        if (end > 0) words.push_back(comparedForm(name.substr(0, end)));
+        name.remove_prefix(std::min(end + 1, name.size()));
+    }
+    return words;
+}
+
+/// Names of more words first; blocks without a name can't be spoken.
+std::vector<SpokenBlock> inOrderOfMatching(std::span<const TextBlock> blocks) {
+    std::vector<SpokenBlock> spoken;
+    for (const auto& block : blocks) {
+        if (auto name = wordsOfName(block.name); !name.empty()) spoken.push_back({&block, std::move(name)});
+    }
+    std::ranges::stable_sort(spoken, std::greater(),
+                             [](const SpokenBlock& block) { return block.name.size(); });
+    return spoken;
+}
+
+const SpokenBlock* blockAt(std::span<const SpokenBlock> blocks, std::span<const std::string> words) {
+    const auto found = std::ranges::find_if(blocks, [words](const SpokenBlock& block) {
+        return block.name.size() <= words.size() &&
+               std::ranges::equal(block.name, words.first(block.name.size()));
+    });
+    return found == blocks.end() ? nullptr : &*found;
+}
+
+void appendContent(std::string& text, const std::string& content) {
+    if (!text.empty() && !endsInWhitespaceOrNewline(text)) text += ' ';
+    text += content;
+}
+
+std::string valueOf(std::string_view placeholder, Date now) {
+    if (placeholder == placeholders[0]) return germanDate(now);
+    if (placeholder == placeholders[1]) return germanTime(now);
+    if (placeholder == placeholders[2]) return germanWeekday(now);
+    return std::to_string(localTime(now).year);
+}
+
+} // namespace
+
+Outcome expand(std::string_view text, std::span<const TextBlock> blocks, Date now) {
+    if (blocks.empty()) return {std::string(text), {}};
+    const auto spoken = inOrderOfMatching(blocks);
+    const auto words = splitIntoWords(text).words;
+    std::vector<std::string> compared;
+    for (const auto& [gap, word] : words) compared.push_back(comparedForm(word));
+
+    Outcome outcome;
+    for (std::size_t at = 0; at < words.size();) {
+        const bool isTrigger = std::ranges::count(triggers, compared[at]) > 0;
+        const auto* match = isTrigger ? blockAt(spoken, std::span(compared).subspan(at + 1)) : nullptr;
+        if (match) {
+            appendContent(outcome.text, fillPlaceholders(match->block->content, now));
+            outcome.usedBlocks.push_back(match->block->name);
+            at += 1 + match->name.size();
+        } else {
+            outcome.text.append(words[at].gap).append(words[at].word);
+            ++at;
+        }
+    }
+    return outcome;
+}
+
+std::string fillPlaceholders(std::string_view content, Date now) {
+    std::string filled;
+    while (!content.empty()) {
+        const auto open = std::min(content.find('{'), content.size());
+        filled += content.substr(0, open);
+        content.remove_prefix(open);
+        const auto found = std::ranges::find_if(placeholders, [content](std::string_view placeholder) {
+            return equalIgnoringCase(content.substr(0, placeholder.size()), placeholder);
+        });
+        if (found != placeholders.end()) {
+            filled += valueOf(*found, now);
+            content.remove_prefix(found->size());
+        } else if (!content.empty()) {
+            filled += '{';
+            content.remove_prefix(1);
+        }
+    }
+    return filled;
+}
+
+} // namespace querlin::TextBlockExpander

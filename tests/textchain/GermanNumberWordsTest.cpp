@@ -1,0 +1,82 @@
+#include "textchain/GermanNumberWords.h"
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+/// A number as it is spoken in one word, put together from the other end.
+std::string spoken(int number) {
+    static const std::array<std::string, 20> small = {"",         "ein",      "zwei",     "drei",     "vier",     "fünf",    "sechs",
+                                                      "sieben",   "acht",     "neun",     "zehn",     "elf",      "zwölf",   "dreizehn",
+                                                      "vierzehn", "fünfzehn", "sechzehn", "siebzehn", "achtzehn", "neunzehn"};
+    static const std::array<std::string, 10> tens = {"",        "",        "zwanzig", "dreißig", "vierzig",
+                                                     "fünfzig", "sechzig", "siebzig", "achtzig", "neunzig"};
+    const auto at = [](const auto& words, int index) { return words.at(static_cast<std::size_t>(index)); };
+    if (number >= 1000) return spoken(number / 1000) + "tausend" + spoken(number % 1000);
+    if (number >= 100) return spoken(number / 100) + "hundert" + spoken(number % 100);
+    if (number < 20) return at(small, number);
+    return number % 10 == 0 ? at(tens, number / 10) : at(small, number % 10) + "und" + at(tens, number / 10);
+}
+
+TEST(GermanNumberWords, ReadsEveryNumberUpToAHundredThousand) {
+    for (int number = 1; number < 100'000; ++number) ASSERT_EQ(GermanNumberWords::parseWord(spoken(number)), number) << spoken(number);
+}
+
+TEST(GermanNumberWords, ReadsSpeltAndSpokenVariantsAndNothingElse) {
+    using Value = std::optional<std::int64_t>;
+    const std::vector<std::tuple<std::string_view, Value, const char*>> rows = {
+        {"null", 0, "zero"},
+        {"eine", 1, "declined"},
+        {"zwoundzwanzig", 22, "zwo"},
+        {"Dreißig", 30, "capital"},
+        {"DREISSIG", 30, "capitals"},
+        {"fuenf", 5, "folded"},
+        {"fu\u0308nf", 5, "decomposed"},
+        {" zwei\t", 2, "blanks around"},
+        {"\nzwei", std::nullopt, "a line break is no blank"},
+        {"tausend", 1000, "without a factor"},
+        {"hunderteins", 101, "behind hundred"},
+        {"achtzehnhundertvierzehn", 1814, "a teen of hundreds"},
+        {"einundzwanzigtausend", 21000, "und before tausend"},
+        {"zweitausendfünfhundert", 2500, "tausend goes before hundert"},
+        {"hundertundeins", std::nullopt, "und joins a unit and a ten only"},
+        {"sechszehn", std::nullopt, "misspelt"},
+        {"siebenzig", std::nullopt, "misspelt"},
+        {"und", std::nullopt, "bare"},
+        {"Hund", std::nullopt, "a noun with und"},
+        {"Jahrhundert", std::nullopt, "a noun with hundert"},
+        {"tausendmal", std::nullopt, "more behind"},
+        {"", std::nullopt, "empty"},
+        {"fuenfzehnundzwanzig", std::nullopt, "a teen is no unit"}};
+    for (const auto& [word, value, reason] : rows) EXPECT_EQ(GermanNumberWords::parseWord(word), value) << reason;
+}
+
+TEST(GermanNumberWords, TakesAMegabyteInOneWord) {
+    // Scale words one behind the other are a sum; nothing else of this kind is a number.
+    const std::vector<std::pair<std::string_view, bool>> rows = {
+        {"tausend", true}, {"hundert", true}, {"und", false}, {"einund", false}, {"ß", false}};
+    for (const auto& [part, isNumber] : rows) {
+        std::string word;
+        while (word.size() < 1'000'000) word += part;
+        EXPECT_EQ(GermanNumberWords::isNumberWord(word), isNumber) << part;
+    }
+}
+
+TEST(GermanNumberWords, WritesSequencesAsDigits) {
+    using Words = std::vector<std::string_view>;
+    const std::vector<std::tuple<Words, std::optional<std::string>, const char*>> rows = {
+        {{"zwei"}, "2", "one word"},
+        {{"eins", "vier"}, "14", "digit by digit"},
+        {{"neunzehn", "sechsundneunzig"}, "1996", "groups"},
+        {{"hundert", "zwei"}, "102", "from 100 on they add up"},
+        {{"achtzehnhundert", "vierzehn"}, "1814", "likewise"},
+        {{"null", "acht"}, "08", "a leading zero stays"},
+        {{"eins", "Haus"}, std::nullopt, "no number among them"},
+        {{" "}, std::nullopt, "blank"},
+        {{}, std::nullopt, "none"}};
+    for (const auto& [words, digits, reason] : rows) EXPECT_EQ(GermanNumberWords::digits(words), digits) << reason;
+}
+
+} // namespace
+} // namespace querlin

@@ -1,0 +1,53 @@
+#include "textchain/Tokenizer.h"
+
+#include <random>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+using Tokenizer::Token;
+using Tokens = std::vector<Token>;
+
+TEST(Tokenizer, SplitsIntoRawAndNormalized) {
+    const std::vector<std::tuple<std::string_view, Tokens, const char*>> rows = {
+        {"", {}, "no text"},
+        {"  ", {{"  ", ""}}, "white space alone"},
+        {"Hallo, Welt.", {{"Hallo,", "hallo"}, {" Welt.", "welt"}}, "the gap belongs to the word behind it"},
+        {"Hallo \n", {{"Hallo", "hallo"}, {" \n", ""}}, "a gap at the end is a token of its own"},
+        {"a – „z.B.“", {{"a", "a"}, {" –", ""}, {" „z.B.“", "z.b"}}, "punctuation alone, and within a word"},
+        {"§\u00A05\u2028U\u0308BER", {{"§", "§"}, {"\u00A05", "5"}, {"\u2028U\u0308BER", "über"}}, "odd white space, decomposed capital"},
+    };
+    for (const auto& [text, tokens, reason] : rows) EXPECT_EQ(Tokenizer::split(text), tokens) << reason;
+}
+
+TEST(Tokenizer, JoinsWhatItSplitAndPartsWhatAStageMade) {
+    std::istringstream parted("a|Ö|,|.|(|„| |  |\n|\r\n|\t|\u00A0|\u2028|\u0308|👩‍⚖️|§|\xFF|–");
+    std::vector<std::string> pieces;
+    for (std::string piece; std::getline(parted, piece, '|');) pieces.push_back(piece);
+    std::mt19937 random(3);
+    for (int round = 0; round < 5000; ++round) {
+        std::string text;
+        for (int i = 0; i < 12; ++i) text += pieces[std::uniform_int_distribution<std::size_t>(0, pieces.size() - 1)(random)];
+        ASSERT_EQ(Tokenizer::join(Tokenizer::split(text)), text);
+    }
+    const Token made{"§ 1814 BGB", ""};
+    EXPECT_EQ(Tokenizer::join(Tokens{{"siehe", "siehe"}, made, {", ja", "ja"}}), "siehe § 1814 BGB, ja");
+    EXPECT_EQ(Tokenizer::join(Tokens{{"siehe\n", "siehe"}, made}), "siehe\n§ 1814 BGB") << "behind a line break";
+    EXPECT_EQ(Tokenizer::join(Tokens{{"siehe", "siehe"}, {"\n§ 5", ""}}), "siehe\n§ 5") << "with a gap of its own";
+    EXPECT_EQ(Tokenizer::join(Tokens{made}), "§ 1814 BGB") << "at the beginning";
+}
+
+TEST(Tokenizer, TellsGapAndClosingPunctuation) {
+    EXPECT_EQ(Tokenizer::leadingWhitespace("\n  Wort"), "\n  ");
+    EXPECT_EQ(Tokenizer::leadingWhitespace("Wort "), "");
+    EXPECT_EQ(Tokenizer::leadingWhitespace(" \t"), " \t");
+    const std::vector<std::pair<std::string_view, std::string_view>> rows = {
+        {"BGB).", ")."}, {"BGB", ""}, {"(BGB", ""}, {"BGB“–", "“–"}, {"BGB—", ""}, {"BGB.\u0308", ""}, {"?!", "?!"}, {"", ""}};
+    for (const auto& [raw, closing] : rows) EXPECT_EQ(Tokenizer::trailingPunctuation(raw), closing) << raw;
+}
+
+} // namespace
+} // namespace querlin
