@@ -67,6 +67,7 @@ Outcome expand(std::string_view text, std::span<const TextBlock> blocks, Date no
     const auto spoken = inOrderOfMatching(blocks);
     const auto words = splitIntoWords(text).words;
     std::vector<std::string> compared;
+    compared.reserve(words.size());
     for (const auto& [gap, word] : words) compared.push_back(comparedForm(word));
 
     Outcome outcome;
@@ -91,7 +92,7 @@ std::string fillPlaceholders(std::string_view content, Date now) {
         const auto open = std::min(content.find('{'), content.size());
         filled += content.substr(0, open);
         content.remove_prefix(open);
-        const auto found = std::ranges::find_if(placeholders, [content](std::string_view placeholder) {
+        const auto* found = std::ranges::find_if(placeholders, [content](std::string_view placeholder) {
             return equalIgnoringCase(content.substr(0, placeholder.size()), placeholder);
         });
         if (found != placeholders.end()) {
