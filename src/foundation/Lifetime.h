@@ -7,18 +7,10 @@
 
 namespace querlin {
 
-/// Held by an object whose callbacks others keep: what `onMain` and `whileAlive` make does nothing
-/// once the object is gone. Declare it last, so that it goes first.
+/// Held by an object whose callbacks others keep: what `onMain` makes does nothing once
+/// the object is gone. Declare it last, so that it goes first.
 class Lifetime {
 public:
-    /// Wraps `call` for callers on the main thread.
-    template<class Call>
-    auto whileAlive(Call call) const {
-        return [weak = std::weak_ptr(token_), call = std::move(call)](auto... arguments) mutable {
-            if (!weak.expired()) call(std::move(arguments)...);
-        };
-    }
-
     /// Wraps `call` for callers on any thread: each call is posted to the main thread and made there.
     template<class Call>
     auto onMain(MainQueue& queue, Call call) const {

@@ -11,6 +11,7 @@
 #include "foundation/Uuid.h"
 #include "state/DiagnosticsLog.h"
 #include "state/JsonFields.h"
+#include "state/JsonRecord.h"
 
 #include <algorithm>
 #include <numeric>
@@ -30,18 +31,6 @@ constexpr std::size_t previewLengthInCharacters = 90;
 bool isPlainFileName(const std::string& name) {
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos &&
            name.find('\0') == std::string::npos;
-}
-
-std::optional<std::vector<DictationEntry>> decode(std::string_view text) {
-    const auto json = Json::parse(text);
-    if (!json || !json->array()) return std::nullopt;
-    std::vector<DictationEntry> entries;
-    for (const auto& element : *json->array()) {
-        auto entry = readJson(element, static_cast<const DictationEntry*>(nullptr));
-        if (!entry) return std::nullopt;
-        entries.push_back(std::move(*entry));
-    }
-    return entries;
 }
 
 } // namespace
@@ -98,7 +87,8 @@ void DictationHistory::load() {
         indexIsForeign_ = !content.error().isMissing();
         return;
     }
-    if (auto decoded = decode(*content)) {
+    const auto json = Json::parse(*content);
+    if (auto decoded = json ? fromJson<std::vector<DictationEntry>>(*json) : std::nullopt) {
         entries_.set(std::move(*decoded));
     } else {
         indexIsForeign_ = true;
@@ -113,9 +103,8 @@ void DictationHistory::save() {
         DiagnosticsLog::note("history", fmt::format("Verlauf war nicht lesbar – beiseitegelegt als {}.",
                                                     place->filename().string()));
     }
-    JsonValue::Array array;
-    for (const auto& entry : entries()) array.push_back(toJson(entry));
-    if (Files::makeFolder(folder_)) (void)Files::writeAtomically(indexFile(), Json::pretty(array));
+    if (Files::makeFolder(folder_))
+        (void)Files::writeAtomically(indexFile(), Json::pretty(toJson(entries())));
 }
 
 void DictationHistory::setRetentionDays(std::int64_t days) {

@@ -1,14 +1,13 @@
 #pragma once
 
-#include "foundation/Json.h"
 #include "foundation/Published.h"
 #include "foundation/RawValues.h"
+#include "state/JsonRecord.h"
 #include "state/PreferencesStore.h"
 
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace querlin {
 
@@ -57,13 +56,6 @@ struct StoredForm<Enum> {
     }
 };
 
-/// A record with `toJson` and `readJson` beside it.
-template<class Record>
-concept JsonRecord = requires(const Record& record, const JsonValue& json) {
-    toJson(record);
-    readJson(json, &record);
-};
-
 /// Records are stored as the bytes of their JSON.
 template<JsonRecord Record>
 struct StoredForm<Record> {
@@ -71,32 +63,12 @@ struct StoredForm<Record> {
         const auto data = store.get<PreferenceData>(key);
         if (!data) return std::nullopt;
         const auto json = Json::parse(data->bytes);
-        return json ? readJson(*json, static_cast<const Record*>(nullptr)) : std::nullopt;
+        return json ? fromJson<Record>(*json) : std::nullopt;
     }
     static void write(PreferencesStore& store, std::string_view key, const Record& record) {
         store.set(key, PreferenceData{Json::compact(toJson(record))});
     }
 };
-
-/// Lists of records are one JSON array; a single bad element makes the list undecodable.
-template<JsonRecord Record>
-JsonValue toJson(const std::vector<Record>& records) {
-    JsonValue::Array array;
-    for (const auto& record : records) array.push_back(toJson(record));
-    return array;
-}
-
-template<JsonRecord Record>
-std::optional<std::vector<Record>> readJson(const JsonValue& json, const std::vector<Record>*) {
-    if (!json.array()) return std::nullopt;
-    std::vector<Record> records;
-    for (const auto& element : *json.array()) {
-        auto record = readJson(element, static_cast<const Record*>(nullptr));
-        if (!record) return std::nullopt;
-        records.push_back(std::move(*record));
-    }
-    return records;
-}
 
 /// One setting: a published value that mirrors a key of the store. It is read once; each assignment
 /// tells the observers and is stored at once. Main thread only.
@@ -109,7 +81,7 @@ public:
     const Value& get() const { return value_.get(); }
     void set(const Value& value) {
         value_.set(value);
-        StoredForm<Value>::write(store_, key_, value);
+        StoredForm<Value>::write(store_, key_, value_.get()); // An observer may have put it right.
     }
     Registration subscribe(typename Published<Value>::Subscriber subscriber,
                            FirstValue first = FirstValue::Deliver) const {

@@ -11,17 +11,6 @@ using Kind = DictationPhase::Kind;
 using Sounds = std::vector<FeedbackSound>;
 using enum FeedbackSound;
 
-TEST(Controller, AFreshOneIsAtRest) {
-    const DictationWorld w;
-    EXPECT_EQ(w.controller.phase().get(), DictationPhase());
-    EXPECT_EQ(w.controller.lastEngineName().get(), "–");
-    EXPECT_EQ(w.controller.elapsedDescription().get(), "0:00");
-    EXPECT_EQ(w.controller.context().get(), DictationContext());
-    EXPECT_EQ(w.controller.effectiveStyle().get(), EffectiveStyle());
-    EXPECT_TRUE(w.log.has("[controller] installHotkey → OK"));
-    EXPECT_TRUE(w.log.has("[notify] Mitteilungen erlaubt"));
-}
-
 TEST(Controller, AHoldGoesThroughAllPhasesToDelivery) {
     DictationWorld w;
     w.press();

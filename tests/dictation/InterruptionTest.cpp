@@ -174,13 +174,5 @@ TEST(Shutdown, WithoutPartialTextThePlaceholderStandsForTheAudio) {
     EXPECT_EQ(afterFailedStart.rescuedRecordings(), 1U);
 }
 
-TEST(Shutdown, LeavesACancelledDictationAlone) {
-    DictationWorld w;
-    bringTo(w, Kind::enhancing);
-    w.controller.cancelDictation();
-    w.controller.shutdown();
-    EXPECT_TRUE(w.rescuedTexts().empty());
-}
-
 } // namespace
 } // namespace querlin

@@ -249,6 +249,12 @@ TEST_F(SettingsTest, AssigningTellsObserversAndTheFileAtOnce) {
     settings.inputDeviceUID.set(std::nullopt);
     EXPECT_EQ(heard, (std::vector<std::optional<std::string>>{std::nullopt, "usb", "usb", std::nullopt}));
     EXPECT_FALSE(PreferencesStore(file, time).contains("inputDeviceUID")) << "none removes the key";
+
+    const auto clamp = settings.contextualLimit.subscribe([&](std::int64_t limit) {
+        if (limit > 500) settings.contextualLimit.set(500);
+    });
+    settings.contextualLimit.set(900);
+    EXPECT_EQ(PreferencesStore(file, time).get<std::int64_t>("contextualLimit"), 500) << "an observer's correction is what is kept";
 }
 
 TEST_F(SettingsTest, UserTermsAreTrimmedUniqueAndSorted) {
