@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cleanup/EffectiveStyle.h"
-#include "cleanup/Enhancement.h"
+#include "cleanup/EnhancementCoordinator.h"
 #include "desktop/CorrectionWatcher.h"
 #include "desktop/DictationContext.h"
 #include "desktop/HotkeyManager.h"

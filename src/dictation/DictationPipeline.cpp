@@ -4,6 +4,7 @@
 
 #include "foundation/Waiting.h"
 #include "state/DiagnosticsLog.h"
+#include "textchain/Transcript.h"
 
 #include <typeinfo>
 
@@ -77,7 +78,7 @@ Task<DictationController::RunEnd> DictationController::processAndDeliver(RunPoin
         nothingHeard(*run);
         co_return RunEnd::Undelivered;
     }
-    keepText(*run, std::move(*transcript));
+    keepText(*run, normalizedTranscript(*transcript));
 
     if (!applyCommands(*run)) {
         discardOnCommand(*run);
@@ -133,8 +134,8 @@ Task<std::expected<std::string, TranscriptionError>> DictationController::transc
 /// False if the speaker has taken everything back.
 bool DictationController::applyCommands(DictationRun& run) {
     if (!with_.settings.dictationCommandsEnabled.get()) return true;
-    auto outcome = with_.textStages.applyCommands(run.text, run.style.compactText ? CommandMode::compact
-                                                                                  : CommandMode::prose);
+    using DictationCommands::Mode;
+    auto outcome = with_.textStages.applyCommands(run.text, run.style.compactText ? Mode::compact : Mode::prose);
     if (outcome.discardedEverything) return false;
     if (!outcome.appliedCommands.empty()) {
         DiagnosticsLog::trace("commands", "angewandt: " + joined(outcome.appliedCommands));
@@ -160,9 +161,8 @@ void DictationController::applyDeterministicStages(DictationRun& run) {
         run.text = std::move(expanded.text);
     }
     applyLawStages(run);
-    const bool isAddress =
-        stages.looksLikeAddress(run.text, run.style.compactText ? AddressTest::lenient : AddressTest::strict);
-    keepText(run, isAddress ? stages.compactWholeText(run.text) : stages.compactAddresses(run.text));
+    using URLFormatting::AddressTest;
+    keepText(run, stages.compactAddresses(run.text, run.style.compactText ? AddressTest::lenient : AddressTest::strict));
 }
 
 void DictationController::applyLawStages(DictationRun& run) {
@@ -186,7 +186,7 @@ Task<> DictationController::polish(RunPointer run) {
 
 void DictationController::nameEngineWithoutModel(DictationRun& run) {
     const auto mode = with_.settings.cleanupMode.get();
-    nameEngine(run, mode == CleanupMode::none ? "Roh" : "Regelbasiert");
+    nameEngine(run, std::string(mode == CleanupMode::none ? EngineName::raw : EngineName::rules));
     if (usesModel(mode)) DiagnosticsLog::trace("context", "Feinschliff ausgelassen: " + run.style.reason);
 }
 

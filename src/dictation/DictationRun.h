@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cleanup/EffectiveStyle.h"
-#include "cleanup/Enhancement.h"
+#include "cleanup/TextEnhancer.h"
 #include "desktop/DictationContext.h"
 #include "desktop/SystemSignals.h"
 #include "speech/StreamingTranscriber.h"

@@ -79,12 +79,13 @@ Stretch latinCharacters(std::string_view prefix) {
 
 } // namespace
 
-std::size_t Graphemes::firstLengthBeyondAscii(std::string_view text) {
+std::size_t Graphemes::firstLengthBeyondLatin(std::string_view text) {
     if (text.front() == '\r') return text.substr(1).starts_with('\n') ? 2 : 1;
     const auto byteAt = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const bool isLatin = byteAt(0) >= 0xC2 && byteAt(0) < firstCombiningLead && text.size() > 2 &&
-                         (byteAt(1) & 0xC0U) == 0x80 && byteAt(2) < firstCombiningLead;
-    if (isLatin) return 2;
+    // Dashes and quotes, U+2010 to U+2027.
+    const bool isPunctuation = byteAt(0) == 0xE2 && text.size() > 3 && byteAt(1) == 0x80 && byteAt(2) >= 0x90 &&
+                               byteAt(2) <= 0xA7 && byteAt(3) < firstCombiningLead;
+    if (isPunctuation) return 3;
     const auto first = decodeScalar(text);
     const auto next = text.substr(first.lengthInBytes);
     if (next.empty() || (standsAlone(first.scalar) && standsAlone(firstScalar(next))))
@@ -115,6 +116,24 @@ std::string_view firstGraphemes(std::string_view text, std::size_t count) {
     auto rest = text;
     for (; count > 0 && !rest.empty(); --count) rest.remove_prefix(Graphemes::firstLength(rest));
     return text.substr(0, text.size() - rest.size());
+}
+
+std::string_view lastGrapheme(std::string_view text) {
+    if (text.empty()) return text;
+    // From an ASCII byte behind another ASCII byte on, the characters don't depend on what is before them.
+    const auto isAscii = [text](std::size_t i) { return static_cast<unsigned char>(text[i]) < 0x80; };
+    const auto begins = [&](std::size_t i) {
+        return isAscii(i) && isAscii(i - 1) && !(text[i] == '\n' && text[i - 1] == '\r');
+    };
+    auto at = text.size() - 1;
+    while (at > 0 && !begins(at)) --at;
+    auto rest = text.substr(at);
+    auto last = rest;
+    while (!rest.empty()) {
+        last = rest.substr(0, Graphemes::firstLength(rest));
+        rest.remove_prefix(last.size());
+    }
+    return last;
 }
 
 } // namespace querlin

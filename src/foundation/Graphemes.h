@@ -53,14 +53,16 @@ public:
         const auto byteAt = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
         if (byteAt(0) < 0x80 && byteAt(0) != '\r' && (text.size() == 1 || byteAt(1) < firstCombiningLead))
             return 1;
-        return firstLengthBeyondAscii(text);
+        const bool isLatin = byteAt(0) >= 0xC2 && byteAt(0) < firstCombiningLead && text.size() > 2 &&
+                             (byteAt(1) & 0xC0U) == 0x80 && byteAt(2) < firstCombiningLead;
+        return isLatin ? 2 : firstLengthBeyondLatin(text);
     }
 
 private:
     /// Lead bytes from here on may begin a scalar that joins the one before it (U+0300 and up).
     static constexpr unsigned char firstCombiningLead = 0xCC;
 
-    static std::size_t firstLengthBeyondAscii(std::string_view text);
+    static std::size_t firstLengthBeyondLatin(std::string_view text);
 
     std::string_view text_;
 };
@@ -71,5 +73,8 @@ std::size_t graphemeCount(std::string_view text);
 /// The longest beginning of a text that has no more than `count` characters: 2 of "Bo\u0308e" are
 /// "Bo\u0308".
 std::string_view firstGraphemes(std::string_view text, std::size_t count);
+
+/// The last character; empty for the empty text.
+std::string_view lastGrapheme(std::string_view text);
 
 } // namespace querlin

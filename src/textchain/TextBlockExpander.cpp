@@ -1,9 +1,12 @@
 #include "textchain/TextBlockExpander.h"
 
+#include "foundation/Characters.h"
 #include "foundation/GermanFormat.h"
+#include "foundation/Graphemes.h"
+#include "foundation/Requirement.h"
 #include "foundation/TextCase.h"
 #include "foundation/Trimming.h"
-#include "textchain/Words.h"
+#include "foundation/Words.h"
 
 #include <algorithm>
 
@@ -53,6 +56,11 @@ void appendContent(std::string& text, const std::string& content) {
     text += content;
 }
 
+std::string_view withoutTrailingGap(std::string_view text) {
+    for (auto last = lastGrapheme(text); isWhitespace(last); last = lastGrapheme(text)) text.remove_suffix(last.size());
+    return text;
+}
+
 std::string valueOf(std::string_view placeholder, Date now) {
     if (placeholder == placeholders[0]) return germanDate(now);
     if (placeholder == placeholders[1]) return germanTime(now);
@@ -64,6 +72,8 @@ std::string valueOf(std::string_view placeholder, Date now) {
 
 Outcome expand(std::string_view text, std::span<const TextBlock> blocks, Date now) {
     if (blocks.empty()) return {std::string(text), {}};
+    constexpr auto trigger = Requirement::oneOf("baustein|vorlage");
+    if (!trigger.isMetBy(text)) return {std::string(withoutTrailingGap(text)), {}};
     const auto spoken = inOrderOfMatching(blocks);
     const auto words = splitIntoWords(text).words;
     std::vector<std::string> compared;

@@ -3,7 +3,7 @@
 #include "foundation/Characters.h"
 #include "foundation/Graphemes.h"
 #include "foundation/Trimming.h"
-#include "textchain/Words.h"
+#include "foundation/Words.h"
 
 namespace querlin::Tokenizer {
 

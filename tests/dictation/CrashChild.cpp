@@ -27,7 +27,7 @@ int runDictation(const std::filesystem::path& folder, TextInserter::Outcome outc
     with.settings.historyKeepAudio.set(true);
     with.settings.cleanupMode.set(CleanupMode::local);
     with.services.script.delay = std::chrono::milliseconds(8);
-    with.coordinator.delay = std::chrono::milliseconds(8);
+    with.model.delay = std::chrono::milliseconds(8);
     with.inserter.delay = std::chrono::milliseconds(10);
     with.inserter.next = outcome;
     with.inserter.onDelivered = [] { tell('d'); };

@@ -29,7 +29,9 @@ public:
         w.stages.lawStageThrows = chance(0.02);
         w.permissions.microphone = chance(0.02) ? PermissionState::denied : PermissionState::granted;
         if (chance(0.03)) w.recorder.nextStartError = AudioRecorderError{};
-        w.coordinator.delay = seconds(between(0, 3));
+        w.model.delay = seconds(between(0, 3));
+        w.model.next = chance(0.1) ? LanguageModel::State::loading : LanguageModel::State::available;
+        w.model.fault = chance(0.2) ? std::optional("kaputt") : std::nullopt;
         w.inserter.delay = seconds(between(0, 1));
 
         w.press();

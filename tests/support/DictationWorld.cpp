@@ -78,12 +78,12 @@ std::string FakeStages::mark(std::string_view text, std::string_view sign) const
     return marks ? std::string(text) + std::string(sign) : std::string(text);
 }
 
-TextStages::CommandOutcome FakeStages::applyCommands(std::string_view text, CommandMode mode) {
+DictationCommands::Outcome FakeStages::applyCommands(std::string_view text, DictationCommands::Mode mode) {
     if (text.find("alles verwerfen") != std::string_view::npos) return {std::string(text), true, {"alles verwerfen"}};
     if (text == "streiche das") return {"", false, {"streiche das"}};
     std::vector<std::string> applied;
     if (text.find("Komma") != std::string_view::npos) applied = {"Komma", "Punkt"};
-    return {mark(text, mode == CommandMode::compact ? "·C" : "·c"), false, applied};
+    return {mark(text, mode == DictationCommands::Mode::compact ? "·C" : "·c"), false, applied};
 }
 
 TextBlockExpander::Outcome FakeStages::expandBlocks(std::string_view text, std::span<const TextBlock>, Date) {
@@ -91,12 +91,12 @@ TextBlockExpander::Outcome FakeStages::expandBlocks(std::string_view text, std::
     return {mark(text, "·b"), {"Anhörung", "Grußformel"}};
 }
 
-bool FakeStages::looksLikeAddress(std::string_view text, AddressTest test) {
-    addressTests.push_back(test);
-    return text.starts_with("www");
+std::string FakeStages::compactAddresses(std::string_view text, URLFormatting::AddressTest test) {
+    return mark(text, test == URLFormatting::AddressTest::strict ? "·u" : "·U");
 }
 
-Task<std::expected<std::string, EnhancementError>> FakeEnhancer::enhance(std::string text, DictationLanguage, WritingStyle, TextTreatment) {
+Task<std::expected<std::string, EnhancementError>> FakeEnhancer::enhance(std::string text, DictationLanguage, WritingStyle, TextTreatment treatment) {
+    treatments.push_back(treatment);
     auto work = [this, text] { return stages_.marks ? text + "·r" : text; };
     auto cleaned = co_await background(runtime_, std::move(work));
     if (fails) {
@@ -106,12 +106,36 @@ Task<std::expected<std::string, EnhancementError>> FakeEnhancer::enhance(std::st
     co_return cleaned;
 }
 
-Task<EnhancementOutcome> FakeCoordinator::run(std::string text, WritingStyle, TextTreatment treatment) {
-    treatments.push_back(treatment);
-    co_await sleepFor(runtime_.mainQueue, delay);
-    EnhancementOutcome outcome{stages_.marks ? text + "·m" : text, fallbackReason ? "Regelbasiert (offline)" : "Lokal (Apple)",
-                               fallbackReason};
-    co_return outcome;
+// FakeLanguageModel
+
+namespace {
+
+class FakeSession final : public LanguageModelSession {
+public:
+    FakeSession(const FakeLanguageModel& model, MainQueue& queue, std::string mark) :
+        queue_(queue), delay_(model.delay), fault_(model.fault), mark_(std::move(mark)) {}
+    void prewarm() override {}
+    Task<std::expected<std::string, EnhancementError>> respond(std::string prompt, double) override {
+        co_await sleepFor(queue_, delay_);
+        if (fault_) {
+            EnhancementError error{*fault_};
+            co_return std::unexpected(std::move(error));
+        }
+        const auto start = prompt.find('\n') + 1;
+        co_return prompt.substr(start, prompt.rfind('\n') - start) + mark_;
+    }
+
+private:
+    MainQueue& queue_;
+    Duration delay_;
+    std::optional<std::string> fault_;
+    std::string mark_;
+};
+
+} // namespace
+
+std::unique_ptr<LanguageModelSession> FakeLanguageModel::makeSession(std::string) {
+    return std::make_unique<FakeSession>(*this, queue_, stages_.marks ? "·m" : "");
 }
 
 // FakeServices
@@ -148,14 +172,19 @@ DictationCollaborators FakeSurroundings::collaborators() {
             .audioDevices = services,
             .transcribers = services,
             .vocabulary = services,
-            .textStages = stages,
-            .ruleBasedEnhancer = enhancer,
+            .textStages = work == TextWork::real ? static_cast<TextStages&>(realStages) : stages,
+            .ruleBasedEnhancer = rules(),
             .enhancement = coordinator};
+}
+
+TextEnhancer& FakeSurroundings::rules() {
+    if (work == TextWork::real) return realEnhancer;
+    return enhancer;
 }
 
 // DictationWorld
 
-DictationWorld::DictationWorld() : FakeSurroundings(time.runtime(), folder.path()) {
+DictationWorld::DictationWorld(TextWork textWork) : FakeSurroundings(time.runtime(), folder.path(), textWork) {
     controller.start();
     time.settle();
 }

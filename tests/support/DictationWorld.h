@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cleanup/RuleBasedEnhancer.h"
 #include "dictation/DictationController.h"
 #include "foundation/OneShot.h"
 #include "support/CapturedLog.h"
@@ -104,18 +105,15 @@ private:
 /// so that the finished text tells the order of the stages. "alles verwerfen" discards.
 class FakeStages final : public TextStages {
 public:
-    CommandOutcome applyCommands(std::string_view text, CommandMode mode) override;
+    DictationCommands::Outcome applyCommands(std::string_view text, DictationCommands::Mode mode) override;
     TextBlockExpander::Outcome expandBlocks(std::string_view text, std::span<const TextBlock> blocks, Date now) override;
     std::string processLawReferences(std::string_view text) override { return mark(text, "·l"); }
     std::string formatLegally(std::string_view text) override { return mark(text, "·f"); }
-    bool looksLikeAddress(std::string_view text, AddressTest test) override;
-    std::string compactWholeText(std::string_view text) override { return mark(text, "·w"); }
-    std::string compactAddresses(std::string_view text) override { return mark(text, "·u"); }
+    std::string compactAddresses(std::string_view text, URLFormatting::AddressTest test) override;
 
     bool marks = true;
     /// A stage that breaks in a way nobody expects.
     bool lawStageThrows = false;
-    std::vector<AddressTest> addressTests;
 
 private:
     std::string mark(std::string_view text, std::string_view sign) const;
@@ -127,24 +125,28 @@ public:
     Task<std::expected<std::string, EnhancementError>> enhance(std::string text, DictationLanguage language, WritingStyle style,
                                                                TextTreatment treatment) override;
     bool fails = false;
+    std::vector<TextTreatment> treatments;
 
 private:
     FakeStages& stages_;
     Runtime runtime_;
 };
 
-class FakeCoordinator final : public EnhancementCoordinator {
+/// Answers with the dictation that it finds in the prompt and the mark "·m".
+class FakeLanguageModel final : public LanguageModel {
 public:
-    FakeCoordinator(FakeStages& stages, Runtime runtime) : stages_(stages), runtime_(runtime) {}
-    Task<EnhancementOutcome> run(std::string text, WritingStyle style, TextTreatment treatment) override;
+    FakeLanguageModel(FakeStages& stages, MainQueue& queue) : stages_(stages), queue_(queue) {}
+    State state() const override { return next; }
+    std::unique_ptr<LanguageModelSession> makeSession(std::string instructions) override;
 
-    std::optional<std::string> fallbackReason;
+    State next = State::available;
     Duration delay = seconds(1.5);
-    std::vector<TextTreatment> treatments;
+    /// Every answer fails with this.
+    std::optional<std::string> fault;
 
 private:
     FakeStages& stages_;
-    Runtime runtime_;
+    MainQueue& queue_;
 };
 
 class FakeHotkey final : public HotkeyManager {
@@ -257,10 +259,14 @@ private:
     MainQueue& queue_;
 };
 
+/// Who works on the text: fakes that leave marks, or the stages and rules of the program.
+enum class TextWork : std::uint8_t { marked, real };
+
 /// Everything around a controller, scripted, on the time and in the folder that are given. Files are
 /// real.
 struct FakeSurroundings {
-    FakeSurroundings(Runtime runtime, const std::filesystem::path& base) :
+    FakeSurroundings(Runtime runtime, const std::filesystem::path& base, TextWork textWork = TextWork::marked) :
+        work(textWork),
         recordingsPath(base / "Aufnahme"),
         store(base / "Einstellungen.json", runtime.clock),
         statistics(store, runtime.clock),
@@ -269,11 +275,14 @@ struct FakeSurroundings {
         recorder(recordingsPath, runtime.clock),
         inserter(runtime.mainQueue),
         enhancer(stages, runtime),
-        coordinator(stages, runtime),
+        realEnhancer(runtime),
+        model(stages, runtime.mainQueue),
         rescueFolder(base / "Gerettete Diktate", runtime.clock) {}
 
     DictationCollaborators collaborators();
+    TextEnhancer& rules();
 
+    TextWork work;
     std::filesystem::path recordingsPath;
     PreferencesStore store;
     AppSettings settings{store};
@@ -284,7 +293,11 @@ struct FakeSurroundings {
     FakeInserter inserter;
     FakeStages stages;
     FakeEnhancer enhancer;
-    FakeCoordinator coordinator;
+    TextChain realStages;
+    RuleBasedEnhancer realEnhancer;
+    FakeLanguageModel model;
+    LocalFoundationEnhancer modelEnhancer{model};
+    EnhancementCoordinator coordinator{settings, rules(), modelEnhancer};
     FakeHotkey hotkey;
     FakePermissions permissions;
     FakeSignals signals;
@@ -305,7 +318,7 @@ struct VirtualGround {
 /// A controller among its surroundings, on virtual time.
 class DictationWorld : public VirtualGround, public FakeSurroundings {
 public:
-    DictationWorld();
+    explicit DictationWorld(TextWork work = TextWork::marked);
 
     // Gestures; each settles.
     void press();

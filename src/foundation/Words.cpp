@@ -1,4 +1,4 @@
-#include "textchain/Words.h"
+#include "foundation/Words.h"
 
 #include "foundation/Characters.h"
 #include "foundation/TextCase.h"

@@ -5,7 +5,6 @@
 #include "state/WritingStyle.h"
 
 #include <expected>
-#include <optional>
 #include <string>
 
 namespace querlin {
@@ -30,24 +29,6 @@ public:
     virtual ~TextEnhancer() = default;
     virtual Task<std::expected<std::string, EnhancementError>>
     enhance(std::string text, DictationLanguage language, WritingStyle style, TextTreatment treatment) = 0;
-};
-
-/// The finished text, and who made it.
-struct EnhancementOutcome {
-    std::string text;
-    /// "Roh", "Regelbasiert", … ; shown in the menu and kept with the history entry.
-    std::string engineName;
-    /// Only when the model was wanted and another way was taken.
-    std::optional<std::string> fallbackReason;
-
-    bool operator==(const EnhancementOutcome&) const = default;
-};
-
-/// Finishes a text according to the cleanup mode; never fails, whatever the model does.
-class EnhancementCoordinator {
-public:
-    virtual ~EnhancementCoordinator() = default;
-    virtual Task<EnhancementOutcome> run(std::string text, WritingStyle style, TextTreatment treatment) = 0;
 };
 
 } // namespace querlin

@@ -1,0 +1,156 @@
+#include "cleanup/RuleBasedEnhancer.h"
+
+#include "foundation/Characters.h"
+#include "foundation/Graphemes.h"
+#include "foundation/Pattern.h"
+#include "foundation/TextCase.h"
+#include "foundation/Trimming.h"
+#include "foundation/Waiting.h"
+#include "textchain/DictationPreprocessor.h"
+#include "textchain/Sentences.h"
+#include "textchain/SpacingRules.h"
+
+#include <algorithm>
+#include <array>
+
+#include <fmt/format.h>
+
+namespace querlin {
+
+namespace {
+
+constexpr auto hesitations = std::to_array<std::string_view>(
+    {"ähm", "ähem", "äh", "ehm", "öhm", "öh", "hmm", "hm", "mhm", "tja"});
+
+struct Filler {
+    std::string_view pattern;
+    /// What any spelling of it holds.
+    std::string_view literal;
+};
+
+constexpr auto fillers = std::to_array<Filler>({
+    {"sozusagen", "sozusagen"},
+    {"gewisserma(?:ß|ss)en", "gewisserma"},
+    {"quasi", "quasi"},
+    {"halt eben", "halt eben"},
+    {"ja gut", "ja gut"},
+});
+
+constexpr auto openers =
+    std::to_array<std::string_view>({"also", "nun ja", "nun", "gut", "okay", "ok", "ja also"});
+
+constexpr auto correctionSignals =
+    std::to_array<std::string_view>({"nein", "quatsch", "entschuldigung", "korrektur", "vielmehr"});
+
+constexpr std::u32string_view correctionPunctuation = U".,;:!?–-";
+
+/// How far back a correction looks for the word that it takes up again.
+constexpr std::size_t correctionReach = 6;
+
+/// Words that go: with them the comma and the white space behind.
+const RuleList& removals() {
+    static const auto list = [] {
+        RuleList rules;
+        const auto remove = [&rules](std::string_view pattern, std::string_view literal) {
+            rules.add({fmt::format(R"((?<!\p{{L}}){}(?!\p{{L}}),?\s*)", pattern), "", Requirement::oneOf(literal),
+                       LetterCase::ignored});
+        };
+        for (const auto word : hesitations) remove(word, word);
+        for (const auto& [pattern, literal] : fillers) remove(pattern, literal);
+        for (const auto word : openers) {
+            rules.add({fmt::format(R"((^|[.!?]\s+){}\b,?\s*)", word), "$1", Requirement::oneOf(word),
+                       LetterCase::ignored});
+        }
+        // "Maße" and "Masse" are two words, and so are "s" and one with a mark above.
+        rules.add({R"(\b(\p{L}+)(?:\s+\1\b(?!\p{M}))++)", "$1", {}, LetterCase::ignored});
+        return rules;
+    }();
+    return list;
+}
+
+const RuleList& tidying() {
+    using namespace SpacingRules;
+    static const RuleList rules(std::to_array<Rule>({
+        gapBeforeMark,
+        noGapBehindComma,
+        noGapBehindSentence,
+        repeatedBlanks,
+        repeatedMarks,
+        blanksBeforeNewline,
+        severalEmptyLines,
+    }));
+    return rules;
+}
+
+std::vector<std::string_view> splitAtBlanks(std::string_view text) {
+    std::vector<std::string_view> pieces;
+    while (true) {
+        const auto end = text.find(' ');
+        pieces.push_back(text.substr(0, end));
+        if (end == std::string_view::npos) return pieces;
+        text.remove_prefix(end + 1);
+    }
+}
+
+std::string compared(std::string_view piece) { return lowercase(trimAnyOf(piece, correctionPunctuation)); }
+
+bool isSignal(std::string_view piece) { return std::ranges::count(correctionSignals, compared(piece)) > 0; }
+
+std::string joinedByBlanks(std::span<const std::string_view> pieces) {
+    auto text = fmt::format("{}", fmt::join(pieces, " "));
+    std::string result;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        result += text[at];
+        if (text.compare(at, 2, "  ") == 0) ++at;
+    }
+    return std::string(trimBlanksAndTabs(result));
+}
+
+/// "am Montag nein am Dienstag" -> "am Dienstag": what is said again behind the signal takes the place of
+/// what was said before. Where nothing is said again, only the signal goes.
+std::string resolveSelfCorrections(std::string text) {
+    const auto pieces = splitAtBlanks(text);
+    if (pieces.size() < 3) return text;
+    std::vector<std::string_view> kept;
+    for (std::size_t at = 0; at < pieces.size(); ++at) {
+        const bool isInside = !kept.empty() && at + 1 < pieces.size();
+        if (!isInside || !isSignal(pieces[at])) {
+            kept.push_back(pieces[at]);
+            continue;
+        }
+        const auto next = compared(pieces[at + 1]);
+        const auto reach = std::min(correctionReach, kept.size());
+        const auto nearest = std::find_if(kept.rbegin(), kept.rbegin() + static_cast<std::ptrdiff_t>(reach),
+                                          [&next](std::string_view piece) { return compared(piece) == next; });
+        if (nearest != kept.rbegin() + static_cast<std::ptrdiff_t>(reach)) kept.erase(std::prev(nearest.base()), kept.end());
+    }
+    return joinedByBlanks(kept);
+}
+
+std::string finishedSentences(std::string_view text) {
+    const auto capitalized = capitalizeSentences(text);
+    std::string result(trimWhitespaceAndNewlines(capitalized));
+    const auto last = lastGrapheme(result);
+    if (isAlphabetic(last) || isNumeric(last)) result += '.';
+    return result;
+}
+
+} // namespace
+
+std::string RuleBasedEnhancer::clean(std::string_view text, TextTreatment treatment) {
+    std::string result(trimWhitespaceAndNewlines(text));
+    if (result.empty()) return result;
+    if (!treatment.commandsApplied) result = DictationPreprocessor::applySpokenPunctuation(result);
+    result = resolveSelfCorrections(removals().apply(result));
+    result = trimBlanksAndTabs(tidying().apply(result));
+    return finishedSentences(result);
+}
+
+Task<std::expected<std::string, EnhancementError>>
+RuleBasedEnhancer::enhance(std::string text, DictationLanguage /*language*/, WritingStyle /*style*/,
+                           TextTreatment treatment) {
+    auto work = [text = std::move(text), treatment] { return clean(text, treatment); };
+    co_return co_await background(runtime_, std::move(work));
+}
+
+} // namespace querlin

@@ -1,0 +1,212 @@
+#include "foundation/Pattern.h"
+
+#include "foundation/Utf8.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#define PCRE2_CODE_UNIT_WIDTH 8
+#include <pcre2.h>
+
+namespace querlin {
+
+namespace {
+
+template<auto release>
+struct Release {
+    template<class Handle>
+    void operator()(Handle* handle) const {
+        release(handle);
+    }
+};
+
+using Code = std::unique_ptr<pcre2_code, Release<pcre2_code_free>>;
+using MatchData = std::unique_ptr<pcre2_match_data, Release<pcre2_match_data_free>>;
+using MatchContext = std::unique_ptr<pcre2_match_context, Release<pcre2_match_context_free>>;
+using JitStack = std::unique_ptr<pcre2_jit_stack, Release<pcre2_jit_stack_free>>;
+
+/// The most groups that a pattern of ours may have, the whole match among them.
+constexpr std::uint32_t mostGroups = 10;
+
+/// What matching needs besides the pattern; one for each thread.
+struct Workplace {
+    static Workplace& ofThisThread() {
+        thread_local Workplace workplace;
+        return workplace;
+    }
+
+    Workplace() : data(pcre2_match_data_create(mostGroups, nullptr)), context(pcre2_match_context_create(nullptr)) {
+        constexpr std::size_t firstBytes = 32U << 10U;
+        constexpr std::size_t mostBytes = 1U << 20U; // Beyond it the interpreter takes over.
+        stack.reset(pcre2_jit_stack_create(firstBytes, mostBytes, nullptr));
+        if (!data || !context) throw std::bad_alloc();
+        pcre2_jit_stack_assign(context.get(), nullptr, stack.get());
+    }
+
+    MatchData data;
+    MatchContext context;
+    JitStack stack;
+};
+
+std::string errorText(int code) {
+    std::array<PCRE2_UCHAR, 256> buffer{};
+    pcre2_get_error_message(code, buffer.data(), buffer.size());
+    return {buffer.begin(), std::ranges::find(buffer, 0)};
+}
+
+Code compiled(std::string_view expression, LetterCase letterCase) {
+    const auto options = PCRE2_UTF | PCRE2_UCP | (letterCase == LetterCase::ignored ? PCRE2_CASELESS : 0U);
+    int error = 0;
+    std::size_t offset = 0;
+    Code code(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(expression.data()), expression.size(), options,
+                            &error, &offset, nullptr));
+    if (!code) throw std::logic_error(std::string(expression) + ": " + errorText(error));
+    pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE); // Without it the interpreter matches.
+    return code;
+}
+
+/// The matches of a pattern in a well-formed text, from first to last.
+class Search {
+public:
+    Search(const pcre2_code* code, std::string_view text) : code_(code), text_(text) {}
+
+    bool next() {
+        if (from_ > text_.size()) return false;
+        count_ = match();
+        if (count_ <= 0) return false;
+        const bool isEmpty = start() == end();
+        from_ = end() + (isEmpty ? std::max<std::size_t>(1, decodeScalar(text_.substr(end())).lengthInBytes) : 0);
+        return true;
+    }
+    std::size_t start() const { return offsets()[0]; }
+    std::size_t end() const { return offsets()[1]; }
+    /// Empty where the group took no part.
+    std::string_view group(std::size_t number) const {
+        const auto* range = offsets() + (2 * number);
+        if (number >= groupCount() || range[0] == PCRE2_UNSET) return {};
+        return text_.substr(range[0], range[1] - range[0]);
+    }
+    std::size_t groupCount() const { return static_cast<std::size_t>(count_); }
+
+private:
+    const std::size_t* offsets() const { return pcre2_get_ovector_pointer(workplace_.data.get()); }
+
+    int match() {
+        const auto* subject = reinterpret_cast<PCRE2_SPTR>(text_.data());
+        auto result = pcre2_jit_match(code_, subject, text_.size(), from_, 0, workplace_.data.get(),
+                                      workplace_.context.get());
+        if (result == PCRE2_ERROR_JIT_BADOPTION || result == PCRE2_ERROR_JIT_STACKLIMIT) {
+            result = pcre2_match(code_, subject, text_.size(), from_, PCRE2_NO_UTF_CHECK | PCRE2_NO_JIT,
+                                 workplace_.data.get(), workplace_.context.get());
+        }
+        return result;
+    }
+
+    const pcre2_code* code_;
+    std::string_view text_;
+    Workplace& workplace_ = Workplace::ofThisThread();
+    std::size_t from_ = 0;
+    int count_ = 0;
+};
+
+} // namespace
+
+// Pattern
+
+struct Pattern::Compiled {
+    Code code;
+    Requirement requirement;
+};
+
+Pattern::Pattern(std::string_view expression, LetterCase letterCase, Requirement requirement) :
+    compiled_(std::make_unique<Compiled>(Compiled{compiled(expression, letterCase), requirement})) {}
+Pattern::~Pattern() = default;
+Pattern::Pattern(Pattern&&) noexcept = default;
+Pattern& Pattern::operator=(Pattern&&) noexcept = default;
+
+bool Pattern::isFoundIn(std::string_view text) const {
+    const auto valid = validUtf8(text);
+    return compiled_->requirement.isMetBy(valid) && Search(compiled_->code.get(), valid).next();
+}
+
+std::string Pattern::replaceEach(std::string_view text, const Replacement& replacement) const {
+    auto valid = validUtf8(text);
+    if (!compiled_->requirement.isMetBy(valid)) return valid;
+    std::string result;
+    std::size_t copied = 0;
+    std::vector<std::string_view> groups;
+    for (Search search(compiled_->code.get(), valid); search.next();) {
+        // The groups are gathered first: the replacement may use patterns of its own.
+        const auto [start, end] = std::pair(search.start(), search.end());
+        groups.clear();
+        for (std::size_t i = 0; i < search.groupCount(); ++i) groups.push_back(search.group(i));
+        const auto replaced = replacement(groups);
+        if (!replaced) continue;
+        result.append(valid, copied, start - copied).append(*replaced);
+        copied = end;
+    }
+    return result.append(valid, copied);
+}
+
+// RuleList
+
+struct RuleList::Compiled {
+    Code code;
+    std::string replacement;
+    Requirement requirement;
+
+    void appendReplacement(std::string& text, const Search& match) const {
+        for (std::size_t i = 0; i < replacement.size(); ++i) {
+            const bool isGroup = replacement[i] == '$' && i + 1 < replacement.size();
+            if (isGroup) {
+                text += match.group(static_cast<std::size_t>(replacement[++i] - '0'));
+            } else {
+                text += replacement[i];
+            }
+        }
+    }
+
+    /// Writes the text with all matches replaced into `result`; false, and nothing of use in it, if there
+    /// is none.
+    bool replaceAll(std::string_view text, std::string& result) const {
+        Search search(code.get(), text);
+        if (!search.next()) return false;
+        result.clear();
+        std::size_t copied = 0;
+        do {
+            result += text.substr(copied, search.start() - copied);
+            appendReplacement(result, search);
+            copied = search.end();
+        } while (search.next());
+        result += text.substr(copied);
+        return true;
+    }
+};
+
+RuleList::RuleList() = default;
+void RuleList::add(const Rule& rule) {
+    rules_.push_back({compiled(rule.pattern, rule.letterCase), std::string(rule.replacement), rule.requirement});
+}
+RuleList::~RuleList() = default;
+RuleList::RuleList(RuleList&&) noexcept = default;
+RuleList& RuleList::operator=(RuleList&&) noexcept = default;
+
+std::string RuleList::apply(std::string_view text) const {
+    auto result = validUtf8(text);
+    std::string next;
+    thread_local TextProfile profile;
+    bool isRead = false;
+    for (const auto& rule : rules_) {
+        if (!isRead) profile.read(result);
+        isRead = true;
+        if (!profile.meets(rule.requirement) || !rule.replaceAll(result, next)) continue;
+        result.swap(next);
+        isRead = false;
+    }
+    return result;
+}
+
+} // namespace querlin

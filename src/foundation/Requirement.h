@@ -1,0 +1,122 @@
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace querlin {
+
+/// A set of byte values, for what the first or the last byte of something may be.
+class ByteSet {
+public:
+    constexpr ByteSet() = default;
+    constexpr explicit ByteSet(std::string_view bytes) {
+        for (const char byte : bytes) add(static_cast<unsigned char>(byte));
+    }
+    static constexpr ByteSet range(unsigned char first, unsigned char last) {
+        ByteSet set;
+        for (unsigned byte = first; byte <= last; ++byte) set.add(static_cast<unsigned char>(byte));
+        return set;
+    }
+    constexpr ByteSet operator|(const ByteSet& other) const {
+        auto set = *this;
+        for (std::size_t i = 0; i < words_.size(); ++i) set.words_[i] |= other.words_[i];
+        return set;
+    }
+    constexpr ByteSet operator~() const {
+        auto set = *this;
+        for (auto& word : set.words_) word = ~word;
+        return set;
+    }
+    constexpr bool contains(unsigned char byte) const { return (words_[byte / 64U] >> (byte % 64U) & 1U) != 0; }
+    constexpr bool meets(const ByteSet& other) const {
+        for (std::size_t i = 0; i < words_.size(); ++i) {
+            if ((words_[i] & other.words_[i]) != 0) return true;
+        }
+        return false;
+    }
+    /// Whether `test` holds for one of its bytes.
+    template<class Test>
+    constexpr bool anyOf(Test test) const {
+        for (std::size_t i = 0; i < words_.size(); ++i) {
+            for (auto rest = words_[i]; rest != 0; rest &= rest - 1) {
+                const auto bit = static_cast<std::size_t>(std::countr_zero(rest));
+                if (test(static_cast<unsigned char>((i * 64U) + bit))) return true;
+            }
+        }
+        return false;
+    }
+    constexpr void add(unsigned char byte) { words_[byte / 64U] |= std::uint64_t{1} << (byte % 64U); }
+
+private:
+    std::array<std::uint64_t, 4> words_{};
+};
+
+/// Bytes at the edges of the classes that patterns speak of. They may name too many, never too few.
+namespace Bytes {
+inline constexpr ByteSet beyondAscii = ByteSet::range(0x80, 0xFF);
+inline constexpr ByteSet asciiWhitespace{" \t\n\v\f\r"};
+/// How white space may begin: U+0085 and U+00A0, U+1680, U+2000 to U+205F, U+3000 among it.
+inline constexpr ByteSet whitespaceBegins = asciiWhitespace | ByteSet("\xC2\xE1\xE2\xE3");
+/// How white space may end, in the same order.
+inline constexpr ByteSet whitespaceEnds =
+    asciiWhitespace | ByteSet("\x85\xA0\xA8\xA9\xAF\x9F") | ByteSet::range(0x80, 0x8A);
+inline constexpr ByteSet letterBegins = ByteSet::range('a', 'z') | beyondAscii;
+inline constexpr ByteSet digitBegins = ByteSet::range('0', '9') | beyondAscii;
+} // namespace Bytes
+
+/// What a text must hold for a pattern to match anywhere in it, told so simply that it costs next to
+/// nothing to see it missing. It speaks of the text in small letters (see `TextProfile`).
+///
+/// It is the duty of whoever writes it to be right: where it names too much, a rule silently never fires.
+class Requirement {
+public:
+    /// Nothing: the pattern is always tried.
+    constexpr Requirement() = default;
+    /// One of these texts, with "|" between them; each small and of two bytes at least: "märz|maerz".
+    static constexpr Requirement oneOf(std::string_view literals) {
+        Requirement requirement;
+        requirement.literals_ = literals;
+        return requirement;
+    }
+    /// A byte of one set directly in front of a byte of another.
+    static constexpr Requirement pair(const ByteSet& first, const ByteSet& second) {
+        Requirement requirement;
+        requirement.isPair_ = true;
+        requirement.first_ = first;
+        requirement.second_ = second;
+        return requirement;
+    }
+
+    /// Reads the whole text; for several requirements read it once with `TextProfile`.
+    bool isMetBy(std::string_view text) const;
+
+private:
+    friend class TextProfile;
+    std::string_view literals_;
+    bool isPair_ = false;
+    ByteSet first_;
+    ByteSet second_;
+};
+
+/// What a text holds, gathered in one pass: which bytes stand behind which, and a copy in small letters to
+/// look for literals in. The copy folds whatever a caseless pattern takes for one of a-z, ä, ö, ü and ß: so
+/// the long s (U+017F) becomes "s", the Kelvin sign "k" and the capital ẞ "ß".
+class TextProfile {
+public:
+    void read(std::string_view text);
+    /// False only where nothing that requires this can match.
+    bool meets(const Requirement& requirement) const;
+
+private:
+    void fold(std::string_view text);
+    bool holds(std::string_view literal) const;
+
+    std::string folded_;
+    /// For each byte the bytes that stand directly behind it somewhere.
+    std::array<ByteSet, 256> followers_{};
+};
+
+} // namespace querlin

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Carries out what is spoken as a command: "hallo Komma neue Zeile Welt" -> "Hallo,\nWelt". German words,
+/// whatever language is recognised.
+namespace querlin::DictationCommands {
+
+/// Running text, or one line as in a search field: nothing is capitalised, and no blank is put around
+/// marks ("Müller Komma Hans" -> "Müller,Hans").
+enum class Mode : std::uint8_t { prose, compact };
+
+struct Outcome {
+    std::string text;
+    /// The speaker has taken the whole dictation back; `text` is empty.
+    bool discardedEverything = false;
+    /// The commands carried out, in order, for the log.
+    std::vector<std::string> appliedCommands;
+
+    bool operator==(const Outcome&) const = default;
+};
+
+/// Marks, line breaks, brackets and quotes; "streiche das" takes the last sentence back, "alles verwerfen"
+/// everything. A word that might be meant as a noun stays one behind an article and in front of a verb:
+/// "der Punkt ist strittig". Line breaks of the text survive, two of them at most in a row.
+Outcome apply(std::string_view text, Mode mode);
+
+} // namespace querlin::DictationCommands

@@ -1,0 +1,51 @@
+#include "textchain/Sentences.h"
+
+#include "foundation/Characters.h"
+#include "foundation/Graphemes.h"
+#include "foundation/TextCase.h"
+
+namespace querlin {
+
+namespace {
+
+constexpr std::string_view sentenceEnds = ".!?\n";
+
+/// Where the next character that ends a sentence begins, or the length.
+std::size_t nextSentenceEnd(std::string_view text, std::size_t at) {
+    for (; at < text.size(); ++at) {
+        if (sentenceEnds.contains(text[at]) && Graphemes::firstLength(text.substr(at)) == 1) return at;
+    }
+    return at;
+}
+
+} // namespace
+
+bool endsSentence(std::string_view character) {
+    return character == "\r\n" || (character.size() == 1 && sentenceEnds.contains(character.front()));
+}
+
+std::string capitalizeSentences(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const auto start = at;
+        std::string_view letter;
+        while (at < text.size() && letter.empty()) {
+            const auto character = text.substr(at, Graphemes::firstLength(text.substr(at)));
+            if (isAlphabetic(character)) {
+                letter = character;
+            } else {
+                at += character.size();
+            }
+        }
+        result += text.substr(start, at - start);
+        if (!letter.empty()) result += uppercase(letter);
+        at += letter.size();
+        const auto end = nextSentenceEnd(text, at);
+        result += text.substr(at, end - at);
+        at = end;
+    }
+    return result;
+}
+
+} // namespace querlin

@@ -1,0 +1,303 @@
+#include "textchain/SpokenLawReference.h"
+
+#include "foundation/Characters.h"
+#include "foundation/Graphemes.h"
+#include "foundation/Requirement.h"
+#include "foundation/Trimming.h"
+#include "foundation/Words.h"
+#include "state/DiagnosticsLog.h"
+#include "textchain/GermanNumberWords.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include <fmt/format.h>
+
+namespace querlin {
+
+std::string LawReference::formatted() const {
+    auto text = "§ " + sectionID;
+    if (absatz) text += " Abs. " + *absatz;
+    if (satz) text += " Satz " + *satz;
+    if (nummer) text += " Nr. " + *nummer;
+    if (law) text += " " + *law;
+    return text;
+}
+
+namespace SpokenLawReference {
+
+namespace {
+
+using Tokenizer::Token;
+using Tokens = std::span<const Token>;
+
+constexpr auto paragraphMarkers =
+    std::to_array<std::string_view>({"paragraph", "paragraf", "paragraphen", "parapgraph", "§"});
+constexpr auto absatzMarkers = std::to_array<std::string_view>({"absatz", "abs", "abs."});
+constexpr auto satzMarkers = std::to_array<std::string_view>({"satz"});
+constexpr auto nummerMarkers = std::to_array<std::string_view>({"nummer", "nr", "nr.", "ziffer"});
+
+/// Both are number words and, far more often, the article.
+constexpr auto articles = std::to_array<std::string_view>({"ein", "eine"});
+
+struct Alias {
+    std::string_view spoken;
+    std::string_view law;
+};
+
+constexpr auto lawAliases = std::to_array<Alias>({
+    {"bgb", "BGB"},
+    {"b g b", "BGB"},
+    {"bürgerliches gesetzbuch", "BGB"},
+    {"buergerliches gesetzbuch", "BGB"},
+    {"famfg", "FamFG"},
+    {"fam f g", "FamFG"},
+    {"fam fg", "FamFG"},
+    {"familienverfahrensgesetz", "FamFG"},
+    {"btog", "BtOG"},
+    {"b t o g", "BtOG"},
+    {"bt o g", "BtOG"},
+    {"betreuungsorganisationsgesetz", "BtOG"},
+    {"vbvg", "VBVG"},
+    {"v b v g", "VBVG"},
+    {"vormünder- und betreuervergütungsgesetz", "VBVG"},
+    {"betreuervergütungsgesetz", "VBVG"},
+    {"wbvg", "WBVG"},
+    {"w b v g", "WBVG"},
+    {"wohn- und betreuungsvertragsgesetz", "WBVG"},
+    {"wohn und betreuungsvertragsgesetz", "WBVG"},
+    {"zpo", "ZPO"},
+    {"z p o", "ZPO"},
+    {"zivilprozessordnung", "ZPO"},
+    {"zivilprozeßordnung", "ZPO"},
+    {"inso", "InsO"},
+    {"insolvenzordnung", "InsO"},
+    {"sgg", "SGG"},
+    {"s g g", "SGG"},
+    {"sozialgerichtsgesetz", "SGG"},
+    {"vwvfg", "VwVfG"},
+    {"vw v f g", "VwVfG"},
+    {"verwaltungsverfahrensgesetz", "VwVfG"},
+    {"wogg", "WoGG"},
+    {"wo g g", "WoGG"},
+    {"wohngeldgesetz", "WoGG"},
+    {"rbeg", "RBEG"},
+    {"r b e g", "RBEG"},
+    {"regelbedarfsermittlungsgesetz", "RBEG"},
+    {"abgabenordnung", "AO"},
+    {"a o", "AO"},
+    {"stgb", "StGB"},
+    {"s t g b", "StGB"},
+    {"strafgesetzbuch", "StGB"},
+});
+constexpr std::size_t longestAliasInWords = 4;
+
+constexpr auto sgb = std::to_array<std::string_view>({"sgb"});
+constexpr auto sgbSpelt = std::to_array<std::string_view>({"s", "g", "b"});
+constexpr auto sozialgesetzbuch = std::to_array<std::string_view>({"sozialgesetzbuch"});
+constexpr std::array<std::span<const std::string_view>, 3> sgbPrefixes = {sgb, sgbSpelt, sozialgesetzbuch};
+
+struct Book {
+    std::string_view numeral;
+    /// Empty where the book has no fifth form.
+    std::array<std::string_view, 5> spoken;
+};
+
+/// There is no thirteenth.
+constexpr auto sgbBooks = std::to_array<Book>({
+    {"I", {"i", "1", "eins", "erstes"}},
+    {"II", {"ii", "2", "zwei", "zweites"}},
+    {"III", {"iii", "3", "drei", "drittes"}},
+    {"IV", {"iv", "4", "vier", "viertes"}},
+    {"V", {"v", "5", "fünf", "fuenf", "fünftes"}},
+    {"VI", {"vi", "6", "sechs", "sechstes"}},
+    {"VII", {"vii", "7", "sieben", "siebtes"}},
+    {"VIII", {"viii", "8", "acht", "achtes"}},
+    {"IX", {"ix", "9", "neun", "neuntes"}},
+    {"X", {"x", "10", "zehn", "zehntes"}},
+    {"XI", {"xi", "11", "elf", "elftes"}},
+    {"XII", {"xii", "12", "zwölf", "zwoelf", "zwölftes"}},
+    {"XIV", {"xiv", "14", "vierzehn", "vierzehntes"}},
+});
+
+bool isOneOf(std::span<const std::string_view> words, std::string_view word) {
+    return std::ranges::count(words, word) > 0;
+}
+
+bool isMadeOfNumbers(std::string_view word) {
+    return !word.empty() &&
+           std::ranges::all_of(Graphemes(word), [](std::string_view character) { return isNumeric(character); });
+}
+
+bool isOneLetter(std::string_view word) {
+    return isAlphabetic(word) && Graphemes::firstLength(word) == word.size();
+}
+
+/// Something read from the tokens, and the token behind it.
+template<class Value>
+struct Read {
+    Value value;
+    std::size_t end = 0;
+};
+
+/// The roman numeral of a book of the social code, or nothing.
+std::string_view bookSpoken(std::string_view word) {
+    const auto* found = std::ranges::find_if(sgbBooks, [word](const Book& book) { return isOneOf(book.spoken, word); });
+    return found == sgbBooks.end() || word.empty() ? std::string_view() : found->numeral;
+}
+
+/// Reads the tokens of one citation from left to right.
+class Reader {
+public:
+    explicit Reader(Tokens tokens) : tokens_(tokens) {}
+
+    bool isAtEnd(std::size_t index) const { return index >= tokens_.size(); }
+    /// The compared form of a token; empty behind the last.
+    std::string_view word(std::size_t index) const {
+        return isAtEnd(index) ? std::string_view() : std::string_view(tokens_[index].normalized);
+    }
+
+    std::optional<Read<std::string>> number(std::size_t index) const {
+        if (isMadeOfNumbers(word(index))) return Read<std::string>{std::string(word(index)), index + 1};
+        std::vector<std::string_view> words;
+        auto end = index;
+        for (; GermanNumberWords::isNumberWord(word(end)); ++end) {
+            if (end > index && isOneOf(articles, word(end))) break; // "füge Paragraph zwölf ein"
+            words.push_back(word(end));
+        }
+        if (words.empty()) return std::nullopt;
+        if (words.size() == 1 && isOneOf(articles, words.front()) && !continuesCitation(end)) return std::nullopt;
+        return Read<std::string>{digits(words), end};
+    }
+
+    std::optional<Read<std::string>> law(std::size_t index) const {
+        if (const auto prefixEnd = sgbPrefixEnd(index)) {
+            const auto numeral = bookSpoken(word(*prefixEnd));
+            if (!numeral.empty()) return Read<std::string>{fmt::format("SGB {}", numeral), *prefixEnd + 1};
+        }
+        const auto most = std::min(longestAliasInWords, tokens_.size() - std::min(index, tokens_.size()));
+        for (auto length = most; length > 0; --length) {
+            const auto spoken = joined(index, length);
+            const auto* found = std::ranges::find(lawAliases, spoken, &Alias::spoken);
+            if (found != lawAliases.end()) return Read<std::string>{std::string(found->law), index + length};
+        }
+        return std::nullopt;
+    }
+
+    /// The token behind "SGB"; there is one.
+    std::optional<std::size_t> sgbPrefixEnd(std::size_t index) const {
+        for (const auto prefix : sgbPrefixes) {
+            auto end = index;
+            for (const auto part : prefix) {
+                if (word(end) != part) break;
+                ++end;
+            }
+            if (end - index == prefix.size() && !isAtEnd(end)) return end;
+        }
+        return std::nullopt;
+    }
+
+    /// "1814 a": a letter that belongs to the section, unless it begins a law or a spelt word ("S G B").
+    bool isSectionLetter(std::size_t index) const {
+        return isOneLetter(word(index)) && !law(index) && (!isOneLetter(word(index + 1)) || law(index + 1));
+    }
+
+private:
+    bool continuesCitation(std::size_t index) const {
+        const auto next = word(index);
+        return isOneOf(absatzMarkers, next) || isOneOf(satzMarkers, next) || isOneOf(nummerMarkers, next) || law(index);
+    }
+
+    /// Words that are one number when written together are that number: "achtzehn hundert vierzehn" -> 1814.
+    static std::string digits(std::span<const std::string_view> words) {
+        const auto together = GermanNumberWords::parseWord(fmt::format("{}", fmt::join(words, "")));
+        return together ? std::to_string(*together) : *GermanNumberWords::digits(words);
+    }
+
+    std::string joined(std::size_t index, std::size_t length) const {
+        std::string text;
+        for (const auto& token : tokens_.subspan(index, length)) {
+            if (!text.empty()) text += ' ';
+            text += token.normalized;
+        }
+        return text;
+    }
+
+    Tokens tokens_;
+};
+
+std::string_view leadingPunctuation(std::string_view raw) {
+    const auto word = raw.substr(Tokenizer::leadingWhitespace(raw).size());
+    const auto bare = trimAnyOf(word, wordPunctuation);
+    return word.substr(0, static_cast<std::size_t>(bare.data() - word.data()));
+}
+
+} // namespace
+
+bool isParagraphMarker(const Token& token) { return isOneOf(paragraphMarkers, token.normalized); }
+
+std::optional<ParsedReference> parseReference(Tokens tokens, std::size_t index, Marker marker) {
+    const Reader reader(tokens);
+    ParsedReference parsed;
+    auto& reference = parsed.reference;
+    parsed.hadMarker = !reader.isAtEnd(index) && isParagraphMarker(tokens[index]);
+    if (!parsed.hadMarker && marker == Marker::required) return std::nullopt;
+    if (parsed.hadMarker) ++index;
+
+    const auto section = reader.number(index);
+    if (!section) return std::nullopt;
+    reference.sectionID = section->value;
+    index = section->end;
+    if (reader.isSectionLetter(index)) reference.sectionID += reader.word(index++);
+
+    // In whatever order; of two of a kind the last counts.
+    const auto readUnit = [&](std::span<const std::string_view> markers, std::optional<std::string>& unit) {
+        if (!isOneOf(markers, reader.word(index))) return false;
+        const auto number = reader.number(index + 1);
+        if (!number) return false;
+        unit = number->value;
+        index = number->end;
+        return true;
+    };
+    while (readUnit(absatzMarkers, reference.absatz) || readUnit(satzMarkers, reference.satz) ||
+           readUnit(nummerMarkers, reference.nummer)) {
+    }
+
+    if (const auto law = reader.law(index)) {
+        reference.law = law->value;
+        index = law->end;
+    } else if (reader.sgbPrefixEnd(index)) {
+        DiagnosticsLog::trace("gesetz", "SGB ohne erkennbare Buchangabe – nicht zugeordnet.");
+    }
+    parsed.endIndex = index;
+    return parsed;
+}
+
+Token replacement(const Token& first, std::string_view text, const Token& last) {
+    return {fmt::format("{}{}{}{}", Tokenizer::leadingWhitespace(first.raw), leadingPunctuation(first.raw), text,
+                        Tokenizer::trailingPunctuation(last.raw)),
+            ""};
+}
+
+std::string normalizeReferences(std::string_view text) {
+    constexpr auto marker = Requirement::oneOf("paragra|parapgraph|§");
+    if (!marker.isMetBy(text)) return std::string(text);
+    const auto tokens = Tokenizer::split(text);
+    std::vector<Token> result;
+    result.reserve(tokens.size());
+    for (std::size_t at = 0; at < tokens.size();) {
+        const auto parsed = isParagraphMarker(tokens[at]) ? parseReference(tokens, at, Marker::required) : std::nullopt;
+        if (parsed) {
+            result.push_back(replacement(tokens[at], parsed->reference.formatted(), tokens[parsed->endIndex - 1]));
+            at = parsed->endIndex;
+        } else {
+            result.push_back(tokens[at++]);
+        }
+    }
+    return Tokenizer::join(result);
+}
+
+} // namespace SpokenLawReference
+
+} // namespace querlin

@@ -1,0 +1,52 @@
+#include "textchain/URLFormatting.h"
+
+#include "foundation/Graphemes.h"
+#include "foundation/Pattern.h"
+#include "foundation/TextCase.h"
+
+#include <algorithm>
+
+namespace querlin::URLFormatting {
+
+namespace {
+
+constexpr std::size_t longestAddressInCharacters = 120;
+
+std::string withoutBlanks(std::string_view text) {
+    std::string compact(text);
+    std::erase(compact, ' ');
+    return compact;
+}
+
+std::string closedUp(std::string_view text) { return lowercase(withoutBlanks(text)); }
+
+std::optional<std::string> closedUpMatch(Pattern::Groups match) { return closedUp(match.front()); }
+
+} // namespace
+
+bool looksLikeAddress(std::string_view text, AddressTest test) {
+    static const Pattern bareDomain(R"(^[a-z0-9][a-z0-9\-]*(\.[a-z0-9\-]+)*\.[a-z]{2,6}(/[^\s]*)?\.?$)");
+    const auto compact = closedUp(text);
+    if (compact.empty() || firstGraphemes(compact, longestAddressInCharacters).size() < compact.size()) return false;
+    const auto begins = [&compact](std::string_view beginning) { return compact.starts_with(beginning); };
+    if (begins("www.") || begins("http://") || begins("https://")) return true;
+    return test == AddressTest::lenient && bareDomain.isFoundIn(compact);
+}
+
+std::string compactWholeText(std::string_view text) {
+    auto compact = withoutBlanks(text);
+    compact.resize(compact.find_last_not_of('.') + 1);
+    return lowercase(compact);
+}
+
+std::string compactURLs(std::string_view text) {
+    // Nothing is given back once it has been read: a long run of blanks must not be tried again and again.
+    static const Pattern withScheme(
+        R"(\bhttps?\s*+:\s*+/\s*+/\s*+[\w\-]++(?:\s*+\.\s*+[\w\-]++)++(?:\s*+/\s*+[\w\-.]*+)*+)",
+        LetterCase::ignored, Requirement::oneOf("http"));
+    static const Pattern withoutScheme(R"(\bwww\s*+\.\s*+[\w\-]++(?:\s*+\.\s*+[\w\-]++)++)", LetterCase::ignored,
+                                       Requirement::oneOf("www"));
+    return withoutScheme.replaceEach(withScheme.replaceEach(text, closedUpMatch), closedUpMatch);
+}
+
+} // namespace querlin::URLFormatting

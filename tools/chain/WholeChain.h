@@ -1,0 +1,34 @@
+#pragma once
+
+#include "foundation/Time.h"
+#include "state/TextBlock.h"
+#include "state/WritingStyle.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace querlin {
+
+/// What decides which stages run; the same as in the program's pipeline.
+struct ChainOptions {
+    WritingStyle style = WritingStyle::aktenstil;
+    CleanupMode mode = CleanupMode::rules;
+    /// As in a search field.
+    bool isCompact = false;
+    bool appliesCommands = true;
+    std::vector<TextBlock> blocks = TextBlock::builtIn();
+    Date now;
+};
+
+struct ChainOutcome {
+    std::string text;
+    /// The speaker has taken everything back.
+    bool discardedEverything = false;
+};
+
+/// Takes a transcript through all stages in the pipeline's order, without the language model and without
+/// waiting for anything.
+ChainOutcome runWholeChain(std::string_view transcript, const ChainOptions& options);
+
+} // namespace querlin
