@@ -6,6 +6,7 @@
 #include "foundation/TextCase.h"
 #include "foundation/Trimming.h"
 #include "foundation/Waiting.h"
+#include "foundation/WordSet.h"
 #include "textchain/DictationPreprocessor.h"
 #include "textchain/Sentences.h"
 #include "textchain/SpacingRules.h"
@@ -39,10 +40,10 @@ constexpr auto fillers = std::to_array<Filler>({
 constexpr auto openers =
     std::to_array<std::string_view>({"also", "nun ja", "nun", "gut", "okay", "ok", "ja also"});
 
-constexpr auto correctionSignals =
-    std::to_array<std::string_view>({"nein", "quatsch", "entschuldigung", "korrektur", "vielmehr"});
+constexpr WordSet correctionSignals(
+    std::to_array<std::string_view>({"nein", "quatsch", "entschuldigung", "korrektur", "vielmehr"}));
 
-constexpr std::u32string_view correctionPunctuation = U".,;:!?–-";
+constexpr ScalarSet correctionPunctuation(U".,;:!?–-");
 
 /// How far back a correction looks for the word that it takes up again.
 constexpr std::size_t correctionReach = 6;
@@ -94,15 +95,17 @@ std::vector<std::string_view> splitAtBlanks(std::string_view text) {
 
 std::string compared(std::string_view piece) { return lowercase(trimAnyOf(piece, correctionPunctuation)); }
 
-bool isSignal(std::string_view piece) { return std::ranges::count(correctionSignals, compared(piece)) > 0; }
+bool isSignal(std::string_view piece) { return correctionSignals.contains(compared(piece)); }
 
 std::string joinedByBlanks(std::span<const std::string_view> pieces) {
     auto text = fmt::format("{}", fmt::join(pieces, " "));
     std::string result;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        result += text[at];
-        if (text.compare(at, 2, "  ") == 0) ++at;
+    std::size_t copied = 0;
+    for (auto at = text.find("  "); at != std::string::npos; at = text.find("  ", copied)) {
+        result.append(text, copied, at + 1 - copied);
+        copied = at + 2;
     }
+    result.append(text, copied);
     return std::string(trimBlanksAndTabs(result));
 }
 

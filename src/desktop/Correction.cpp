@@ -16,14 +16,14 @@ namespace {
 
 constexpr std::size_t mostReplacedWords = 3;
 
-using Words = std::span<const std::string_view>;
+using WordList = std::span<const std::string_view>;
 
 /// How many words are the same at the front of both.
-std::size_t commonBeginning(Words a, Words b) {
+std::size_t commonBeginning(WordList a, WordList b) {
     return static_cast<std::size_t>(std::ranges::mismatch(a, b, canonicallyEqual).in1 - a.begin());
 }
 
-std::size_t commonEnd(Words a, Words b) {
+std::size_t commonEnd(WordList a, WordList b) {
     const auto mismatch = std::mismatch(a.rbegin(), a.rend(), b.rbegin(), b.rend(), canonicallyEqual);
     return static_cast<std::size_t>(mismatch.first - a.rbegin());
 }
@@ -43,8 +43,8 @@ std::optional<Correction> singleChange(std::string_view from, std::string_view t
     const auto after = splitAtWhitespace(to);
     if (before.empty() || after.empty()) return std::nullopt;
     const auto front = commonBeginning(before, after);
-    const auto replaced = Words(before).subspan(front);
-    const auto replacing = Words(after).subspan(front);
+    const auto replaced = WordList(before).subspan(front);
+    const auto replacing = WordList(after).subspan(front);
     const auto back = commonEnd(replaced, replacing);
     const auto count = replaced.size() - back;
     if (replacing.size() - back != 1 || count < 1 || count > mostReplacedWords) return std::nullopt;

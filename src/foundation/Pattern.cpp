@@ -169,16 +169,19 @@ struct RuleList::Compiled {
         }
     }
 
-    /// Writes the text with all matches replaced into `result`; false, and nothing of use in it, if there
-    /// is none.
-    bool replaceAll(std::string_view text, std::string& result) const {
+    /// Writes the text with all matches replaced into `result`, and where the replacements stand in it into
+    /// `written`; false, and nothing of use in them, if there is no match.
+    bool replaceAll(std::string_view text, std::string& result, std::vector<TextProfile::Range>& written) const {
         Search search(code.get(), text);
         if (!search.next()) return false;
         result.clear();
+        written.clear();
         std::size_t copied = 0;
         do {
             result += text.substr(copied, search.start() - copied);
+            const auto start = result.size();
             appendReplacement(result, search);
+            written.push_back({start, result.size()});
             copied = search.end();
         } while (search.next());
         result += text.substr(copied);
@@ -197,14 +200,13 @@ RuleList& RuleList::operator=(RuleList&&) noexcept = default;
 std::string RuleList::apply(std::string_view text) const {
     auto result = validUtf8(text);
     std::string next;
+    std::vector<TextProfile::Range> written;
     thread_local TextProfile profile;
-    bool isRead = false;
+    profile.read(result);
     for (const auto& rule : rules_) {
-        if (!isRead) profile.read(result);
-        isRead = true;
-        if (!profile.meets(rule.requirement) || !rule.replaceAll(result, next)) continue;
+        if (!profile.meets(rule.requirement) || !rule.replaceAll(result, next, written)) continue;
         result.swap(next);
-        isRead = false;
+        profile.change(result, written);
     }
     return result;
 }

@@ -1,82 +1,110 @@
 #include "foundation/Requirement.h"
 
-#include <algorithm>
+#include "foundation/TextCase.h"
 
 namespace querlin {
 
+namespace {
+
+constexpr std::string_view longS = "\u017F";
+constexpr std::string_view kelvinSign = "\u212A";
+constexpr std::string_view capitalSharpS = "ẞ";
+
+void replaceAll(std::string& text, std::string_view from, std::string_view to) {
+    std::string result;
+    std::size_t copied = 0;
+    for (auto at = text.find(from); at != std::string::npos; at = text.find(from, copied)) {
+        result.append(text, copied, at - copied).append(to);
+        copied = at + from.size();
+    }
+    text = result.append(text, copied);
+}
+
+/// Whether two bytes stand side by side anywhere.
+bool holdsPair(std::string_view text, char first, char second) {
+    bool holds = false;
+    for (std::size_t i = 1; i < text.size(); ++i) holds |= (text[i - 1] == first) & (text[i] == second);
+    return holds;
+}
+
+/// Whether the byte belongs to the character whose first byte stands before it.
+bool continuesScalar(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; }
+
+} // namespace
+
+void foldForSearch(std::string_view text, std::string& folded) {
+    folded.resize(text.size());
+    lowercaseLatin1(text, folded.data());
+    if (text.contains(longS)) replaceAll(folded, longS, "s");
+    if (text.contains(kelvinSign)) replaceAll(folded, kelvinSign, "k");
+    if (text.contains(capitalSharpS)) replaceAll(folded, capitalSharpS, "ß");
+}
+
 bool Requirement::isMetBy(std::string_view text) const {
-    if (literals_.empty() && !isPair_) return true;
-    thread_local TextProfile profile;
-    profile.read(text);
-    return profile.meets(*this);
+    if (isNone()) return true;
+    thread_local std::string folded;
+    foldForSearch(text, folded);
+    if (!isPair_) {
+        return anyLiteral([](std::string_view literal) {
+            return holdsPair(folded, literal[0], literal[1]) && folded.contains(literal);
+        });
+    }
+    for (std::size_t i = 1; i < folded.size(); ++i) {
+        const bool isSecond = second_.contains(static_cast<unsigned char>(folded[i]));
+        if (isSecond && first_.contains(static_cast<unsigned char>(folded[i - 1]))) return true;
+    }
+    return false;
 }
 
 void TextProfile::read(std::string_view text) {
-    fold(text);
+    text_ = text;
+    foldForSearch(text, folded_);
+    isFolded_ = true;
     followers_ = {};
-    if (folded_.empty()) return;
-    auto before = static_cast<unsigned char>(folded_.front());
-    for (const char byte : std::string_view(folded_).substr(1)) {
+    addPairs(folded_);
+}
+
+void TextProfile::change(std::string_view text, std::span<const Range> written) {
+    text_ = text;
+    isFolded_ = false;
+    for (auto [start, end] : written) {
+        // With the whole characters on either side.
+        if (start > 0) --start;
+        while (start > 0 && continuesScalar(text[start])) --start;
+        if (end < text.size()) ++end;
+        while (end < text.size() && continuesScalar(text[end])) ++end;
+        foldForSearch(text.substr(start, end - start), folded_);
+        addPairs(folded_);
+    }
+}
+
+void TextProfile::addPairs(std::string_view folded) {
+    if (folded.empty()) return;
+    auto before = static_cast<unsigned char>(folded.front());
+    for (const char byte : folded.substr(1)) {
         const auto next = static_cast<unsigned char>(byte);
         followers_[before].add(next);
         before = next;
     }
 }
 
-void TextProfile::fold(std::string_view text) {
-    folded_.resize(text.size());
-    auto* out = folded_.data();
-    for (std::size_t at = 0; at < text.size();) {
-        const auto byte = static_cast<unsigned char>(text[at]);
-        const auto rest = text.substr(at);
-        if (byte < 0x80) {
-            const bool isCapital = static_cast<unsigned char>(byte - 'A') < 26;
-            *out++ = static_cast<char>(byte | (isCapital ? 0x20 : 0));
-            ++at;
-        } else if (byte == 0xC3 && rest.size() > 1) {
-            const auto second = static_cast<unsigned char>(rest[1]);
-            const bool isCapital = second >= 0x80 && second <= 0x9E; // × becomes ÷, which nothing looks for.
-            *out++ = static_cast<char>(byte);
-            *out++ = static_cast<char>(isCapital ? second + 0x20 : second);
-            at += 2;
-        } else if (rest.starts_with("\u017F")) {
-            *out++ = 's';
-            at += 2;
-        } else if (rest.starts_with("\u212A")) {
-            *out++ = 'k';
-            at += 3;
-        } else if (rest.starts_with("ẞ")) {
-            out = std::ranges::copy(std::string_view("ß"), out).out;
-            at += 3;
-        } else {
-            *out++ = static_cast<char>(byte);
-            ++at;
-        }
-    }
-    folded_.resize(static_cast<std::size_t>(out - folded_.data()));
-}
-
-bool TextProfile::holds(std::string_view literal) const {
+bool TextProfile::holds(std::string_view literal) {
     for (std::size_t i = 1; i < literal.size(); ++i) {
         const auto& followers = followers_[static_cast<unsigned char>(literal[i - 1])];
         if (!followers.contains(static_cast<unsigned char>(literal[i]))) return false;
     }
+    if (!isFolded_) foldForSearch(text_, folded_);
+    isFolded_ = true;
     return folded_.contains(literal);
 }
 
-bool TextProfile::meets(const Requirement& requirement) const {
-    if (requirement.isPair_) {
-        return requirement.first_.anyOf(
-            [&](unsigned char byte) { return followers_[byte].meets(requirement.second_); });
+bool TextProfile::meets(const Requirement& requirement) {
+    if (requirement.isNone()) return true;
+    if (!requirement.isPair_) {
+        return requirement.anyLiteral([this](std::string_view literal) { return holds(literal); });
     }
-    auto literals = requirement.literals_;
-    if (literals.empty()) return true;
-    while (true) {
-        const auto end = std::min(literals.find('|'), literals.size());
-        if (holds(literals.substr(0, end))) return true;
-        if (end == literals.size()) return false;
-        literals.remove_prefix(end + 1);
-    }
+    return requirement.first_.anyOf(
+        [&](unsigned char byte) { return followers_[byte].meets(requirement.second_); });
 }
 
 } // namespace querlin

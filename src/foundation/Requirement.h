@@ -2,7 +2,9 @@
 
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -68,7 +70,7 @@ inline constexpr ByteSet digitBegins = ByteSet::range('0', '9') | beyondAscii;
 } // namespace Bytes
 
 /// What a text must hold for a pattern to match anywhere in it, told so simply that it costs next to
-/// nothing to see it missing. It speaks of the text in small letters (see `TextProfile`).
+/// nothing to see it missing. It speaks of the text in small letters (see `foldForSearch`).
 ///
 /// It is the duty of whoever writes it to be right: where it names too much, a rule silently never fires.
 class Requirement {
@@ -95,26 +97,52 @@ public:
 
 private:
     friend class TextProfile;
+
+    /// Whether `test` holds for one of the literals.
+    template<class Test>
+    bool anyLiteral(Test test) const {
+        for (auto rest = literals_;;) {
+            const auto end = rest.find('|');
+            if (test(rest.substr(0, end))) return true;
+            if (end == std::string_view::npos) return false;
+            rest.remove_prefix(end + 1);
+        }
+    }
+    constexpr bool isNone() const { return literals_.empty() && !isPair_; }
+
     std::string_view literals_;
     bool isPair_ = false;
     ByteSet first_;
     ByteSet second_;
 };
 
-/// What a text holds, gathered in one pass: which bytes stand behind which, and a copy in small letters to
-/// look for literals in. The copy folds whatever a caseless pattern takes for one of a-z, ä, ö, ü and ß: so
-/// the long s (U+017F) becomes "s", the Kelvin sign "k" and the capital ẞ "ß".
+/// A text in small letters to look for literals in: whatever a caseless pattern takes for one of a-z, ä, ö, ü
+/// and ß is folded to it, so that the long s (U+017F) becomes "s", the Kelvin sign "k" and the capital ẞ "ß".
+void foldForSearch(std::string_view text, std::string& folded);
+
+/// What a text holds, gathered in one pass: which bytes stand behind which. The text must stay where it is.
 class TextProfile {
 public:
     void read(std::string_view text);
+
+    struct Range {
+        std::size_t start = 0;
+        std::size_t end = 0;
+    };
+    /// The text has become this one; only these ranges of it were written anew. What went may still count
+    /// as held.
+    void change(std::string_view text, std::span<const Range> written);
+
     /// False only where nothing that requires this can match.
-    bool meets(const Requirement& requirement) const;
+    bool meets(const Requirement& requirement);
 
 private:
-    void fold(std::string_view text);
-    bool holds(std::string_view literal) const;
+    void addPairs(std::string_view folded);
+    bool holds(std::string_view literal);
 
+    std::string_view text_;
     std::string folded_;
+    bool isFolded_ = false;
     /// For each byte the bytes that stand directly behind it somewhere.
     std::array<ByteSet, 256> followers_{};
 };

@@ -30,48 +30,54 @@ std::string converted(const std::string& text, Convert convert) {
 
 enum class Case : std::uint8_t { Upper, Lower, Fold };
 
-/// Maps a stretch of ASCII.
-void mapAscii(char* bytes, std::size_t count, Case to) {
-    const char first = to == Case::Upper ? 'a' : 'A';
-    for (std::size_t i = 0; i < count; ++i) { // Without a branch, so that it runs over many bytes at once.
-        const bool isMapped = static_cast<unsigned char>(bytes[i] - first) < 26;
-        bytes[i] = static_cast<char>(bytes[i] ^ (isMapped ? 0x20 : 0));
-    }
-}
-
-/// Maps one scalar of U+0080 to U+00FF. What it becomes takes two bytes as well.
+/// Maps one scalar of U+0080 to U+00FF that `lowercaseLatin1` doesn't see to. What it becomes takes two
+/// bytes as well.
 void mapLatin1(char* bytes, Case to) {
     const std::string_view scalar(bytes, 2);
     const auto put = [bytes](std::string_view mapped) { mapped.copy(bytes, 2); };
     if (scalar == "ß") {
-        if (to != Case::Lower) put(to == Case::Upper ? "SS" : "ss");
+        put(to == Case::Upper ? "SS" : "ss");
     } else if (scalar == "\u00B5") { // The micro sign is not the Greek letter.
-        if (to != Case::Lower) put(to == Case::Upper ? "\u039C" : "\u03BC");
+        put(to == Case::Upper ? "\u039C" : "\u03BC");
     } else if (scalar == "ÿ") {
         if (to == Case::Upper) put("Ÿ");
-    } else if (scalar.front() == '\xC3' && scalar != "×" && scalar != "÷") {
+    } else if (to == Case::Upper && scalar.front() == '\xC3' && scalar != "÷") {
         const auto second = static_cast<unsigned char>(bytes[1]);
-        const bool isLower = second >= 0xA0;
-        if (isLower == (to == Case::Upper)) bytes[1] = static_cast<char>(second ^ 0x20U);
+        if (second >= 0xA0) bytes[1] = static_cast<char>(second ^ 0x20U);
     }
 }
 
-/// Maps in place of ICU what German text is made of: ASCII, U+0080 to U+00FF, punctuation. False where
-/// the text has anything else: then nothing of `result` counts.
-bool mapLatin(std::string_view text, Case to, std::string& result) {
+/// Whether a text is made of what German text is made of, as far as its case goes: ASCII, U+0080 to U+00FF,
+/// punctuation. Letters from U+0100 on have rules of their own.
+bool isLatin1WithPunctuation(std::string_view text) {
     if (latinPrefix(text) != text.size()) return false;
-    result.assign(text);
-    for (std::size_t at = 0;;) {
-        const auto ascii = asciiPrefix(text.substr(at));
-        mapAscii(result.data() + at, ascii, to);
-        at += ascii;
-        if (at == text.size()) return true;
-        const auto lead = static_cast<unsigned char>(text[at]);
-        if (lead > 0xC3 && lead < 0xE0) return false; // Letters from U+0100 on have rules of their own.
-        const bool isPunctuation = lead >= 0xE0;
+    bool hasOther = false;
+    for (const char byte : text) {
+        const auto value = static_cast<unsigned char>(byte);
+        hasOther |= value > 0xC3 && value < 0xE0;
+    }
+    return !hasOther;
+}
+
+/// Maps in place of ICU; false, and nothing of use in `result`, where the text has anything else.
+bool mapLatin(std::string_view text, Case to, std::string& result) {
+    if (!isLatin1WithPunctuation(text)) return false;
+    result.resize(text.size());
+    if (to == Case::Upper) {
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            const bool isSmall = static_cast<unsigned char>(text[i] - 'a') < 26;
+            result[i] = static_cast<char>(text[i] - (isSmall ? 0x20 : 0));
+        }
+    } else {
+        lowercaseLatin1(text, result.data());
+    }
+    if (to == Case::Lower) return true;
+    for (auto at = asciiPrefix(text); at < text.size(); at += asciiPrefix(text.substr(at))) {
+        const bool isPunctuation = static_cast<unsigned char>(text[at]) >= 0xE0;
         if (!isPunctuation) mapLatin1(result.data() + at, to);
         at += isPunctuation ? 3 : 2;
     }
+    return true;
 }
 
 const icu::Normalizer2* nfcNormalizer() {
@@ -90,6 +96,18 @@ std::string folded(std::string_view text) {
 }
 
 } // namespace
+
+void lowercaseLatin1(std::string_view text, char* lower) {
+    // Without branches and without looking at what was written, so that it runs over many bytes at once.
+    const auto mapped = [](unsigned char byte, unsigned char lead) {
+        const bool isCapital = static_cast<unsigned char>(byte - 'A') < 26;
+        const bool isUmlaut = lead == 0xC3 && static_cast<unsigned char>(byte - 0x80) < 0x1F && byte != 0x97;
+        return static_cast<char>(byte + (isCapital || isUmlaut ? 0x20 : 0));
+    };
+    if (!text.empty()) lower[0] = mapped(static_cast<unsigned char>(text[0]), 0);
+    for (std::size_t i = 1; i < text.size(); ++i)
+        lower[i] = mapped(static_cast<unsigned char>(text[i]), static_cast<unsigned char>(text[i - 1]));
+}
 
 std::string uppercase(std::string_view text) {
     std::string result;

@@ -10,6 +10,10 @@ namespace querlin {
 std::string uppercase(std::string_view text);
 std::string lowercase(std::string_view text);
 
+/// Small letters for A to Z and U+00C0 to U+00DE alone, byte for byte; all else is copied. Writes as many
+/// bytes as the text has.
+void lowercaseLatin1(std::string_view text, char* lower);
+
 /// Normalisation form C (UAX #15): one form for texts that mean the same, "o\u0308" -> "ö". Ill-formed
 /// bytes become U+FFFD.
 std::string nfc(std::string_view text);

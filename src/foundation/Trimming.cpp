@@ -22,6 +22,7 @@ bool isWhitespaceOrNewline(char32_t scalar) {
 
 /// Where the last scalar begins.
 std::size_t lastScalarStart(std::string_view text) {
+    if (static_cast<unsigned char>(text.back()) < 0x80) return text.size() - 1;
     constexpr std::size_t longest = 4;
     for (std::size_t length = 1; length <= longest && length <= text.size(); ++length) {
         const auto start = text.size() - length;
@@ -59,8 +60,8 @@ bool endsInWhitespaceOrNewline(std::string_view text) {
     return !text.empty() && isWhitespaceOrNewline(firstScalar(text.substr(lastScalarStart(text))));
 }
 
-std::string_view trimAnyOf(std::string_view text, std::u32string_view scalars) {
-    return trimmed(text, [scalars](char32_t scalar) { return scalars.contains(scalar); });
+std::string_view trimAnyOf(std::string_view text, const ScalarSet& scalars) {
+    return trimmed(text, [&scalars](char32_t scalar) { return scalars.contains(scalar); });
 }
 
 } // namespace querlin

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/ScalarSet.h"
+
 #include <string_view>
 
 namespace querlin {
@@ -12,7 +14,7 @@ std::string_view trimBlanksAndTabs(std::string_view text);
 std::string_view trimWhitespaceAndNewlines(std::string_view text);
 /// Whether the last scalar is of that set.
 bool endsInWhitespaceOrNewline(std::string_view text);
-/// Takes the scalars of a set off both ends: "(BGB)." with U"()." -> "BGB".
-std::string_view trimAnyOf(std::string_view text, std::u32string_view scalars);
+/// Takes the scalars of a set off both ends: "(BGB)." with "()." -> "BGB".
+std::string_view trimAnyOf(std::string_view text, const ScalarSet& scalars);
 
 } // namespace querlin

@@ -65,8 +65,7 @@ std::size_t latinPrefix(std::string_view text) {
     }
 }
 
-DecodedScalar decodeScalar(std::string_view text) {
-    if (text.empty()) return {};
+DecodedScalar decodeScalarBeyondAscii(std::string_view text) {
     std::size_t at = 0;
     const auto scalar = nextScalar(text, at);
     return {scalar < 0 ? replacementScalar : static_cast<char32_t>(scalar), at};

@@ -17,7 +17,12 @@ struct DecodedScalar {
 
 /// The first scalar: "ß5" -> U+00DF, 2. Ill-formed UTF-8 gives U+FFFD for each maximal subpart, as the
 /// Unicode Standard recommends (3.9). The empty text gives 0 of no length.
-DecodedScalar decodeScalar(std::string_view text);
+DecodedScalar decodeScalarBeyondAscii(std::string_view text);
+inline DecodedScalar decodeScalar(std::string_view text) {
+    if (text.empty()) return {};
+    const auto first = static_cast<unsigned char>(text.front());
+    return first < 0x80 ? DecodedScalar{first, 1} : decodeScalarBeyondAscii(text);
+}
 
 /// The first scalar; 0 for the empty text.
 inline char32_t firstScalar(std::string_view text) { return decodeScalar(text).scalar; }

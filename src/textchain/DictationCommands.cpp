@@ -4,6 +4,7 @@
 #include "foundation/Graphemes.h"
 #include "foundation/Pattern.h"
 #include "foundation/Trimming.h"
+#include "foundation/WordSet.h"
 #include "foundation/Words.h"
 #include "textchain/Sentences.h"
 #include "textchain/SpacingRules.h"
@@ -70,8 +71,18 @@ constexpr auto discardAll = std::to_array<Phrase>({
     {"alles", "löschen"},
 });
 
+/// The first words of all phrases: where none of them stands, no phrase begins.
+constexpr auto firstWords = [] {
+    std::array<std::string_view, commands.size() + deleteSentence.size() + discardAll.size()> words;
+    auto out = std::ranges::transform(commands, words.begin(), [](const auto& command) { return command.phrase[0]; }).out;
+    const auto first = [](const Phrase& phrase) { return phrase[0]; };
+    out = std::ranges::transform(deleteSentence, out, first).out;
+    std::ranges::transform(discardAll, out, first);
+    return WordSet(words);
+}();
+
 /// Behind one of these a doubtful command is a noun.
-constexpr std::array<std::string_view, 91> determiners = {
+constexpr WordSet<91> determiners({
     "der",       "die",       "das",       "den",       "dem",          "des",          "ein",
     "eine",      "einen",     "einem",     "einer",     "eines",        "dieser",       "diese",
     "dieses",    "diesen",    "diesem",    "jener",     "jene",         "jenes",        "jeden",
@@ -86,17 +97,15 @@ constexpr std::array<std::string_view, 91> determiners = {
     "letztes",   "wichtiger", "wichtige",  "wichtiges", "strittiger",   "strittige",    "strittiges",
     "entscheidender",         "entscheidende",          "entscheidendes",               "springender",
     "wunder",    "obiger",    "genannter",
-};
+});
 
 /// In front of one of these a doubtful command is a noun.
-constexpr std::array<std::string_view, 33> followingVerbs = {
+constexpr WordSet<33> followingVerbs({
     "ist",     "war",    "sind",   "waren",    "wäre",   "wären",    "wird", "wurde",  "werden",
     "würde",   "worden", "bleibt", "blieb",    "gilt",   "galt",     "scheint", "erscheint", "lautet",
     "betrifft", "steht", "stand",  "muss",     "musste", "kann",     "konnte", "soll",  "sollte",
     "darf",    "durfte", "hat",    "hatte",    "haben",  "hätte",
-};
-
-static_assert(!determiners.back().empty() && !followingVerbs.back().empty(), "no row is missing");
+});
 
 const RuleList& proseTidying() {
     using namespace SpacingRules;
@@ -126,19 +135,6 @@ std::string tidied(std::string_view text, Mode mode) {
     return capitalizeSentences(trimWhitespaceAndNewlines(proseTidying().apply(text)));
 }
 
-struct SpokenWord {
-    GapAndWord written;
-    std::string compared;
-};
-
-std::vector<SpokenWord> spokenWords(std::string_view text) {
-    std::vector<SpokenWord> words;
-    for (const auto& written : splitIntoWords(text).words) {
-        words.push_back({written, comparedForm(written.word)});
-    }
-    return words;
-}
-
 std::size_t lengthOf(const Phrase& phrase) {
     return static_cast<std::size_t>(
         std::ranges::find_if(phrase, [](auto word) { return word.empty(); }) - phrase.begin());
@@ -157,25 +153,26 @@ void removeBlanksAtEnd(std::string& text) { text.resize(text.find_last_not_of(' 
 /// The text as far as it has been said, and what has been done.
 class Dictation {
 public:
-    Dictation(std::string_view source, Mode mode) : words_(spokenWords(source)), mode_(mode) {
+    Dictation(std::string_view source, Mode mode) : words_(source), mode_(mode) {
         text_.reserve(source.size());
     }
 
     Outcome carryOut() {
         for (at_ = 0; at_ < words_.size();) {
-            if (findPhrase(discardAll) != 0) {
+            const bool mayBeginPhrase = firstWords.contains(words_.compared(at_));
+            if (mayBeginPhrase && findPhrase(discardAll) != 0) {
                 applied_.emplace_back("alles verwerfen");
                 return {"", true, std::move(applied_)};
             }
-            if (const auto length = findPhrase(deleteSentence)) {
+            if (const auto length = mayBeginPhrase ? findPhrase(deleteSentence) : 0) {
                 cutLastSentence();
                 applied_.emplace_back("streiche das");
                 at_ += length;
-            } else if (const auto* command = findCommand()) {
+            } else if (const auto* command = mayBeginPhrase ? findCommand() : nullptr) {
                 write(*command);
                 at_ += lengthOf(command->phrase);
             } else {
-                write(words_[at_].written);
+                writeWord();
                 ++at_;
             }
         }
@@ -185,7 +182,7 @@ public:
 private:
     bool isSpokenHere(const Phrase& phrase) const {
         for (std::size_t i = 0; i < phrase.size() && !phrase[i].empty(); ++i) {
-            if (at_ + i >= words_.size() || words_[at_ + i].compared != phrase[i]) return false;
+            if (words_.compared(at_ + i) != phrase[i]) return false;
         }
         return true;
     }
@@ -205,9 +202,8 @@ private:
 
     bool isNoun(std::size_t length) const {
         const auto next = at_ + length;
-        const bool standsBehindDeterminer = at_ > 0 && std::ranges::count(determiners, words_[at_ - 1].compared) > 0;
-        return standsBehindDeterminer ||
-               (next < words_.size() && std::ranges::count(followingVerbs, words_[next].compared) > 0);
+        const bool standsBehindDeterminer = at_ > 0 && determiners.contains(words_.compared(at_ - 1));
+        return standsBehindDeterminer || followingVerbs.contains(words_.compared(next));
     }
 
     void write(const Command& command) {
@@ -228,16 +224,16 @@ private:
         applied_.push_back(std::move(name));
     }
 
-    void write(const GapAndWord& word) {
+    void writeWord() {
         if (!text_.empty()) {
-            if (const auto breaks = lineBreaks(word.gap); !breaks.empty()) {
+            if (const auto breaks = lineBreaks(words_.gap(at_)); !breaks.empty()) {
                 removeBlanksAtEnd(text_);
                 text_ += breaks;
             } else if (wantsBlankBeforeWord()) {
                 text_ += ' ';
             }
         }
-        text_ += word.word;
+        text_ += words_.word(at_);
     }
 
     bool wantsBlankBeforeOpening() const {
@@ -260,7 +256,7 @@ private:
         text_.resize(end + 1); // Nothing is left where no sentence stands before it.
     }
 
-    std::vector<SpokenWord> words_;
+    Words words_;
     Mode mode_;
     std::size_t at_ = 0;
     std::string text_;

@@ -62,7 +62,7 @@ std::string apply(std::string_view text) { return normalizeCaseNumbers(normalize
 
 std::string normalizeDates(std::string_view text) {
     static const Pattern writtenOut(fmt::format(R"(\b(\d{{1,2}})\.?\s+({})\s+(\d{{4}})\b)", monthNames),
-                                    LetterCase::ignored, Requirement::oneOf(monthNames));
+                                    LetterCase::ignored, Requirement::pair(Bytes::digitBegins, ByteSet(".") | Bytes::whitespaceBegins));
     static const Pattern numeric(R"(\b(\d{1,2})\.(\d{1,2})\.(\d{4})\b)", LetterCase::counts,
                                  Requirement::pair(ByteSet("."), Bytes::digitBegins));
     const auto inNumbers = writtenOut.replaceEach(text, [](Pattern::Groups match) {

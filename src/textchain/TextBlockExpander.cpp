@@ -43,10 +43,11 @@ std::vector<SpokenBlock> inOrderOfMatching(std::span<const TextBlock> blocks) {
     return spoken;
 }
 
-const SpokenBlock* blockAt(std::span<const SpokenBlock> blocks, std::span<const std::string> words) {
-    const auto found = std::ranges::find_if(blocks, [words](const SpokenBlock& block) {
-        return block.name.size() <= words.size() &&
-               std::ranges::equal(block.name, words.first(block.name.size()));
+const SpokenBlock* blockAt(std::span<const SpokenBlock> blocks, const Words& words, std::size_t at) {
+    const auto found = std::ranges::find_if(blocks, [&](const SpokenBlock& block) {
+        auto next = at;
+        return at + block.name.size() <= words.size() &&
+               std::ranges::all_of(block.name, [&](const auto& part) { return words.compared(next++) == part; });
     });
     return found == blocks.end() ? nullptr : &*found;
 }
@@ -75,21 +76,18 @@ Outcome expand(std::string_view text, std::span<const TextBlock> blocks, Date no
     constexpr auto trigger = Requirement::oneOf("baustein|vorlage");
     if (!trigger.isMetBy(text)) return {std::string(withoutTrailingGap(text)), {}};
     const auto spoken = inOrderOfMatching(blocks);
-    const auto words = splitIntoWords(text).words;
-    std::vector<std::string> compared;
-    compared.reserve(words.size());
-    for (const auto& [gap, word] : words) compared.push_back(comparedForm(word));
+    const Words words(text);
 
     Outcome outcome;
     for (std::size_t at = 0; at < words.size();) {
-        const bool isTrigger = std::ranges::count(triggers, compared[at]) > 0;
-        const auto* match = isTrigger ? blockAt(spoken, std::span(compared).subspan(at + 1)) : nullptr;
+        const bool isTrigger = std::ranges::count(triggers, words.compared(at)) > 0;
+        const auto* match = isTrigger ? blockAt(spoken, words, at + 1) : nullptr;
         if (match) {
             appendContent(outcome.text, fillPlaceholders(match->block->content, now));
             outcome.usedBlocks.push_back(match->block->name);
             at += 1 + match->name.size();
         } else {
-            outcome.text.append(words[at].gap).append(words[at].word);
+            outcome.text += words.raw(at);
             ++at;
         }
     }

@@ -9,9 +9,9 @@ namespace querlin::Tokenizer {
 
 namespace {
 
-constexpr std::u32string_view closingPunctuation = U".,;:!?)\"'“–";
+constexpr ScalarSet closingPunctuation(U".,;:!?)\"'“–");
 
-bool isMadeOf(std::string_view character, std::u32string_view scalars) {
+bool isMadeOf(std::string_view character, const ScalarSet& scalars) {
     while (!character.empty()) {
         const auto next = decodeScalar(character);
         if (!scalars.contains(next.scalar)) return false;
@@ -23,13 +23,13 @@ bool isMadeOf(std::string_view character, std::u32string_view scalars) {
 } // namespace
 
 std::vector<Token> split(std::string_view text) {
-    const auto [words, rest] = splitIntoWords(text);
+    const Words words(text);
     std::vector<Token> tokens;
     tokens.reserve(words.size() + 1);
-    for (const auto& [gap, word] : words) {
-        tokens.push_back({std::string(gap).append(word), comparedForm(word)});
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        tokens.push_back({std::string(words.raw(i)), std::string(words.compared(i))});
     }
-    if (!rest.empty()) tokens.push_back({std::string(rest), ""});
+    if (!words.rest().empty()) tokens.push_back({std::string(words.rest()), ""});
     return tokens;
 }
 

@@ -20,17 +20,27 @@ std::string withoutBlanks(std::string_view text) {
 
 std::string closedUp(std::string_view text) { return lowercase(withoutBlanks(text)); }
 
+/// Whether a text begins with these small letters; blanks and case don't count.
+bool beginsWith(std::string_view text, std::string_view beginning) {
+    for (; !text.empty() && !beginning.empty(); text.remove_prefix(1)) {
+        if (text.front() == ' ') continue;
+        if (lowercase(text.substr(0, 1)) != beginning.substr(0, 1)) return false;
+        beginning.remove_prefix(1);
+    }
+    return beginning.empty();
+}
+
 std::optional<std::string> closedUpMatch(Pattern::Groups match) { return closedUp(match.front()); }
 
 } // namespace
 
 bool looksLikeAddress(std::string_view text, AddressTest test) {
     static const Pattern bareDomain(R"(^[a-z0-9][a-z0-9\-]*(\.[a-z0-9\-]+)*\.[a-z]{2,6}(/[^\s]*)?\.?$)");
+    const bool beginsLikeOne = beginsWith(text, "www.") || beginsWith(text, "http://") || beginsWith(text, "https://");
+    if (!beginsLikeOne && test == AddressTest::strict) return false;
     const auto compact = closedUp(text);
-    if (compact.empty() || firstGraphemes(compact, longestAddressInCharacters).size() < compact.size()) return false;
-    const auto begins = [&compact](std::string_view beginning) { return compact.starts_with(beginning); };
-    if (begins("www.") || begins("http://") || begins("https://")) return true;
-    return test == AddressTest::lenient && bareDomain.isFoundIn(compact);
+    if (firstGraphemes(compact, longestAddressInCharacters).size() < compact.size()) return false;
+    return beginsLikeOne || bareDomain.isFoundIn(compact);
 }
 
 std::string compactWholeText(std::string_view text) {

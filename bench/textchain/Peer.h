@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+/// The peer: the sources of the text chain compiled a second time, in the namespace `querlin_icu`, with
+/// IcuPattern.cpp in place of foundation/Pattern.cpp. Both chains are the same but for how regular
+/// expressions are carried out.
+namespace icu_peer {
+
+std::string runWholeChain(std::string_view transcript, bool appliesCommands, bool isCompact);
+
+/// All expressions that it has compiled so far, and whether they ignore the case.
+std::vector<std::pair<std::string, bool>> compiledExpressions();
+
+} // namespace icu_peer

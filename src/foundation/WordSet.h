@@ -1,0 +1,32 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+namespace querlin {
+
+/// A table of words to look others up in; most that aren't in it are told by their first byte and length.
+template<std::size_t size>
+class WordSet {
+public:
+    constexpr explicit WordSet(const std::array<std::string_view, size>& words) : sorted_(words) {
+        std::ranges::sort(sorted_);
+        for (const auto word : words) lengths_[firstByte(word)] |= bitOf(word);
+    }
+    constexpr bool contains(std::string_view word) const {
+        if (word.empty() || (lengths_[firstByte(word)] & bitOf(word)) == 0) return false;
+        return std::ranges::binary_search(sorted_, word);
+    }
+
+private:
+    static constexpr std::size_t firstByte(std::string_view word) { return static_cast<unsigned char>(word.front()); }
+    static constexpr std::uint32_t bitOf(std::string_view word) { return std::uint32_t{1} << (word.size() % 32U); }
+
+    std::array<std::string_view, size> sorted_;
+    /// For each first byte the lengths, modulo 32, of the words that begin with it.
+    std::array<std::uint32_t, 256> lengths_{};
+};
+
+} // namespace querlin
