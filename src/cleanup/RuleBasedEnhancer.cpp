@@ -53,7 +53,7 @@ const RuleList& removals() {
     static const auto list = [] {
         RuleList rules;
         const auto remove = [&rules](std::string_view pattern, std::string_view literal) {
-            rules.add({fmt::format(R"((?<!\p{{L}}){}(?!\p{{L}}),?\s*)", pattern), "", Requirement::oneOf(literal),
+            rules.add({fmt::format(R"((?<!\p{{L}}){}(?!\p{{L}}),?\s*)", pattern), "", Requirement::beginsWith(literal),
                        LetterCase::ignored});
         };
         for (const auto word : hesitations) remove(word, word);

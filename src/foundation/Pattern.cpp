@@ -57,29 +57,79 @@ std::string errorText(int code) {
     return {buffer.begin(), std::ranges::find(buffer, 0)};
 }
 
-Code compiled(std::string_view expression, LetterCase letterCase) {
-    const auto options = PCRE2_UTF | PCRE2_UCP | (letterCase == LetterCase::ignored ? PCRE2_CASELESS : 0U);
-    int error = 0;
-    std::size_t offset = 0;
-    Code code(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(expression.data()), expression.size(), options,
-                            &error, &offset, nullptr));
-    if (!code) throw std::logic_error(std::string(expression) + ": " + errorText(error));
-    pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE); // Without it the interpreter matches.
-    return code;
-}
+/// An expression, ready to be matched.
+struct Expression {
+    Expression(std::string_view expression, LetterCase letterCase, const Requirement& required) : requirement(required) {
+        const auto options = PCRE2_UTF | PCRE2_UCP | (letterCase == LetterCase::ignored ? PCRE2_CASELESS : 0U) |
+                             (requirement.kind() == Requirement::Kind::beginning ? PCRE2_ANCHORED : 0U);
+        int error = 0;
+        std::size_t offset = 0;
+        code.reset(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(expression.data()), expression.size(), options, &error,
+                                 &offset, nullptr));
+        if (!code) throw std::logic_error(std::string(expression) + ": " + errorText(error));
+        pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE); // Without it the interpreter matches.
+    }
 
-/// The matches of a pattern in a well-formed text, from first to last.
+    Code code;
+    Requirement requirement;
+};
+
+/// The places where one of several literals begins, from first to last.
+class Candidates {
+public:
+    Candidates(const Requirement& requirement, const FoldedText& folded, std::string_view text) :
+        text_(text), folded_(folded) {
+        requirement.anyLiteral([this](std::string_view literal) {
+            next_.push_back({literal, 0, true});
+            return false;
+        });
+    }
+
+    /// The first place from `from` on, which never goes back; npos if there is none.
+    std::size_t atOrBehind(std::size_t from) {
+        if (!folded_.keepsPlaces()) return from < text_.size() ? from : std::string_view::npos;
+        auto first = std::string_view::npos;
+        for (auto& next : next_) {
+            if (next.isUnknown || next.place < from) next.place = folded_.text().find(next.literal, from);
+            next.isUnknown = false;
+            first = std::min(first, next.place);
+        }
+        return first;
+    }
+
+private:
+    struct Next {
+        std::string_view literal;
+        std::size_t place;
+        bool isUnknown;
+    };
+    std::string_view text_;
+    const FoldedText& folded_;
+    std::vector<Next> next_;
+};
+
+/// The matches of an expression in a well-formed text, from first to last.
 class Search {
 public:
-    Search(const pcre2_code* code, std::string_view text) : code_(code), text_(text) {}
+    Search(const Expression& expression, std::string_view text, const FoldedText& folded) :
+        code_(expression.code.get()), text_(text) {
+        if (expression.requirement.kind() == Requirement::Kind::beginning)
+            candidates_.emplace(expression.requirement, folded, text);
+    }
 
     bool next() {
-        if (from_ > text_.size()) return false;
-        count_ = match();
-        if (count_ <= 0) return false;
-        const bool isEmpty = start() == end();
-        from_ = end() + (isEmpty ? std::max<std::size_t>(1, decodeScalar(text_.substr(end())).lengthInBytes) : 0);
-        return true;
+        while (from_ <= text_.size()) {
+            const auto start = candidates_ ? candidates_->atOrBehind(from_) : from_;
+            if (start == std::string_view::npos) return false;
+            count_ = match(start);
+            if (count_ > 0) {
+                from_ = end() + (end() == this->start() ? lengthOfScalar(end()) : 0);
+                return true;
+            }
+            if (!candidates_) return false;
+            from_ = start + lengthOfScalar(start);
+        }
+        return false;
     }
     std::size_t start() const { return offsets()[0]; }
     std::size_t end() const { return offsets()[1]; }
@@ -93,13 +143,16 @@ public:
 
 private:
     const std::size_t* offsets() const { return pcre2_get_ovector_pointer(workplace_.data.get()); }
+    std::size_t lengthOfScalar(std::size_t at) const {
+        return std::max<std::size_t>(1, decodeScalar(text_.substr(at)).lengthInBytes);
+    }
 
-    int match() {
+    int match(std::size_t from) {
         const auto* subject = reinterpret_cast<PCRE2_SPTR>(text_.data());
-        auto result = pcre2_jit_match(code_, subject, text_.size(), from_, 0, workplace_.data.get(),
+        auto result = pcre2_jit_match(code_, subject, text_.size(), from, 0, workplace_.data.get(),
                                       workplace_.context.get());
         if (result == PCRE2_ERROR_JIT_BADOPTION || result == PCRE2_ERROR_JIT_STACKLIMIT) {
-            result = pcre2_match(code_, subject, text_.size(), from_, PCRE2_NO_UTF_CHECK | PCRE2_NO_JIT,
+            result = pcre2_match(code_, subject, text_.size(), from, PCRE2_NO_UTF_CHECK | PCRE2_NO_JIT,
                                  workplace_.data.get(), workplace_.context.get());
         }
         return result;
@@ -107,6 +160,7 @@ private:
 
     const pcre2_code* code_;
     std::string_view text_;
+    std::optional<Candidates> candidates_;
     Workplace& workplace_ = Workplace::ofThisThread();
     std::size_t from_ = 0;
     int count_ = 0;
@@ -117,28 +171,34 @@ private:
 // Pattern
 
 struct Pattern::Compiled {
-    Code code;
-    Requirement requirement;
+    Expression expression;
 };
 
 Pattern::Pattern(std::string_view expression, LetterCase letterCase, Requirement requirement) :
-    compiled_(std::make_unique<Compiled>(Compiled{compiled(expression, letterCase), requirement})) {}
+    compiled_(std::make_unique<Compiled>(Compiled{{expression, letterCase, requirement}})) {}
 Pattern::~Pattern() = default;
 Pattern::Pattern(Pattern&&) noexcept = default;
 Pattern& Pattern::operator=(Pattern&&) noexcept = default;
 
 bool Pattern::isFoundIn(std::string_view text) const {
+    const auto& expression = compiled_->expression;
     const auto valid = validUtf8(text);
-    return compiled_->requirement.isMetBy(valid) && Search(compiled_->code.get(), valid).next();
+    if (!expression.requirement.isMetBy(valid)) return false;
+    FoldedText folded;
+    folded.read(valid);
+    return Search(expression, valid, folded).next();
 }
 
 std::string Pattern::replaceEach(std::string_view text, const Replacement& replacement) const {
+    const auto& expression = compiled_->expression;
     auto valid = validUtf8(text);
-    if (!compiled_->requirement.isMetBy(valid)) return valid;
+    if (!expression.requirement.isMetBy(valid)) return valid;
+    FoldedText folded;
+    folded.read(valid);
     std::string result;
     std::size_t copied = 0;
     std::vector<std::string_view> groups;
-    for (Search search(compiled_->code.get(), valid); search.next();) {
+    for (Search search(expression, valid, folded); search.next();) {
         // The groups are gathered first: the replacement may use patterns of its own.
         const auto [start, end] = std::pair(search.start(), search.end());
         groups.clear();
@@ -154,9 +214,8 @@ std::string Pattern::replaceEach(std::string_view text, const Replacement& repla
 // RuleList
 
 struct RuleList::Compiled {
-    Code code;
+    Expression expression;
     std::string replacement;
-    Requirement requirement;
 
     void appendReplacement(std::string& text, const Search& match) const {
         for (std::size_t i = 0; i < replacement.size(); ++i) {
@@ -171,8 +230,9 @@ struct RuleList::Compiled {
 
     /// Writes the text with all matches replaced into `result`, and where the replacements stand in it into
     /// `written`; false, and nothing of use in them, if there is no match.
-    bool replaceAll(std::string_view text, std::string& result, std::vector<TextProfile::Range>& written) const {
-        Search search(code.get(), text);
+    bool replaceAll(std::string_view text, const FoldedText& folded, std::string& result,
+                    std::vector<TextProfile::Range>& written) const {
+        Search search(expression, text, folded);
         if (!search.next()) return false;
         result.clear();
         written.clear();
@@ -191,7 +251,7 @@ struct RuleList::Compiled {
 
 RuleList::RuleList() = default;
 void RuleList::add(const Rule& rule) {
-    rules_.push_back({compiled(rule.pattern, rule.letterCase), std::string(rule.replacement), rule.requirement});
+    rules_.push_back({{rule.pattern, rule.letterCase, rule.requirement}, std::string(rule.replacement)});
 }
 RuleList::~RuleList() = default;
 RuleList::RuleList(RuleList&&) noexcept = default;
@@ -204,7 +264,8 @@ std::string RuleList::apply(std::string_view text) const {
     thread_local TextProfile profile;
     profile.read(result);
     for (const auto& rule : rules_) {
-        if (!profile.meets(rule.requirement) || !rule.replaceAll(result, next, written)) continue;
+        if (!profile.meets(rule.expression.requirement)) continue;
+        if (!rule.replaceAll(result, profile.folded(), next, written)) continue;
         result.swap(next);
         profile.change(result, written);
     }

@@ -32,36 +32,38 @@ bool continuesScalar(char byte) { return (static_cast<unsigned char>(byte) & 0xC
 
 } // namespace
 
-void foldForSearch(std::string_view text, std::string& folded) {
-    folded.resize(text.size());
-    lowercaseLatin1(text, folded.data());
-    if (text.contains(longS)) replaceAll(folded, longS, "s");
-    if (text.contains(kelvinSign)) replaceAll(folded, kelvinSign, "k");
-    if (text.contains(capitalSharpS)) replaceAll(folded, capitalSharpS, "ß");
+void FoldedText::read(std::string_view text) {
+    folded_.resize(text.size());
+    lowercaseLatin1(text, folded_.data());
+    if (text.contains(longS)) replaceAll(folded_, longS, "s");
+    if (text.contains(kelvinSign)) replaceAll(folded_, kelvinSign, "k");
+    if (text.contains(capitalSharpS)) replaceAll(folded_, capitalSharpS, "ß");
+    keepsPlaces_ = folded_.size() == text.size();
 }
 
 bool Requirement::isMetBy(std::string_view text) const {
-    if (isNone()) return true;
-    thread_local std::string folded;
-    foldForSearch(text, folded);
-    if (!isPair_) {
-        return anyLiteral([](std::string_view literal) {
-            return holdsPair(folded, literal[0], literal[1]) && folded.contains(literal);
+    if (kind_ == Kind::none) return true;
+    thread_local FoldedText folded;
+    folded.read(text);
+    const auto bytes = folded.text();
+    if (kind_ != Kind::pair) {
+        return anyLiteral([bytes](std::string_view literal) {
+            return holdsPair(bytes, literal[0], literal[1]) && bytes.contains(literal);
         });
     }
-    for (std::size_t i = 1; i < folded.size(); ++i) {
-        const bool isSecond = second_.contains(static_cast<unsigned char>(folded[i]));
-        if (isSecond && first_.contains(static_cast<unsigned char>(folded[i - 1]))) return true;
+    for (std::size_t i = 1; i < bytes.size(); ++i) {
+        const bool isFirst = first_.contains(static_cast<unsigned char>(bytes[i - 1]));
+        if (isFirst && second_.contains(static_cast<unsigned char>(bytes[i]))) return true;
     }
     return false;
 }
 
 void TextProfile::read(std::string_view text) {
     text_ = text;
-    foldForSearch(text, folded_);
+    folded_.read(text);
     isFolded_ = true;
     followers_ = {};
-    addPairs(folded_);
+    addPairs(folded_.text());
 }
 
 void TextProfile::change(std::string_view text, std::span<const Range> written) {
@@ -73,9 +75,15 @@ void TextProfile::change(std::string_view text, std::span<const Range> written) 
         while (start > 0 && continuesScalar(text[start])) --start;
         if (end < text.size()) ++end;
         while (end < text.size() && continuesScalar(text[end])) ++end;
-        foldForSearch(text.substr(start, end - start), folded_);
-        addPairs(folded_);
+        folded_.read(text.substr(start, end - start));
+        addPairs(folded_.text());
     }
+}
+
+const FoldedText& TextProfile::folded() {
+    if (!isFolded_) folded_.read(text_);
+    isFolded_ = true;
+    return folded_;
 }
 
 void TextProfile::addPairs(std::string_view folded) {
@@ -93,18 +101,20 @@ bool TextProfile::holds(std::string_view literal) {
         const auto& followers = followers_[static_cast<unsigned char>(literal[i - 1])];
         if (!followers.contains(static_cast<unsigned char>(literal[i]))) return false;
     }
-    if (!isFolded_) foldForSearch(text_, folded_);
-    isFolded_ = true;
-    return folded_.contains(literal);
+    return folded().text().contains(literal);
 }
 
 bool TextProfile::meets(const Requirement& requirement) {
-    if (requirement.isNone()) return true;
-    if (!requirement.isPair_) {
+    switch (requirement.kind()) {
+    case Requirement::Kind::none: return true;
+    case Requirement::Kind::literal:
+    case Requirement::Kind::beginning:
         return requirement.anyLiteral([this](std::string_view literal) { return holds(literal); });
+    case Requirement::Kind::pair:
+        return requirement.first_.anyOf(
+            [&](unsigned char byte) { return followers_[byte].meets(requirement.second_); });
     }
-    return requirement.first_.anyOf(
-        [&](unsigned char byte) { return followers_[byte].meets(requirement.second_); });
+    return true;
 }
 
 } // namespace querlin

@@ -70,37 +70,44 @@ inline constexpr ByteSet digitBegins = ByteSet::range('0', '9') | beyondAscii;
 } // namespace Bytes
 
 /// What a text must hold for a pattern to match anywhere in it, told so simply that it costs next to
-/// nothing to see it missing. It speaks of the text in small letters (see `foldForSearch`).
+/// nothing to see it missing. It speaks of the text in small letters (see `FoldedText`).
 ///
 /// It is the duty of whoever writes it to be right: where it names too much, a rule silently never fires.
 class Requirement {
 public:
-    /// Nothing: the pattern is always tried.
+    enum class Kind : std::uint8_t { none, literal, beginning, pair };
+
+    /// Nothing: the pattern is always tried, everywhere.
     constexpr Requirement() = default;
     /// One of these texts, with "|" between them; each small and of two bytes at least: "märz|maerz".
     static constexpr Requirement oneOf(std::string_view literals) {
         Requirement requirement;
+        requirement.kind_ = Kind::literal;
         requirement.literals_ = literals;
+        return requirement;
+    }
+    /// The same, and every match begins with it: the pattern is tried there alone.
+    static constexpr Requirement beginsWith(std::string_view literals) {
+        auto requirement = oneOf(literals);
+        requirement.kind_ = Kind::beginning;
         return requirement;
     }
     /// A byte of one set directly in front of a byte of another.
     static constexpr Requirement pair(const ByteSet& first, const ByteSet& second) {
         Requirement requirement;
-        requirement.isPair_ = true;
+        requirement.kind_ = Kind::pair;
         requirement.first_ = first;
         requirement.second_ = second;
         return requirement;
     }
 
-    /// Reads the whole text; for several requirements read it once with `TextProfile`.
+    constexpr Kind kind() const { return kind_; }
+    /// Of one text alone; several are quicker with a `TextProfile`.
     bool isMetBy(std::string_view text) const;
-
-private:
-    friend class TextProfile;
 
     /// Whether `test` holds for one of the literals.
     template<class Test>
-    bool anyLiteral(Test test) const {
+    constexpr bool anyLiteral(Test test) const {
         for (auto rest = literals_;;) {
             const auto end = rest.find('|');
             if (test(rest.substr(0, end))) return true;
@@ -108,17 +115,29 @@ private:
             rest.remove_prefix(end + 1);
         }
     }
-    constexpr bool isNone() const { return literals_.empty() && !isPair_; }
 
+private:
+    friend class TextProfile;
+
+    Kind kind_ = Kind::none;
     std::string_view literals_;
-    bool isPair_ = false;
     ByteSet first_;
     ByteSet second_;
 };
 
 /// A text in small letters to look for literals in: whatever a caseless pattern takes for one of a-z, ä, ö, ü
 /// and ß is folded to it, so that the long s (U+017F) becomes "s", the Kelvin sign "k" and the capital ẞ "ß".
-void foldForSearch(std::string_view text, std::string& folded);
+class FoldedText {
+public:
+    void read(std::string_view text);
+    std::string_view text() const { return folded_; }
+    /// Whether each place is the same in both.
+    bool keepsPlaces() const { return keepsPlaces_; }
+
+private:
+    std::string folded_;
+    bool keepsPlaces_ = true;
+};
 
 /// What a text holds, gathered in one pass: which bytes stand behind which. The text must stay where it is.
 class TextProfile {
@@ -135,13 +154,14 @@ public:
 
     /// False only where nothing that requires this can match.
     bool meets(const Requirement& requirement);
+    const FoldedText& folded();
 
 private:
     void addPairs(std::string_view folded);
     bool holds(std::string_view literal);
 
     std::string_view text_;
-    std::string folded_;
+    FoldedText folded_;
     bool isFolded_ = false;
     /// For each byte the bytes that stand directly behind it somewhere.
     std::array<ByteSet, 256> followers_{};

@@ -6,6 +6,28 @@
 
 namespace querlin {
 
+namespace {
+
+/// `forEachWord` for a text in which nothing combines and no white space lies beyond U+00FF.
+template<class Call>
+void forEachSimpleWord(std::string_view text, Call call) {
+    std::size_t start = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        const bool isLatin1 = byte == 0xC2;
+        const auto scalar = isLatin1 ? char32_t{static_cast<unsigned char>(text[at + 1])} : char32_t{byte};
+        const std::size_t length = isLatin1 ? 2 : 1;
+        if ((byte < 0x80 || isLatin1) && isWhitespace(scalar)) {
+            if (at > start) call(text.substr(start, at - start));
+            start = at + length;
+        }
+        at += length;
+    }
+    if (start < text.size()) call(text.substr(start));
+}
+
+} // namespace
+
 std::string comparedForm(std::string_view word) { return nfc(lowercase(trimAnyOf(word, wordPunctuation))); }
 
 Words::Words(std::string_view text) : forms_(lowercase(text)) {
@@ -15,7 +37,8 @@ Words::Words(std::string_view text) : forms_(lowercase(text)) {
     if (!isSimple) forms_.clear();
     const auto* const start = text.data();
     std::size_t gapStart = 0;
-    forEachWord(text, [&](std::string_view word) {
+    words_.reserve(text.size() / 6);
+    const auto take = [&](std::string_view word) {
         const auto wordStart = static_cast<std::size_t>(word.data() - start);
         Entry entry{text.substr(gapStart, wordStart - gapStart), word};
         const auto bare = trimAnyOf(word, wordPunctuation);
@@ -30,7 +53,12 @@ Words::Words(std::string_view text) : forms_(lowercase(text)) {
         }
         words_.push_back(entry);
         gapStart = wordStart + word.size();
-    });
+    };
+    if (isSimple) {
+        forEachSimpleWord(text, take);
+    } else {
+        forEachWord(text, take);
+    }
     rest_ = text.substr(gapStart);
 }
 

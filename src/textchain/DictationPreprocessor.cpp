@@ -34,7 +34,7 @@ const RuleList& rules() {
     static const auto list = [] {
         RuleList rules;
         for (const auto& [phrase, mark] : spokenMarks) {
-            rules.add({fmt::format(R"((?<!\p{{L}}){}(?!\p{{L}}))", phrase), mark, Requirement::oneOf(phrase),
+            rules.add({fmt::format(R"((?<!\p{{L}}){}(?!\p{{L}}))", phrase), mark, Requirement::beginsWith(phrase),
                        LetterCase::ignored});
         }
         using namespace SpacingRules;

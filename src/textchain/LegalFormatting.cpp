@@ -76,7 +76,7 @@ std::string normalizeDates(std::string_view text) {
 std::string normalizeCaseNumbers(std::string_view text) {
     static const Pattern caseNumber(
         R"((Aktenzeichen|Az\.?|Gesch\.-Nr\.?)\s+([IVXLCDM]+|\d{1,3})\s+(\d{1,6})\s*+(?:/\s*+)?(\d{2,4})\b)",
-        LetterCase::ignored, Requirement::oneOf("aktenzeichen|az|gesch.-nr"));
+        LetterCase::ignored, Requirement::beginsWith("aktenzeichen|az|gesch.-nr"));
     return caseNumber.replaceEach(text, [](Pattern::Groups match) {
         return std::optional(fmt::format("{} {} {}/{}", match[1], match[2], match[3], match[4]));
     });

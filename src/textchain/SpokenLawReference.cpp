@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <deque>
 #include <vector>
 
 #include <fmt/format.h>
@@ -155,7 +156,7 @@ public:
     bool isAtEnd(std::size_t index) const { return index >= tokens_.size(); }
     /// The compared form of a token; empty behind the last.
     std::string_view word(std::size_t index) const {
-        return isAtEnd(index) ? std::string_view() : std::string_view(tokens_[index].normalized);
+        return isAtEnd(index) ? std::string_view() : tokens_[index].normalized;
     }
 
     std::optional<Read<std::string>> number(std::size_t index) const {
@@ -217,10 +218,7 @@ private:
 
     std::string joined(std::size_t index, std::size_t length) const {
         std::string text;
-        for (const auto& token : tokens_.subspan(index, length)) {
-            if (!text.empty()) text += ' ';
-            text += token.normalized;
-        }
+        for (auto at = index; at < index + length; ++at) text.append(at > index ? " " : "").append(word(at));
         return text;
     }
 
@@ -274,22 +272,25 @@ std::optional<ParsedReference> parseReference(Tokens tokens, std::size_t index, 
     return parsed;
 }
 
-Token replacement(const Token& first, std::string_view text, const Token& last) {
-    return {fmt::format("{}{}{}{}", Tokenizer::leadingWhitespace(first.raw), leadingPunctuation(first.raw), text,
-                        Tokenizer::trailingPunctuation(last.raw)),
-            ""};
+std::string replacement(const Token& first, std::string_view text, const Token& last) {
+    return fmt::format("{}{}{}{}", Tokenizer::leadingWhitespace(first.raw), leadingPunctuation(first.raw), text,
+                       Tokenizer::trailingPunctuation(last.raw));
 }
 
 std::string normalizeReferences(std::string_view text) {
     constexpr auto marker = Requirement::oneOf("paragra|parapgraph|§");
     if (!marker.isMetBy(text)) return std::string(text);
-    const auto tokens = Tokenizer::split(text);
+    const Tokenizer::Split split(text);
+    const auto tokens = split.tokens();
     std::vector<Token> result;
     result.reserve(tokens.size());
+    std::deque<std::string> citations;
     for (std::size_t at = 0; at < tokens.size();) {
         const auto parsed = isParagraphMarker(tokens[at]) ? parseReference(tokens, at, Marker::required) : std::nullopt;
         if (parsed) {
-            result.push_back(replacement(tokens[at], parsed->reference.formatted(), tokens[parsed->endIndex - 1]));
+            const auto& last = tokens[parsed->endIndex - 1];
+            citations.push_back(replacement(tokens[at], parsed->reference.formatted(), last));
+            result.push_back({citations.back(), ""});
             at = parsed->endIndex;
         } else {
             result.push_back(tokens[at++]);

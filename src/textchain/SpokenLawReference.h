@@ -52,7 +52,7 @@ std::optional<ParsedReference> parseReference(std::span<const Tokenizer::Token> 
 
 /// What takes the place of the tokens of a citation or command: their gap, the marks in front of the first
 /// ("(§" -> "("), the text, and the closing marks of the last.
-Tokenizer::Token replacement(const Tokenizer::Token& first, std::string_view text, const Tokenizer::Token& last);
+std::string replacement(const Tokenizer::Token& first, std::string_view text, const Tokenizer::Token& last);
 
 /// Only "Paragraph" and "§" open a citation: "1814 BGB" stays.
 std::string normalizeReferences(std::string_view text);

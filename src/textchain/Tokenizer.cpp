@@ -3,7 +3,6 @@
 #include "foundation/Characters.h"
 #include "foundation/Graphemes.h"
 #include "foundation/Trimming.h"
-#include "foundation/Words.h"
 
 namespace querlin::Tokenizer {
 
@@ -22,24 +21,17 @@ bool isMadeOf(std::string_view character, const ScalarSet& scalars) {
 
 } // namespace
 
-std::vector<Token> split(std::string_view text) {
-    const Words words(text);
-    std::vector<Token> tokens;
-    tokens.reserve(words.size() + 1);
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        tokens.push_back({std::string(words.raw(i)), std::string(words.compared(i))});
-    }
-    if (!words.rest().empty()) tokens.push_back({std::string(words.rest()), ""});
-    return tokens;
+Split::Split(std::string_view text) : words_(text) {
+    tokens_.reserve(words_.size() + 1);
+    for (std::size_t i = 0; i < words_.size(); ++i) tokens_.push_back({words_.raw(i), words_.compared(i)});
+    if (!words_.rest().empty()) tokens_.push_back({words_.rest(), ""});
 }
 
 std::string join(std::span<const Token> tokens) {
     std::string text;
     for (const auto& token : tokens) {
         const bool isMade = token.normalized.empty() && !token.raw.empty();
-        const bool isJoined =
-            !text.empty() && !endsInWhitespaceOrNewline(text) && leadingWhitespace(token.raw).empty();
-        if (isMade && isJoined) text += ' ';
+        if (isMade && !text.empty() && leadingWhitespace(token.raw).empty() && !endsInWhitespaceOrNewline(text)) text += ' ';
         text += token.raw;
     }
     return text;

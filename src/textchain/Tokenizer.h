@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Words.h"
+
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,18 +13,29 @@ namespace querlin::Tokenizer {
 
 struct Token {
     /// The white space in front of the word, and the word exactly as written.
-    std::string raw;
+    std::string_view raw;
     /// The word in its compared form (`comparedForm`); empty for a token that has no word.
-    std::string normalized;
+    std::string_view normalized;
 
     bool operator==(const Token&) const = default;
 };
 
 /// "Hallo, Welt. " -> ("Hallo,", "hallo"), (" Welt.", "welt"), (" ", ""). A word of punctuation alone has
-/// an empty `normalized` too.
-std::vector<Token> split(std::string_view text);
+/// an empty `normalized` too. Stays where it is: its tokens are views into it and into the text.
+class Split {
+public:
+    explicit Split(std::string_view text);
+    Split(const Split&) = delete;
+    Split& operator=(const Split&) = delete;
 
-/// Glues tokens together: `join(split(x))` is `x`. A token that a stage has made has an empty
+    std::span<const Token> tokens() const { return tokens_; }
+
+private:
+    Words words_;
+    std::vector<Token> tokens_;
+};
+
+/// Glues tokens together: those of `Split(x)` are `x` again. A token that a stage has made has an empty
 /// `normalized`; if its `raw` doesn't begin with white space it gets one blank in front, unless the text
 /// so far is empty or ends in white space.
 std::string join(std::span<const Token> tokens);

@@ -53,9 +53,9 @@ std::string compactURLs(std::string_view text) {
     // Nothing is given back once it has been read: a long run of blanks must not be tried again and again.
     static const Pattern withScheme(
         R"(\bhttps?\s*+:\s*+/\s*+/\s*+[\w\-]++(?:\s*+\.\s*+[\w\-]++)++(?:\s*+/\s*+[\w\-.]*+)*+)",
-        LetterCase::ignored, Requirement::oneOf("http"));
+        LetterCase::ignored, Requirement::beginsWith("http"));
     static const Pattern withoutScheme(R"(\bwww\s*+\.\s*+[\w\-]++(?:\s*+\.\s*+[\w\-]++)++)", LetterCase::ignored,
-                                       Requirement::oneOf("www"));
+                                       Requirement::beginsWith("www"));
     return withoutScheme.replaceEach(withScheme.replaceEach(text, closedUpMatch), closedUpMatch);
 }
 

@@ -98,7 +98,8 @@ Members address(std::string_view text, const Options& options) {
 
 Members tokens(std::string_view text, const Options& /*options*/) {
     JsonValue::Array list;
-    for (const auto& token : Tokenizer::split(text)) list.push_back(JsonValue::Array{token.raw, token.normalized});
+    for (const auto& [raw, normalized] : Tokenizer::Split(text).tokens())
+        list.push_back(JsonValue::Array{std::string(raw), std::string(normalized)});
     return {{"tokens", list}};
 }
 
