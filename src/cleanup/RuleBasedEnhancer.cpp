@@ -63,7 +63,7 @@ const RuleList& removals() {
                        LetterCase::ignored});
         }
         // "Maße" and "Masse" are two words, and so are "s" and one with a mark above.
-        rules.add({R"(\b(\p{L}+)(?:\s+\1\b(?!\p{M}))++)", "$1", {}, LetterCase::ignored});
+        rules.add({R"(\b(\p{L}+)(?:\s+\1\b(?!\p{M}))++)", "$1", Requirement::repeatedWord(), LetterCase::ignored});
         return rules;
     }();
     return list;

@@ -27,6 +27,54 @@ bool holdsPair(std::string_view text, char first, char second) {
     return holds;
 }
 
+/// Whether a run of letters may stand behind itself, with white space between. Knows the letters of ASCII and
+/// U+00C0 to U+00FF; where there might be others, the answer is yes.
+bool mayRepeatWord(std::string_view folded) {
+    enum : std::uint8_t { letter, whitespace, other, unknown };
+    static constexpr auto kinds = [] {
+        std::array<std::uint8_t, 256> table{};
+        for (unsigned byte = 0; byte < table.size(); ++byte) {
+            const bool isLetter = (byte >= 'a' && byte <= 'z') || byte == 0xC3;
+            const bool continuesLetter = byte >= 0x80 && byte < 0xC0; // Asked about behind 0xC3 alone.
+            const bool isSpace = Bytes::asciiWhitespace.contains(static_cast<unsigned char>(byte));
+            if (isLetter || continuesLetter) {
+                table[byte] = letter;
+            } else if (byte >= 0x80) {
+                table[byte] = unknown;
+            } else {
+                table[byte] = isSpace ? whitespace : other;
+            }
+        }
+        return table;
+    }();
+    const auto isPunctuation = [folded](std::size_t at) { // Dashes and quotes, U+2010 to U+201F.
+        return at + 2 < folded.size() && folded[at] == '\xE2' && folded[at + 1] == '\x80' &&
+               (static_cast<unsigned char>(folded[at + 2]) & 0xF0U) == 0x90;
+    };
+    std::string_view before; // The last word, as long as only white space has followed it.
+    std::size_t start = 0;
+    std::size_t at = 0;
+    const auto repeats = [&] {
+        const auto word = folded.substr(start, at - start);
+        if (!word.empty() && word == before) return true;
+        if (!word.empty()) before = word;
+        return false;
+    };
+    while (at < folded.size()) {
+        const auto kind = kinds[static_cast<unsigned char>(folded[at])];
+        if (kind == letter) {
+            ++at;
+            continue;
+        }
+        if (kind == unknown && !isPunctuation(at)) return true;
+        if (repeats()) return true;
+        if (kind != whitespace) before = {};
+        at += kind == unknown ? 3 : 1;
+        start = at;
+    }
+    return repeats();
+}
+
 /// Whether the byte belongs to the character whose first byte stands before it.
 bool continuesScalar(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; }
 
@@ -46,6 +94,7 @@ bool Requirement::isMetBy(std::string_view text) const {
     thread_local FoldedText folded;
     folded.read(text);
     const auto bytes = folded.text();
+    if (kind_ == Kind::repeatedWord) return mayRepeatWord(bytes);
     if (kind_ != Kind::pair) {
         return anyLiteral([bytes](std::string_view literal) {
             return holdsPair(bytes, literal[0], literal[1]) && bytes.contains(literal);
@@ -113,6 +162,7 @@ bool TextProfile::meets(const Requirement& requirement) {
     case Requirement::Kind::pair:
         return requirement.first_.anyOf(
             [&](unsigned char byte) { return followers_[byte].meets(requirement.second_); });
+    case Requirement::Kind::repeatedWord: return mayRepeatWord(folded().text());
     }
     return true;
 }

@@ -66,7 +66,7 @@ inline constexpr ByteSet whitespaceBegins = asciiWhitespace | ByteSet("\xC2\xE1\
 inline constexpr ByteSet whitespaceEnds =
     asciiWhitespace | ByteSet("\x85\xA0\xA8\xA9\xAF\x9F") | ByteSet::range(0x80, 0x8A);
 inline constexpr ByteSet letterBegins = ByteSet::range('a', 'z') | beyondAscii;
-inline constexpr ByteSet digitBegins = ByteSet::range('0', '9') | beyondAscii;
+inline constexpr ByteSet digits = ByteSet::range('0', '9');
 } // namespace Bytes
 
 /// What a text must hold for a pattern to match anywhere in it, told so simply that it costs next to
@@ -75,7 +75,7 @@ inline constexpr ByteSet digitBegins = ByteSet::range('0', '9') | beyondAscii;
 /// It is the duty of whoever writes it to be right: where it names too much, a rule silently never fires.
 class Requirement {
 public:
-    enum class Kind : std::uint8_t { none, literal, beginning, pair };
+    enum class Kind : std::uint8_t { none, literal, beginning, pair, repeatedWord };
 
     /// Nothing: the pattern is always tried, everywhere.
     constexpr Requirement() = default;
@@ -98,6 +98,12 @@ public:
         requirement.kind_ = Kind::pair;
         requirement.first_ = first;
         requirement.second_ = second;
+        return requirement;
+    }
+    /// A word, in whatever case, directly behind itself.
+    static constexpr Requirement repeatedWord() {
+        Requirement requirement;
+        requirement.kind_ = Kind::repeatedWord;
         return requirement;
     }
 

@@ -243,7 +243,8 @@ private:
 
     bool wantsBlankBeforeWord() const {
         if (mode_ == Mode::compact) return isLetterOrNumber(lastGrapheme(text_));
-        return !text_.ends_with('\n') && !text_.ends_with('(') && !text_.ends_with("„") && !text_.ends_with(' ');
+        const auto last = text_.back();
+        return last != '\n' && last != '(' && last != ' ' && !(last == '\x9E' && text_.ends_with("„"));
     }
 
     void cutLastSentence() {

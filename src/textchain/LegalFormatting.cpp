@@ -36,24 +36,22 @@ constexpr auto months = std::to_array<Month>({
 constexpr std::string_view monthNames =
     "januar|februar|märz|maerz|april|mai|juni|juli|august|september|oktober|november|dezember";
 
-/// The value of ASCII digits; nothing for those of another script.
-std::optional<int> numberIn(std::string_view digits) {
+int numberIn(std::string_view digits) {
     int value = 0;
-    const auto* end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, value);
-    return error == std::errc{} && stop == end ? std::optional(value) : std::nullopt;
+    std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    return value;
 }
 
-std::optional<std::string> date(std::optional<int> day, std::optional<int> month, std::optional<int> year) {
-    const auto isWithin = [](std::optional<int> number, int most) { return number && *number >= 1 && *number <= most; };
-    if (!isWithin(day, 31) || !isWithin(month, 12) || !year) return std::nullopt;
-    return fmt::format("{:02}.{:02}.{:04}", *day, *month, *year);
+std::optional<std::string> date(int day, int month, int year) {
+    if (day < 1 || day > 31 || month < 1 || month > 12) return std::nullopt;
+    return fmt::format("{:02}.{:02}.{:04}", day, month, year);
 }
 
-std::optional<int> monthNamed(std::string_view name) {
+/// 0 for what only looks like a month, with a long s in it.
+int monthNamed(std::string_view name) {
     const auto lower = lowercase(name);
     const auto* found = std::ranges::find(months, lower, &Month::name);
-    return found == months.end() ? std::nullopt : std::optional(found->number);
+    return found == months.end() ? 0 : found->number;
 }
 
 } // namespace
@@ -61,10 +59,10 @@ std::optional<int> monthNamed(std::string_view name) {
 std::string apply(std::string_view text) { return normalizeCaseNumbers(normalizeDates(text)); }
 
 std::string normalizeDates(std::string_view text) {
-    static const Pattern writtenOut(fmt::format(R"(\b(\d{{1,2}})\.?\s+({})\s+(\d{{4}})\b)", monthNames),
-                                    LetterCase::ignored, Requirement::pair(Bytes::digitBegins, ByteSet(".") | Bytes::whitespaceBegins));
-    static const Pattern numeric(R"(\b(\d{1,2})\.(\d{1,2})\.(\d{4})\b)", LetterCase::counts,
-                                 Requirement::pair(ByteSet("."), Bytes::digitBegins));
+    static const Pattern writtenOut(fmt::format(R"(\b([0-9]{{1,2}})\.?\s+({})\s+([0-9]{{4}})\b)", monthNames),
+                                    LetterCase::ignored, Requirement::pair(Bytes::digits, ByteSet(".") | Bytes::whitespaceBegins));
+    static const Pattern numeric(R"(\b([0-9]{1,2})\.([0-9]{1,2})\.([0-9]{4})\b)", LetterCase::counts,
+                                 Requirement::pair(ByteSet("."), Bytes::digits));
     const auto inNumbers = writtenOut.replaceEach(text, [](Pattern::Groups match) {
         return date(numberIn(match[1]), monthNamed(match[2]), numberIn(match[3]));
     });

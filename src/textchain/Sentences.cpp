@@ -2,18 +2,21 @@
 
 #include "foundation/Characters.h"
 #include "foundation/Graphemes.h"
+#include "foundation/Requirement.h"
 #include "foundation/TextCase.h"
 
 namespace querlin {
 
 namespace {
 
-constexpr std::string_view sentenceEnds = ".!?\n";
+constexpr ByteSet sentenceEnds(".!?\n");
+
+bool isSentenceEnd(char byte) { return sentenceEnds.contains(static_cast<unsigned char>(byte)); }
 
 /// Where the next character that ends a sentence begins, or the length.
 std::size_t nextSentenceEnd(std::string_view text, std::size_t at) {
     for (; at < text.size(); ++at) {
-        if (sentenceEnds.contains(text[at]) && Graphemes::firstLength(text.substr(at)) == 1) return at;
+        if (isSentenceEnd(text[at]) && Graphemes::firstLength(text.substr(at)) == 1) return at;
     }
     return at;
 }
@@ -21,7 +24,7 @@ std::size_t nextSentenceEnd(std::string_view text, std::size_t at) {
 } // namespace
 
 bool endsSentence(std::string_view character) {
-    return character == "\r\n" || (character.size() == 1 && sentenceEnds.contains(character.front()));
+    return character == "\r\n" || (character.size() == 1 && isSentenceEnd(character.front()));
 }
 
 std::string capitalizeSentences(std::string_view text) {

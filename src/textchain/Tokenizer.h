@@ -28,7 +28,8 @@ public:
     Split(const Split&) = delete;
     Split& operator=(const Split&) = delete;
 
-    std::span<const Token> tokens() const { return tokens_; }
+    std::span<const Token> tokens() const& { return tokens_; }
+    std::span<const Token> tokens() const&& = delete;
 
 private:
     Words words_;

@@ -20,7 +20,10 @@ TEST(Tokenizer, SplitsIntoRawAndNormalized) {
         {"a – „z.B.“", {{"a", "a"}, {" –", ""}, {" „z.B.“", "z.b"}}, "punctuation alone, and within a word"},
         {"§\u00A05\u2028U\u0308BER", {{"§", "§"}, {"\u00A05", "5"}, {"\u2028U\u0308BER", "über"}}, "odd white space, decomposed capital"},
     };
-    for (const auto& [text, tokens, reason] : rows) EXPECT_TRUE(std::ranges::equal(Tokenizer::Split(text).tokens(), tokens)) << reason;
+    for (const auto& [text, tokens, reason] : rows) {
+        const Tokenizer::Split split(text);
+        EXPECT_TRUE(std::ranges::equal(split.tokens(), tokens)) << reason;
+    }
 }
 
 TEST(Tokenizer, JoinsWhatItSplitAndPartsWhatAStageMade) {
@@ -31,7 +34,8 @@ TEST(Tokenizer, JoinsWhatItSplitAndPartsWhatAStageMade) {
     for (int round = 0; round < 5000; ++round) {
         std::string text;
         for (int i = 0; i < 12; ++i) text += pieces[std::uniform_int_distribution<std::size_t>(0, pieces.size() - 1)(random)];
-        ASSERT_EQ(Tokenizer::join(Tokenizer::Split(text).tokens()), text);
+        const Tokenizer::Split split(text);
+        ASSERT_EQ(Tokenizer::join(split.tokens()), text);
     }
     const Token made{"§ 1814 BGB", ""};
     EXPECT_EQ(Tokenizer::join(Tokens{{"siehe", "siehe"}, made, {", ja", "ja"}}), "siehe § 1814 BGB, ja");

@@ -98,7 +98,8 @@ Members address(std::string_view text, const Options& options) {
 
 Members tokens(std::string_view text, const Options& /*options*/) {
     JsonValue::Array list;
-    for (const auto& [raw, normalized] : Tokenizer::Split(text).tokens())
+    const Tokenizer::Split split(text);
+    for (const auto& [raw, normalized] : split.tokens())
         list.push_back(JsonValue::Array{std::string(raw), std::string(normalized)});
     return {{"tokens", list}};
 }
