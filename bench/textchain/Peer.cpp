@@ -8,7 +8,7 @@
 namespace icu_peer {
 
 std::string runWholeChain(std::string_view transcript, bool appliesCommands, bool isCompact) {
-    querlin::ChainOptions options;
+    static querlin::ChainOptions options;
     options.appliesCommands = appliesCommands;
     options.isCompact = isCompact;
     return querlin::runWholeChain(transcript, options).text;

@@ -21,7 +21,7 @@ namespace {
 using querlin::bench::dictationOf;
 
 std::string ours(std::string_view text, bool appliesCommands, bool isCompact) {
-    querlin::ChainOptions options;
+    static querlin::ChainOptions options;
     options.appliesCommands = appliesCommands;
     options.isCompact = isCompact;
     return querlin::runWholeChain(text, options).text;

@@ -8,6 +8,7 @@
 #include "foundation/Waiting.h"
 #include "foundation/WordSet.h"
 #include "textchain/DictationPreprocessor.h"
+#include "textchain/GermanNumberWords.h"
 #include "textchain/Sentences.h"
 #include "textchain/SpacingRules.h"
 
@@ -62,11 +63,21 @@ const RuleList& removals() {
             rules.add({fmt::format(R"((^|[.!?]\s+){}\b,?\s*)", word), "$1", Requirement::oneOf(word),
                        LetterCase::ignored});
         }
-        // "Maße" and "Masse" are two words, and so are "s" and one with a mark above.
-        rules.add({R"(\b(\p{L}+)(?:\s+\1\b(?!\p{M}))++)", "$1", Requirement::repeatedWord(), LetterCase::ignored});
         return rules;
     }();
     return list;
+}
+
+/// "das das Haus" -> "das Haus". What is spelt or counted out stays: "S G G", "null null vier".
+std::string withoutStutter(std::string_view text) {
+    // "Maße" and "Masse" are two words, and so are "s" and one with a mark above.
+    static const Pattern repeated(R"(\b(\p{L}{2,})(?:\s+\1\b(?!\p{M}))++)", LetterCase::ignored,
+                                  Requirement::repeatedWord());
+    return repeated.replaceEach(text, [](Pattern::Groups match) -> std::optional<std::string> {
+        const bool isArticle = equalIgnoringCase(match[1], "ein") || equalIgnoringCase(match[1], "eine");
+        if (!isArticle && GermanNumberWords::isNumberWord(match[1])) return std::nullopt;
+        return std::string(match[1]);
+    });
 }
 
 const RuleList& tidying() {
@@ -95,10 +106,14 @@ std::vector<std::string_view> splitAtBlanks(std::string_view text) {
 
 std::string compared(std::string_view piece) { return lowercase(trimAnyOf(piece, correctionPunctuation)); }
 
-bool isSignal(std::string_view piece) { return correctionSignals.contains(compared(piece)); }
+bool isSignal(std::string_view piece) {
+    return correctionSignals.mayContain(trimAnyOf(piece, correctionPunctuation)) &&
+           correctionSignals.contains(compared(piece));
+}
 
 std::string joinedByBlanks(std::span<const std::string_view> pieces) {
-    auto text = fmt::format("{}", fmt::join(pieces, " "));
+    std::string text;
+    for (const auto piece : pieces) text.append(piece).append(" ");
     std::string result;
     std::size_t copied = 0;
     for (auto at = text.find("  "); at != std::string::npos; at = text.find("  ", copied)) {
@@ -144,7 +159,7 @@ std::string RuleBasedEnhancer::clean(std::string_view text, TextTreatment treatm
     std::string result(trimWhitespaceAndNewlines(text));
     if (result.empty()) return result;
     if (!treatment.commandsApplied) result = DictationPreprocessor::applySpokenPunctuation(result);
-    result = resolveSelfCorrections(removals().apply(result));
+    result = resolveSelfCorrections(withoutStutter(removals().apply(result)));
     result = trimBlanksAndTabs(tidying().apply(result));
     return finishedSentences(result);
 }

@@ -23,11 +23,12 @@ public:
         using reference = std::string_view;
 
         Iterator() = default;
-        explicit Iterator(std::string_view rest) : rest_(rest), length_(firstLength(rest)) {}
-        std::string_view operator*() const { return rest_.substr(0, length_); }
+        explicit Iterator(std::string_view rest) :
+            at_(rest.data()), end_(rest.data() + rest.size()), length_(firstLength(rest)) {}
+        std::string_view operator*() const { return {at_, length_}; }
         Iterator& operator++() {
-            rest_.remove_prefix(length_);
-            length_ = firstLength(rest_);
+            at_ += length_;
+            length_ = firstLength({at_, end_});
             return *this;
         }
         Iterator operator++(int) {
@@ -35,10 +36,11 @@ public:
             ++*this;
             return before;
         }
-        bool operator==(const Iterator& other) const { return rest_.size() == other.rest_.size(); }
+        bool operator==(const Iterator& other) const { return at_ == other.at_; }
 
     private:
-        std::string_view rest_;
+        const char* at_ = nullptr;
+        const char* end_ = nullptr;
         std::size_t length_ = 0;
     };
 

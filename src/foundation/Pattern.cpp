@@ -80,7 +80,8 @@ public:
     Candidates(const Requirement& requirement, const FoldedText& folded, std::string_view text) :
         text_(text), folded_(folded) {
         requirement.anyLiteral([this](std::string_view literal) {
-            next_.push_back({literal, 0, true});
+            if (count_ == next_.size()) throw std::logic_error("too many beginnings");
+            next_[count_++] = {literal, 0, true};
             return false;
         });
     }
@@ -89,7 +90,7 @@ public:
     std::size_t atOrBehind(std::size_t from) {
         if (!folded_.keepsPlaces()) return from < text_.size() ? from : std::string_view::npos;
         auto first = std::string_view::npos;
-        for (auto& next : next_) {
+        for (auto& next : std::span(next_).first(count_)) {
             if (next.isUnknown || next.place < from) next.place = folded_.text().find(next.literal, from);
             next.isUnknown = false;
             first = std::min(first, next.place);
@@ -100,12 +101,13 @@ public:
 private:
     struct Next {
         std::string_view literal;
-        std::size_t place;
-        bool isUnknown;
+        std::size_t place = 0;
+        bool isUnknown = true;
     };
     std::string_view text_;
     const FoldedText& folded_;
-    std::vector<Next> next_;
+    std::array<Next, 4> next_;
+    std::size_t count_ = 0;
 };
 
 /// The matches of an expression in a well-formed text, from first to last.
@@ -194,7 +196,7 @@ std::string Pattern::replaceEach(std::string_view text, const Replacement& repla
     auto valid = validUtf8(text);
     if (!expression.requirement.isMetBy(valid)) return valid;
     FoldedText folded;
-    folded.read(valid);
+    if (expression.requirement.kind() == Requirement::Kind::beginning) folded.read(valid);
     std::string result;
     std::size_t copied = 0;
     std::vector<std::string_view> groups;
@@ -259,8 +261,8 @@ RuleList& RuleList::operator=(RuleList&&) noexcept = default;
 
 std::string RuleList::apply(std::string_view text) const {
     auto result = validUtf8(text);
-    std::string next;
-    std::vector<TextProfile::Range> written;
+    thread_local std::string next;
+    thread_local std::vector<TextProfile::Range> written;
     thread_local TextProfile profile;
     profile.read(result);
     for (const auto& rule : rules_) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -33,28 +32,42 @@ public:
         return set;
     }
     constexpr bool contains(unsigned char byte) const { return (words_[byte / 64U] >> (byte % 64U) & 1U) != 0; }
-    constexpr bool meets(const ByteSet& other) const {
-        for (std::size_t i = 0; i < words_.size(); ++i) {
-            if ((words_[i] & other.words_[i]) != 0) return true;
-        }
-        return false;
-    }
-    /// Whether `test` holds for one of its bytes.
-    template<class Test>
-    constexpr bool anyOf(Test test) const {
-        for (std::size_t i = 0; i < words_.size(); ++i) {
-            for (auto rest = words_[i]; rest != 0; rest &= rest - 1) {
-                const auto bit = static_cast<std::size_t>(std::countr_zero(rest));
-                if (test(static_cast<unsigned char>((i * 64U) + bit))) return true;
-            }
-        }
-        return false;
-    }
     constexpr void add(unsigned char byte) { words_[byte / 64U] |= std::uint64_t{1} << (byte % 64U); }
 
 private:
     std::array<std::uint64_t, 4> words_{};
 };
+
+/// Puts all bytes into 64 classes: what patterns tell apart has a class of its own.
+namespace ByteClass {
+inline constexpr auto ofByte = [] {
+    constexpr std::string_view apart = "abcdefghijklmnopqrstuvwxyz \t\n.,;:!?()-/\"'\xC2\xC3\xE2\x80\x84\x93\x9C\x9E"
+                                       "\x9F\xA0\xA4\xA7\xB6\xBC";
+    constexpr std::uint8_t digit = 60;
+    constexpr std::uint8_t otherSpace = 61;
+    constexpr std::uint8_t otherAscii = 62;
+    constexpr std::uint8_t other = 63;
+    static_assert(apart.size() <= digit);
+    std::array<std::uint8_t, 256> classes{};
+    for (unsigned byte = 0; byte < classes.size(); ++byte) classes[byte] = byte < 0x80 ? otherAscii : other;
+    for (const char byte : std::string_view("\v\f\r")) classes[static_cast<unsigned char>(byte)] = otherSpace;
+    for (unsigned byte = '0'; byte <= '9'; ++byte) classes[byte] = digit;
+    for (std::size_t i = 0; i < apart.size(); ++i)
+        classes[static_cast<unsigned char>(apart[i])] = static_cast<std::uint8_t>(i);
+    return classes;
+}();
+constexpr std::uint64_t bitOf(char byte) {
+    return std::uint64_t{1} << ofByte[static_cast<unsigned char>(byte)];
+}
+/// The classes of all bytes of a set.
+constexpr std::uint64_t bitsOf(const ByteSet& bytes) {
+    std::uint64_t bits = 0;
+    for (unsigned byte = 0; byte < ofByte.size(); ++byte) {
+        if (bytes.contains(static_cast<unsigned char>(byte))) bits |= bitOf(static_cast<char>(byte));
+    }
+    return bits;
+}
+} // namespace ByteClass
 
 /// Bytes at the edges of the classes that patterns speak of. They may name too many, never too few.
 namespace Bytes {
@@ -96,8 +109,8 @@ public:
     static constexpr Requirement pair(const ByteSet& first, const ByteSet& second) {
         Requirement requirement;
         requirement.kind_ = Kind::pair;
-        requirement.first_ = first;
-        requirement.second_ = second;
+        requirement.first_ = ByteClass::bitsOf(first);
+        requirement.second_ = ByteClass::bitsOf(second);
         return requirement;
     }
     /// A word, in whatever case, directly behind itself.
@@ -127,8 +140,9 @@ private:
 
     Kind kind_ = Kind::none;
     std::string_view literals_;
-    ByteSet first_;
-    ByteSet second_;
+    /// Classes of bytes.
+    std::uint64_t first_ = 0;
+    std::uint64_t second_ = 0;
 };
 
 /// A text in small letters to look for literals in: whatever a caseless pattern takes for one of a-z, ä, ö, ü
@@ -145,7 +159,7 @@ private:
     bool keepsPlaces_ = true;
 };
 
-/// What a text holds, gathered in one pass: which bytes stand behind which. The text must stay where it is.
+/// What a text holds, gathered in one pass: which kinds of bytes stand behind which. The text must stay where it is.
 class TextProfile {
 public:
     void read(std::string_view text);
@@ -169,8 +183,8 @@ private:
     std::string_view text_;
     FoldedText folded_;
     bool isFolded_ = false;
-    /// For each byte the bytes that stand directly behind it somewhere.
-    std::array<ByteSet, 256> followers_{};
+    /// For each class of bytes the classes that stand directly behind it somewhere.
+    std::array<std::uint64_t, 64> followers_{};
 };
 
 } // namespace querlin

@@ -50,6 +50,7 @@ void mapLatin1(char* bytes, Case to) {
 /// Whether a text is made of what German text is made of, as far as its case goes: ASCII, U+0080 to U+00FF,
 /// punctuation. Letters from U+0100 on have rules of their own.
 bool isLatin1WithPunctuation(std::string_view text) {
+    if (isLatin1(text)) return true;
     if (latinPrefix(text) != text.size()) return false;
     bool hasOther = false;
     for (const char byte : text) {
@@ -126,7 +127,7 @@ std::string lowercase(std::string_view text) {
 }
 
 bool isNfc(std::string_view text) {
-    if (latinPrefix(text) == text.size()) return true; // Nothing there composes.
+    if (isLatin1(text) || latinPrefix(text) == text.size()) return true; // Nothing there composes.
     if (!isValidUtf8(text)) return false;
     UErrorCode status = U_ZERO_ERROR;
     const bool isNormalized = nfcNormalizer()->isNormalizedUTF8(piece(text), status) != 0;
@@ -134,7 +135,7 @@ bool isNfc(std::string_view text) {
 }
 
 std::string nfc(std::string_view text) {
-    if (latinPrefix(text) == text.size()) return std::string(text);
+    if (isLatin1(text) || latinPrefix(text) == text.size()) return std::string(text);
     return converted(validUtf8(text), [](icu::StringPiece source, icu::ByteSink& sink, UErrorCode& status) {
         nfcNormalizer()->normalizeUTF8(0, source, sink, nullptr, status);
     });

@@ -60,7 +60,7 @@ bool endsInWhitespaceOrNewline(std::string_view text) {
     return !text.empty() && isWhitespaceOrNewline(firstScalar(text.substr(lastScalarStart(text))));
 }
 
-std::string_view trimAnyOf(std::string_view text, const ScalarSet& scalars) {
+std::string_view trimAnyOfBothEnds(std::string_view text, const ScalarSet& scalars) {
     return trimmed(text, [&scalars](char32_t scalar) { return scalars.contains(scalar); });
 }
 

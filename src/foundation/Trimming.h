@@ -15,6 +15,14 @@ std::string_view trimWhitespaceAndNewlines(std::string_view text);
 /// Whether the last scalar is of that set.
 bool endsInWhitespaceOrNewline(std::string_view text);
 /// Takes the scalars of a set off both ends: "(BGB)." with "()." -> "BGB".
-std::string_view trimAnyOf(std::string_view text, const ScalarSet& scalars);
+std::string_view trimAnyOfBothEnds(std::string_view text, const ScalarSet& scalars);
+inline std::string_view trimAnyOf(std::string_view text, const ScalarSet& scalars) {
+    const auto stays = [&scalars](char byte) {
+        const auto scalar = static_cast<unsigned char>(byte);
+        return scalar < 0x80 && !scalars.contains(scalar);
+    };
+    if (!text.empty() && stays(text.front()) && stays(text.back())) return text;
+    return trimAnyOfBothEnds(text, scalars);
+}
 
 } // namespace querlin

@@ -21,6 +21,7 @@ std::int32_t nextScalar(std::string_view text, std::size_t& at) {
 
 /// The position of the first ill-formed byte, or the length.
 std::size_t validPrefix(std::string_view text) {
+    if (isLatin1(text)) return text.size();
     std::size_t at = 0;
     while (true) {
         at += latinPrefix(text.substr(at));
@@ -31,6 +32,23 @@ std::size_t validPrefix(std::string_view text) {
 }
 
 } // namespace
+
+bool isLatin1(std::string_view text) {
+    if (text.empty()) return true;
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data()); // NOLINT: bytes, not characters
+    const auto isLead = [](std::uint8_t byte) { return (byte & 0xFE) == 0xC2; };
+    if ((bytes[0] >= 0x80 && !isLead(bytes[0])) || isLead(bytes[text.size() - 1])) return false;
+    std::uint8_t other = 0;
+    // In bytes alone and without branches, so that the compiler takes sixteen at once.
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        const std::uint8_t isAwaited = (bytes[i - 1] & 0xFE) == 0xC2 ? 1 : 0;
+        const std::uint8_t continues = (bytes[i] & 0xC0) == 0x80 ? 1 : 0;
+        const std::uint8_t isBeyond = bytes[i] >= 0xC4 ? 1 : 0;
+        const std::uint8_t isOverlong = (bytes[i] & 0xFE) == 0xC0 ? 1 : 0;
+        other = static_cast<std::uint8_t>(other | isBeyond | isOverlong | (continues ^ isAwaited));
+    }
+    return other == 0;
+}
 
 std::size_t asciiPrefix(std::string_view text) {
     static_assert(std::endian::native == std::endian::little, "a block's first byte is its lowest");

@@ -33,6 +33,9 @@ void appendScalar(std::string& text, char32_t scalar);
 /// Whether the whole text is well-formed; U+0000 may occur in it.
 bool isValidUtf8(std::string_view text);
 
+/// Whether all of it is well-formed and below U+0100: most German text, and quick to tell.
+bool isLatin1(std::string_view text);
+
 /// How many bytes at the front are ASCII.
 std::size_t asciiPrefix(std::string_view text);
 

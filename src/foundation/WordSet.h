@@ -15,6 +15,10 @@ public:
         std::ranges::sort(sorted_);
         for (const auto word : words) lengths_[firstByte(word)] |= bitOf(word);
     }
+    /// Whether a word in whatever case may be in a table of small ASCII letters.
+    constexpr bool mayContain(std::string_view word) const {
+        return !word.empty() && (lengths_[firstByte(word) | 0x20U] & bitOf(word)) != 0;
+    }
     constexpr bool contains(std::string_view word) const {
         if (word.empty() || (lengths_[firstByte(word)] & bitOf(word)) == 0) return false;
         return std::ranges::binary_search(sorted_, word);

@@ -14,10 +14,13 @@ void forEachSimpleWord(std::string_view text, Call call) {
     std::size_t start = 0;
     for (std::size_t at = 0; at < text.size();) {
         const auto byte = static_cast<unsigned char>(text[at]);
-        const bool isLatin1 = byte == 0xC2;
-        const auto scalar = isLatin1 ? char32_t{static_cast<unsigned char>(text[at + 1])} : char32_t{byte};
-        const std::size_t length = isLatin1 ? 2 : 1;
-        if ((byte < 0x80 || isLatin1) && isWhitespace(scalar)) {
+        if (byte > ' ' && byte != 0xC2) {
+            ++at;
+            continue;
+        }
+        const auto scalar = byte == 0xC2 ? static_cast<unsigned char>(text[at + 1]) : byte;
+        const std::size_t length = byte == 0xC2 ? 2 : 1;
+        if (isWhitespace(char32_t{scalar})) {
             if (at > start) call(text.substr(start, at - start));
             start = at + length;
         }
@@ -30,10 +33,17 @@ void forEachSimpleWord(std::string_view text, Call call) {
 
 std::string comparedForm(std::string_view word) { return nfc(lowercase(trimAnyOf(word, wordPunctuation))); }
 
-Words::Words(std::string_view text) : forms_(lowercase(text)) {
+Words::Words(std::string_view text) {
     // Where small letters take the same place and there is nothing to compose, the words' forms are there
     // already: most German text never gets further.
-    const bool isSimple = forms_.size() == text.size() && latinPrefix(text) == text.size();
+    bool isSimple = isLatin1(text);
+    if (isSimple) {
+        forms_.resize(text.size());
+        lowercaseLatin1(text, forms_.data());
+    } else if (latinPrefix(text) == text.size()) {
+        forms_ = lowercase(text);
+        isSimple = forms_.size() == text.size();
+    }
     if (!isSimple) forms_.clear();
     const auto* const start = text.data();
     std::size_t gapStart = 0;

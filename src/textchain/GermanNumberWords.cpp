@@ -72,7 +72,20 @@ Value find(std::span<const Row> rows, std::string_view word) {
     return found == rows.end() ? std::nullopt : std::optional(found->value);
 }
 
+/// The lengths of all words of the tables, as bits.
+constexpr auto lengths = [] {
+    std::uint64_t bits = 0;
+    const auto take = [&bits](std::span<const Row> rows) {
+        for (const auto& row : rows) bits |= std::uint64_t{1} << row.word.size();
+    };
+    take(units);
+    take(teens);
+    take(tens);
+    return bits;
+}();
+
 Value simpleValue(std::string_view word) {
+    if (word.size() >= 64 || (lengths >> word.size() & 1U) == 0) return std::nullopt;
     if (const auto unit = find(units, word)) return unit;
     if (const auto teen = find(teens, word)) return teen;
     return find(tens, word);

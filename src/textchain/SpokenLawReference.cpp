@@ -161,15 +161,13 @@ public:
 
     std::optional<Read<std::string>> number(std::size_t index) const {
         if (isMadeOfNumbers(word(index))) return Read<std::string>{std::string(word(index)), index + 1};
-        std::vector<std::string_view> words;
-        auto end = index;
-        for (; GermanNumberWords::isNumberWord(word(end)); ++end) {
-            if (end > index && isOneOf(articles, word(end))) break; // "füge Paragraph zwölf ein"
-            words.push_back(word(end));
-        }
-        if (words.empty()) return std::nullopt;
-        if (words.size() == 1 && isOneOf(articles, words.front()) && !continuesCitation(end)) return std::nullopt;
-        return Read<std::string>{digits(words), end};
+        const auto value = GermanNumberWords::parseWord(word(index));
+        if (!value) return std::nullopt;
+        auto end = index + 1;
+        while (continuesNumber(end)) ++end;
+        if (end > index + 1) return Read<std::string>{digits(index, end), end};
+        if (isOneOf(articles, word(index)) && !continuesCitation(end)) return std::nullopt;
+        return Read<std::string>{std::to_string(*value), end};
     }
 
     std::optional<Read<std::string>> law(std::size_t index) const {
@@ -205,13 +203,21 @@ public:
     }
 
 private:
+    /// Not behind a mark, and not with an article: "füge Paragraph zwölf ein", "nach Paragraph fünf. Zwei".
+    bool continuesNumber(std::size_t index) const {
+        return Tokenizer::trailingPunctuation(tokens_[index - 1].raw).empty() && !isOneOf(articles, word(index)) &&
+               GermanNumberWords::isNumberWord(word(index));
+    }
+
     bool continuesCitation(std::size_t index) const {
         const auto next = word(index);
         return isOneOf(absatzMarkers, next) || isOneOf(satzMarkers, next) || isOneOf(nummerMarkers, next) || law(index);
     }
 
     /// Words that are one number when written together are that number: "achtzehn hundert vierzehn" -> 1814.
-    static std::string digits(std::span<const std::string_view> words) {
+    std::string digits(std::size_t index, std::size_t end) const {
+        std::vector<std::string_view> words;
+        for (; index < end; ++index) words.push_back(word(index));
         const auto together = GermanNumberWords::parseWord(fmt::format("{}", fmt::join(words, "")));
         return together ? std::to_string(*together) : *GermanNumberWords::digits(words);
     }
@@ -283,19 +289,27 @@ std::string normalizeReferences(std::string_view text) {
     const Tokenizer::Split split(text);
     const auto tokens = split.tokens();
     std::vector<Token> result;
-    result.reserve(tokens.size());
     std::deque<std::string> citations;
+    std::size_t unchanged = 0; // The first token that isn't in the result yet.
+    const auto keepUpTo = [&](std::size_t end) {
+        if (unchanged == end) return;
+        const auto* start = tokens[unchanged].raw.data();
+        const auto& last = tokens[end - 1];
+        result.push_back({{start, last.raw.data() + last.raw.size()}, "unchanged"});
+    };
     for (std::size_t at = 0; at < tokens.size();) {
         const auto parsed = isParagraphMarker(tokens[at]) ? parseReference(tokens, at, Marker::required) : std::nullopt;
-        if (parsed) {
-            const auto& last = tokens[parsed->endIndex - 1];
-            citations.push_back(replacement(tokens[at], parsed->reference.formatted(), last));
-            result.push_back({citations.back(), ""});
-            at = parsed->endIndex;
-        } else {
-            result.push_back(tokens[at++]);
+        if (!parsed) {
+            ++at;
+            continue;
         }
+        keepUpTo(at);
+        citations.push_back(
+            replacement(tokens[at], parsed->reference.formatted(), tokens[parsed->endIndex - 1]));
+        result.push_back({citations.back(), ""});
+        at = unchanged = parsed->endIndex;
     }
+    keepUpTo(tokens.size());
     return Tokenizer::join(result);
 }
 
