@@ -1,0 +1,101 @@
+// The dictations of dictations.txt through the whole pipeline with its real stages: from the recogniser's
+// text to what is inserted. The chain of tools/chain must say the same.
+
+#include "chain/WholeChain.h"
+#include "support/DictationWorld.h"
+
+#include <cstdlib>
+#include <ctime>
+#include <fstream>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+struct Dictation {
+    std::string title;
+    WritingStyle style = WritingStyle::neutral;
+    CleanupMode mode = CleanupMode::rules;
+    bool isSearch = false;
+    bool appliesCommands = true;
+    std::string raw;
+    /// Nothing if it is taken back.
+    std::optional<std::string> expected;
+};
+
+std::string unescaped(std::string_view line) {
+    std::string text;
+    for (std::size_t at = line.find("\\n"); at != std::string_view::npos; at = line.find("\\n")) {
+        text.append(line.substr(0, at)).append("\n");
+        line.remove_prefix(at + 2);
+    }
+    return text.append(line);
+}
+
+Dictation readDictation(const std::string& header, std::istream& lines) {
+    Dictation dictation;
+    std::istringstream words(header.substr(3));
+    std::string style, mode, expected, separator;
+    words >> style >> mode;
+    dictation.style = fromRawValue<WritingStyle>(style).value();
+    dictation.mode = fromRawValue<CleanupMode>(mode).value();
+    for (std::string word; words >> word;) {
+        if (word == "suchfeld") dictation.isSearch = true;
+        if (word == "befehle-aus") dictation.appliesCommands = false;
+    }
+    std::getline(lines, dictation.raw);
+    std::getline(lines, separator);
+    std::getline(lines, expected);
+    EXPECT_EQ(separator, "--") << dictation.raw;
+    dictation.raw = unescaped(dictation.raw);
+    if (expected != "(verworfen)") dictation.expected = expected == "(leer)" ? "" : unescaped(expected);
+    return dictation;
+}
+
+std::vector<Dictation> readDictations() {
+    std::ifstream lines(QUERLIN_DICTATIONS);
+    std::vector<Dictation> dictations;
+    std::string title;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("# ")) title = line.substr(2);
+        if (!line.starts_with("== ")) continue;
+        dictations.push_back(readDictation(line, lines));
+        dictations.back().title = title;
+    }
+    return dictations;
+}
+
+TEST(Dictations, BecomeWhatAGuardianWouldHaveWritten) {
+    ::setenv("TZ", "Europe/Berlin", 1);
+    ::tzset();
+    const Date now = std::chrono::sys_days(std::chrono::year(2026) / 3 / 14) + std::chrono::minutes(8 * 60 + 5);
+    const auto dictations = readDictations();
+    ASSERT_GE(dictations.size(), 60U);
+    for (const auto& dictation : dictations) {
+        DictationWorld w(TextWork::real);
+        w.time.setDate(now);
+        w.settings.writingStyle.set(dictation.style);
+        w.settings.appProfiles.set({});
+        w.settings.cleanupMode.set(dictation.mode);
+        w.settings.dictationCommandsEnabled.set(dictation.appliesCommands);
+        if (dictation.isSearch) w.services.context.field = DictationContext::FieldKind::search;
+        w.dictate(dictation.raw);
+        const auto delivered = w.inserter.delivered.empty() ? std::nullopt : std::optional(w.inserter.delivered.back());
+        EXPECT_EQ(delivered, dictation.expected) << dictation.title;
+
+        ChainOptions options;
+        options.style = dictation.isSearch ? WritingStyle::neutral : dictation.style;
+        options.mode = dictation.mode;
+        options.isCompact = dictation.isSearch;
+        options.appliesCommands = dictation.appliesCommands;
+        options.now = now;
+        const auto outcome = runWholeChain(dictation.raw, options);
+        EXPECT_EQ(outcome.discardedEverything, !dictation.expected) << dictation.title;
+        EXPECT_EQ(outcome.text, dictation.expected.value_or("")) << dictation.title;
+    }
+}
+
+} // namespace
+} // namespace querlin
