@@ -63,7 +63,8 @@ std::string Pattern::replaceEach(std::string_view text, const Replacement& repla
     std::int32_t copied = 0;
     while (matcher.find() != 0) {
         std::vector<std::string> groups;
-        for (std::int32_t i = 0; i <= matcher.groupCount(); ++i) groups.push_back(utf8(matcher.group(i, status)));
+        for (std::int32_t i = 0; i <= matcher.groupCount(); ++i)
+            groups.push_back(utf8(matcher.group(i, status)));
         const std::vector<std::string_view> views(groups.begin(), groups.end());
         const auto replaced = replacement(views);
         if (!replaced) continue;
@@ -81,8 +82,8 @@ struct RuleList::Compiled {
 
 RuleList::RuleList() = default;
 void RuleList::add(const Rule& rule) {
-    rules_.push_back(
-        {compiled(rule.pattern, rule.letterCase), icu::UnicodeString::fromUTF8(std::string(rule.replacement))});
+    rules_.push_back({compiled(rule.pattern, rule.letterCase),
+                      icu::UnicodeString::fromUTF8(std::string(rule.replacement))});
 }
 RuleList::~RuleList() = default;
 RuleList::RuleList(RuleList&&) noexcept = default;

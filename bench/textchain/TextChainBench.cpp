@@ -34,7 +34,8 @@ void compareOutputs() {
     for (const auto& [name, text] : texts) {
         for (const bool appliesCommands : {true, false}) {
             for (const bool isCompact : {true, false}) {
-                if (ours(text, appliesCommands, isCompact) == icu_peer::runWholeChain(text, appliesCommands, isCompact))
+                if (ours(text, appliesCommands, isCompact) ==
+                    icu_peer::runWholeChain(text, appliesCommands, isCompact))
                     continue;
                 std::fprintf(stderr, "The chains differ: %s\n", name.c_str());
                 std::exit(EXIT_FAILURE);
@@ -47,15 +48,17 @@ void compareOutputs() {
 void chainOurs(benchmark::State& state) {
     const auto text = dictationOf(static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) benchmark::DoNotOptimize(ours(text, true, false));
-    state.counters["per_word"] = benchmark::Counter(static_cast<double>(state.range(0)),
-                                                    benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    state.counters["per_word"] =
+        benchmark::Counter(static_cast<double>(state.range(0)),
+                           benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 void chainIcu(benchmark::State& state) {
     const auto text = dictationOf(static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) benchmark::DoNotOptimize(icu_peer::runWholeChain(text, true, false));
-    state.counters["per_word"] = benchmark::Counter(static_cast<double>(state.range(0)),
-                                                    benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    state.counters["per_word"] =
+        benchmark::Counter(static_cast<double>(state.range(0)),
+                           benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 void compileOurs(benchmark::State& state) {
@@ -109,6 +112,7 @@ void hostile(benchmark::State& state, const std::string& text) {
     for (auto _ : state) {
         benchmark::DoNotOptimize(ours(text, true, false));
         benchmark::DoNotOptimize(ours(text, false, false));
+        benchmark::DoNotOptimize(ours(text, true, true));
     }
 }
 

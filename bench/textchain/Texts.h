@@ -12,14 +12,22 @@ namespace querlin::bench {
 inline std::string dictationOf(std::size_t words) {
     constexpr std::string_view source =
         "Aktenvermerk Doppelpunkt heute habe ich die Betreute in ihrer Wohnung aufgesucht Punkt ähm sie war "
-        "freundlich Komma wirkte aber müde und klagte über Schmerzen im Rücken Punkt neuer Absatz der Pflegedienst "
-        "kommt täglich um acht nein um neun Uhr Punkt Rechtsgrundlage ist Paragraph achtzehnhundertvierzehn Absatz "
-        "zwei BGB Punkt Das Gericht hat mit Beschluss vom 3. März 2024 Komma Aktenzeichen XVII 123 24 Komma die "
-        "Betreuung verlängert Punkt also der Punkt ist strittig Komma ob die Kosten für die Brille übernommen werden "
-        "Fragezeichen Bitte teilen Sie mir bis zum Ende des Monats mit Komma welche Unterlagen noch fehlen Punkt "
-        "neue Zeile Mit der Bank wurde vereinbart Komma dass die Daueraufträge angepasst werden Gedankenstrich die "
-        "Miete steigt um vierzig Euro Punkt Weitere Angaben Klammer auf Rentenbescheid Klammer zu liegen bei Punkt "
-        "Sie wünscht ausdrücklich Komma in ihrer eigenen Wohnung zu bleiben und von ihrer Tochter sozusagen nur an "
+        "freundlich Komma wirkte aber müde und klagte über Schmerzen im Rücken Punkt neuer Absatz der "
+        "Pflegedienst "
+        "kommt täglich um acht nein um neun Uhr Punkt Rechtsgrundlage ist Paragraph achtzehnhundertvierzehn "
+        "Absatz "
+        "zwei BGB Punkt Das Gericht hat mit Beschluss vom 3. März 2024 Komma Aktenzeichen XVII 123 24 Komma "
+        "die "
+        "Betreuung verlängert Punkt also der Punkt ist strittig Komma ob die Kosten für die Brille "
+        "übernommen werden "
+        "Fragezeichen Bitte teilen Sie mir bis zum Ende des Monats mit Komma welche Unterlagen noch fehlen "
+        "Punkt "
+        "neue Zeile Mit der Bank wurde vereinbart Komma dass die Daueraufträge angepasst werden "
+        "Gedankenstrich die "
+        "Miete steigt um vierzig Euro Punkt Weitere Angaben Klammer auf Rentenbescheid Klammer zu liegen bei "
+        "Punkt "
+        "Sie wünscht ausdrücklich Komma in ihrer eigenen Wohnung zu bleiben und von ihrer Tochter sozusagen "
+        "nur an "
         "den Wochenenden besucht zu werden Punkt Die nächste Anhörung findet im Sommer statt Punkt ";
     std::string text;
     std::string_view rest;
@@ -50,6 +58,8 @@ inline std::vector<std::pair<std::string, std::string>> hostileTexts(std::size_t
             {"streiche_das", repeated("a streiche das ")},
             {"klammer_auf", repeated("klammer auf ")},
             {"one_word", repeated("ä")},
+            {"umlauts_apart", repeated("ä ")},
+            {"decomposed", repeated("o\u0308 ")},
             {"stuttering", repeated("ja ")},
             {"nein", repeated("um nein ")},
             {"hesitations", repeated("ähm, ")},

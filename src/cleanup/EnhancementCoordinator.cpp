@@ -14,7 +14,8 @@ EnhancementOutcome madeBy(std::string_view engine, std::string text, std::option
 
 } // namespace
 
-Task<EnhancementOutcome> EnhancementCoordinator::run(std::string transcript, std::optional<WritingStyle> style,
+Task<EnhancementOutcome> EnhancementCoordinator::run(std::string transcript,
+                                                     std::optional<WritingStyle> style,
                                                      TextTreatment treatment) {
     std::string text(trimWhitespaceAndNewlines(transcript));
     const auto mode = settings_.cleanupMode.get();
@@ -34,7 +35,8 @@ Task<EnhancementOutcome> EnhancementCoordinator::runLocal(std::string text, Writ
         co_return co_await runRuleBased(std::move(text), style, treatment, availability.explanation());
     }
     auto polished = co_await model_.enhance(text, settings_.language.get(), style, treatment);
-    if (polished) co_return madeBy(EngineName::model, polished->empty() ? std::move(text) : std::move(*polished));
+    if (polished)
+        co_return madeBy(EngineName::model, polished->empty() ? std::move(text) : std::move(*polished));
     const auto& fault = polished.error().description;
     DiagnosticsLog::note("cleanup", "Lokales Modell fehlgeschlagen: " + fault);
     co_return co_await runRuleBased(std::move(text), style, treatment, "Lokales Modell meldete: " + fault);
@@ -43,7 +45,8 @@ Task<EnhancementOutcome> EnhancementCoordinator::runLocal(std::string text, Writ
 Task<EnhancementOutcome> EnhancementCoordinator::runRuleBased(std::string text, WritingStyle style,
                                                               TextTreatment treatment, std::string reason) {
     // A second pass would alter law texts and blocks put in since the first.
-    if (treatment.rulesApplied) co_return madeBy(EngineName::rulesInstead, std::move(text), std::move(reason));
+    if (treatment.rulesApplied)
+        co_return madeBy(EngineName::rulesInstead, std::move(text), std::move(reason));
     auto cleaned = co_await rules_.enhance(text, settings_.language.get(), style, treatment);
     if (!cleaned) co_return madeBy(EngineName::raw, std::move(text), cleaned.error().description);
     if (!cleaned->empty()) text = std::move(*cleaned);
@@ -55,8 +58,10 @@ std::string EnhancementCoordinator::effectiveDescription(CleanupMode mode,
     switch (mode) {
     case CleanupMode::rules:
         return "Regelbasiert, ohne Modell. Der Text steht sofort nach dem Loslassen – keine Wartezeit.";
-    case CleanupMode::none: return "Keine Bereinigung – das Transkript wird unverändert eingefügt.";
-    case CleanupMode::local: break;
+    case CleanupMode::none:
+        return "Keine Bereinigung – das Transkript wird unverändert eingefügt.";
+    case CleanupMode::local:
+        break;
     }
     if (availability.isAvailable()) return "Apples lokales Modell – auf diesem Mac gerechnet.";
     return availability.explanation() + " Es wird regelbasiert bereinigt.";

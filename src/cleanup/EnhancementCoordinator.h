@@ -37,7 +37,8 @@ public:
         settings_(settings), rules_(rules), model_(model) {}
 
     /// Without a style the general setting counts.
-    Task<EnhancementOutcome> run(std::string transcript, std::optional<WritingStyle> style, TextTreatment treatment);
+    Task<EnhancementOutcome> run(std::string transcript, std::optional<WritingStyle> style,
+                                 TextTreatment treatment);
 
     /// What happens to texts in this mode, for the settings window.
     static std::string effectiveDescription(CleanupMode mode, const LocalModelAvailability& availability);

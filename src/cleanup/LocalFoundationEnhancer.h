@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cleanup/TextEnhancer.h"
 #include "cleanup/LanguageModel.h"
+#include "cleanup/TextEnhancer.h"
 
 #include <string>
 #include <string_view>
@@ -37,8 +37,9 @@ public:
     void prewarm(WritingStyle style);
 
     /// A session of its own for each text: nothing carries over. The model's silence gives the text back.
-    Task<std::expected<std::string, EnhancementError>>
-    enhance(std::string text, DictationLanguage language, WritingStyle style, TextTreatment treatment) override;
+    Task<std::expected<std::string, EnhancementError>> enhance(std::string text, DictationLanguage language,
+                                                               WritingStyle style,
+                                                               TextTreatment treatment) override;
 
     /// Takes the prompt's tags and one pair of plain quotes off an answer: "\"Ja.\"" -> "Ja."; „Ja.“ stays.
     static std::string stripWrapping(std::string_view answer);

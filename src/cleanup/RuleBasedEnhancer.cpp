@@ -21,8 +21,8 @@ namespace querlin {
 
 namespace {
 
-constexpr auto hesitations = std::to_array<std::string_view>(
-    {"ähm", "ähem", "äh", "ehm", "öhm", "öh", "hmm", "hm", "mhm", "tja"});
+constexpr auto hesitations =
+    std::to_array<std::string_view>({"ähm", "ähem", "äh", "ehm", "öhm", "öh", "hmm", "hm", "mhm", "tja"});
 
 struct Filler {
     std::string_view pattern;
@@ -41,8 +41,8 @@ constexpr auto fillers = std::to_array<Filler>({
 constexpr auto openers =
     std::to_array<std::string_view>({"also", "nun ja", "nun", "gut", "okay", "ok", "ja also"});
 
-constexpr WordSet correctionSignals(
-    std::to_array<std::string_view>({"nein", "quatsch", "entschuldigung", "korrektur", "vielmehr"}));
+constexpr WordSet correctionSignals(std::to_array<std::string_view>({"nein", "quatsch", "entschuldigung",
+                                                                     "korrektur", "vielmehr"}));
 
 constexpr ScalarSet correctionPunctuation(U".,;:!?–-");
 
@@ -54,8 +54,8 @@ const RuleList& removals() {
     static const auto list = [] {
         RuleList rules;
         const auto remove = [&rules](std::string_view pattern, std::string_view literal) {
-            rules.add({fmt::format(R"((?<!\p{{L}}){}(?!\p{{L}}),?\s*)", pattern), "", Requirement::beginsWith(literal),
-                       LetterCase::ignored});
+            rules.add({fmt::format(R"((?<!\p{{L}}){}(?!\p{{L}}),?\s*)", pattern), "",
+                       Requirement::beginsWith(literal), LetterCase::ignored});
         };
         for (const auto word : hesitations) remove(word, word);
         for (const auto& [pattern, literal] : fillers) remove(pattern, literal);
@@ -138,9 +138,11 @@ std::string resolveSelfCorrections(std::string text) {
         }
         const auto next = compared(pieces[at + 1]);
         const auto reach = std::min(correctionReach, kept.size());
-        const auto nearest = std::find_if(kept.rbegin(), kept.rbegin() + static_cast<std::ptrdiff_t>(reach),
-                                          [&next](std::string_view piece) { return compared(piece) == next; });
-        if (nearest != kept.rbegin() + static_cast<std::ptrdiff_t>(reach)) kept.erase(std::prev(nearest.base()), kept.end());
+        const auto nearest =
+            std::find_if(kept.rbegin(), kept.rbegin() + static_cast<std::ptrdiff_t>(reach),
+                         [&next](std::string_view piece) { return compared(piece) == next; });
+        if (nearest != kept.rbegin() + static_cast<std::ptrdiff_t>(reach))
+            kept.erase(std::prev(nearest.base()), kept.end());
     }
     return joinedByBlanks(kept);
 }
@@ -164,9 +166,10 @@ std::string RuleBasedEnhancer::clean(std::string_view text, TextTreatment treatm
     return finishedSentences(result);
 }
 
-Task<std::expected<std::string, EnhancementError>>
-RuleBasedEnhancer::enhance(std::string text, DictationLanguage /*language*/, WritingStyle /*style*/,
-                           TextTreatment treatment) {
+Task<std::expected<std::string, EnhancementError>> RuleBasedEnhancer::enhance(std::string text,
+                                                                              DictationLanguage /*language*/,
+                                                                              WritingStyle /*style*/,
+                                                                              TextTreatment treatment) {
     auto work = [text = std::move(text), treatment] { return clean(text, treatment); };
     co_return co_await background(runtime_, std::move(work));
 }

@@ -15,8 +15,9 @@ public:
     explicit RuleBasedEnhancer(Runtime runtime) : runtime_(runtime) {}
 
     /// `clean`, in the background. Never fails.
-    Task<std::expected<std::string, EnhancementError>>
-    enhance(std::string text, DictationLanguage language, WritingStyle style, TextTreatment treatment) override;
+    Task<std::expected<std::string, EnhancementError>> enhance(std::string text, DictationLanguage language,
+                                                               WritingStyle style,
+                                                               TextTreatment treatment) override;
 
     /// What `enhance` does. Any thread. Text that has been through the spoken commands keeps its "Komma"
     /// and "Punkt": what they left are nouns.

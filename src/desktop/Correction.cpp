@@ -50,10 +50,13 @@ std::optional<Correction> singleChange(std::string_view from, std::string_view t
     if (replacing.size() - back != 1 || count < 1 || count > mostReplacedWords) return std::nullopt;
 
     Correction correction;
-    for (const auto word : replaced.first(count)) correction.recognizedWords.emplace_back(trimAnyOf(word, wordPunctuation));
+    for (const auto word : replaced.first(count))
+        correction.recognizedWords.emplace_back(trimAnyOf(word, wordPunctuation));
     correction.corrected = trimAnyOf(replacing.front(), wordPunctuation);
-    const bool lostWord = std::ranges::count(correction.recognizedWords, "") > 0 || correction.corrected.empty();
-    const bool changedFormAlone = canonicallyEqual(lowercase(correction.recognized()), lowercase(correction.corrected));
+    const bool lostWord =
+        std::ranges::count(correction.recognizedWords, "") > 0 || correction.corrected.empty();
+    const bool changedFormAlone =
+        canonicallyEqual(lowercase(correction.recognized()), lowercase(correction.corrected));
     if (lostWord || changedFormAlone) return std::nullopt;
     return correction;
 }

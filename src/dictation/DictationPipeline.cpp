@@ -135,7 +135,8 @@ Task<std::expected<std::string, TranscriptionError>> DictationController::transc
 bool DictationController::applyCommands(DictationRun& run) {
     if (!with_.settings.dictationCommandsEnabled.get()) return true;
     using DictationCommands::Mode;
-    auto outcome = with_.textStages.applyCommands(run.text, run.style.compactText ? Mode::compact : Mode::prose);
+    auto outcome =
+        with_.textStages.applyCommands(run.text, run.style.compactText ? Mode::compact : Mode::prose);
     if (outcome.discardedEverything) return false;
     if (!outcome.appliedCommands.empty()) {
         DiagnosticsLog::trace("commands", "angewandt: " + joined(outcome.appliedCommands));
@@ -162,7 +163,8 @@ void DictationController::applyDeterministicStages(DictationRun& run) {
     }
     applyLawStages(run);
     using URLFormatting::AddressTest;
-    keepText(run, stages.compactAddresses(run.text, run.style.compactText ? AddressTest::lenient : AddressTest::strict));
+    keepText(run, stages.compactAddresses(run.text, run.style.compactText ? AddressTest::lenient
+                                                                          : AddressTest::strict));
 }
 
 void DictationController::applyLawStages(DictationRun& run) {

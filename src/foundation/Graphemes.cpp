@@ -49,6 +49,12 @@ bool standsAlone(char32_t scalar) {
     }
 }
 
+/// Whether a scalar takes the one behind it into its own character, whatever that is.
+bool joinsWhatFollows(char32_t scalar) {
+    return scalar >= 0x300 &&
+           u_getIntPropertyValue(static_cast<UChar32>(scalar), UCHAR_GRAPHEME_CLUSTER_BREAK) == U_GCB_PREPEND;
+}
+
 /// The end of the scalar that ends at `limit` or reaches over it: three bytes further at most. Whatever
 /// continuation bytes follow those are ill-formed, each for itself.
 std::size_t scalarEnd(std::string_view text, std::size_t limit) {
@@ -83,8 +89,8 @@ std::size_t Graphemes::firstLengthBeyondLatin(std::string_view text) {
     if (text.front() == '\r') return text.substr(1).starts_with('\n') ? 2 : 1;
     const auto byteAt = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     // Dashes and quotes, U+2010 to U+2027.
-    const bool isPunctuation = byteAt(0) == 0xE2 && text.size() > 3 && byteAt(1) == 0x80 && byteAt(2) >= 0x90 &&
-                               byteAt(2) <= 0xA7 && byteAt(3) < firstCombiningLead;
+    const bool isPunctuation = byteAt(0) == 0xE2 && text.size() > 3 && byteAt(1) == 0x80 &&
+                               byteAt(2) >= 0x90 && byteAt(2) <= 0xA7 && byteAt(3) < firstCombiningLead;
     if (isPunctuation) return 3;
     const auto first = decodeScalar(text);
     const auto next = text.substr(first.lengthInBytes);
@@ -120,10 +126,15 @@ std::string_view firstGraphemes(std::string_view text, std::size_t count) {
 
 std::string_view lastGrapheme(std::string_view text) {
     if (text.empty()) return text;
-    // From an ASCII byte behind another ASCII byte on, the characters don't depend on what is before them.
-    const auto isAscii = [text](std::size_t i) { return static_cast<unsigned char>(text[i]) < 0x80; };
-    const auto begins = [&](std::size_t i) {
-        return isAscii(i) && isAscii(i - 1) && !(text[i] == '\n' && text[i - 1] == '\r');
+    // From an ASCII byte on, the characters don't depend on what is before it, unless that joins what
+    // follows.
+    const auto begins = [text](std::size_t i) {
+        if (static_cast<unsigned char>(text[i]) >= 0x80 || (text[i] == '\n' && text[i - 1] == '\r'))
+            return false;
+        auto before = i - 1;
+        while (before > 0 && i - before < 4 && (static_cast<unsigned char>(text[before]) & 0xC0U) == 0x80)
+            --before;
+        return !joinsWhatFollows(firstScalar(text.substr(before, i - before)));
     };
     auto at = text.size() - 1;
     while (at > 0 && !begins(at)) --at;

@@ -38,7 +38,8 @@ struct Workplace {
         return workplace;
     }
 
-    Workplace() : data(pcre2_match_data_create(mostGroups, nullptr)), context(pcre2_match_context_create(nullptr)) {
+    Workplace() :
+        data(pcre2_match_data_create(mostGroups, nullptr)), context(pcre2_match_context_create(nullptr)) {
         constexpr std::size_t firstBytes = 32U << 10U;
         constexpr std::size_t mostBytes = 1U << 20U; // Beyond it the interpreter takes over.
         stack.reset(pcre2_jit_stack_create(firstBytes, mostBytes, nullptr));
@@ -59,13 +60,15 @@ std::string errorText(int code) {
 
 /// An expression, ready to be matched.
 struct Expression {
-    Expression(std::string_view expression, LetterCase letterCase, const Requirement& required) : requirement(required) {
-        const auto options = PCRE2_UTF | PCRE2_UCP | (letterCase == LetterCase::ignored ? PCRE2_CASELESS : 0U) |
+    Expression(std::string_view expression, LetterCase letterCase, const Requirement& required) :
+        requirement(required) {
+        const auto options = PCRE2_UTF | PCRE2_UCP |
+                             (letterCase == LetterCase::ignored ? PCRE2_CASELESS : 0U) |
                              (requirement.kind() == Requirement::Kind::beginning ? PCRE2_ANCHORED : 0U);
         int error = 0;
         std::size_t offset = 0;
-        code.reset(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(expression.data()), expression.size(), options, &error,
-                                 &offset, nullptr));
+        code.reset(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(expression.data()), expression.size(), options,
+                                 &error, &offset, nullptr));
         if (!code) throw std::logic_error(std::string(expression) + ": " + errorText(error));
         pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE); // Without it the interpreter matches.
     }

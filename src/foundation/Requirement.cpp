@@ -47,21 +47,23 @@ std::string_view probeOf(std::string_view literal) {
     return {};
 }
 
-/// Whether three bytes of a small literal, or the two it has, stand side by side anywhere in a text, folded or
-/// not. Says yes too often, and never no where an odd letter might stand for one of them.
+/// Whether three bytes of a small literal, or the two it has, stand side by side anywhere in a text, folded
+/// or not. Says yes too often, and never no where an odd letter might stand for one of them.
 bool mayHold(std::string_view text, std::string_view literal) {
     const auto probe = probeOf(literal);
     if (probe.empty()) return true;
     if (text.size() < literal.size()) return false;
-    const auto folded = [](char byte) { return static_cast<std::uint8_t>(static_cast<std::uint8_t>(byte) | 0x20U); };
+    const auto folded = [](char byte) {
+        return static_cast<std::uint8_t>(static_cast<std::uint8_t>(byte) | 0x20U);
+    };
     const auto first = folded(probe[0]);
     const auto second = folded(probe[1]);
     const auto third = folded(probe.back());
     const std::size_t last = probe.size() - 1;
     std::uint8_t least = 0xFF;
     for (std::size_t i = 0; i + last < text.size(); ++i) {
-        const auto difference = static_cast<std::uint8_t>((folded(text[i]) ^ first) | (folded(text[i + 1]) ^ second) |
-                                                          (folded(text[i + last]) ^ third));
+        const auto difference = static_cast<std::uint8_t>(
+            (folded(text[i]) ^ first) | (folded(text[i + 1]) ^ second) | (folded(text[i + last]) ^ third));
         least = std::min(least, difference);
     }
     return least == 0;
@@ -134,14 +136,16 @@ void FoldedText::read(std::string_view text) {
 bool Requirement::isMetBy(std::string_view text) const {
     if (kind_ == Kind::none) return true;
     const bool isLiteral = kind_ == Kind::literal || kind_ == Kind::beginning;
-    if (isLiteral && !anyLiteral([text](std::string_view literal) { return mayHold(text, literal); })) return false;
+    if (isLiteral && !anyLiteral([text](std::string_view literal) { return mayHold(text, literal); }))
+        return false;
     thread_local FoldedText folded;
     folded.read(text);
     const auto bytes = folded.text();
     if (kind_ == Kind::repeatedWord) return mayRepeatWord(bytes);
     if (isLiteral) return anyLiteral([bytes](std::string_view literal) { return bytes.contains(literal); });
     for (std::size_t i = 1; i < bytes.size(); ++i) {
-        if ((first_ & ByteClass::bitOf(bytes[i - 1])) != 0 && (second_ & ByteClass::bitOf(bytes[i])) != 0) return true;
+        if ((first_ & ByteClass::bitOf(bytes[i - 1])) != 0 && (second_ & ByteClass::bitOf(bytes[i])) != 0)
+            return true;
     }
     return false;
 }
@@ -194,16 +198,19 @@ bool TextProfile::holds(std::string_view literal) {
 
 bool TextProfile::meets(const Requirement& requirement) {
     switch (requirement.kind()) {
-    case Requirement::Kind::none: return true;
+    case Requirement::Kind::none:
+        return true;
     case Requirement::Kind::literal:
     case Requirement::Kind::beginning:
         return requirement.anyLiteral([this](std::string_view literal) { return holds(literal); });
     case Requirement::Kind::pair:
         for (auto rest = requirement.first_; rest != 0; rest &= rest - 1) {
-            if ((followers_[static_cast<std::size_t>(std::countr_zero(rest))] & requirement.second_) != 0) return true;
+            if ((followers_[static_cast<std::size_t>(std::countr_zero(rest))] & requirement.second_) != 0)
+                return true;
         }
         return false;
-    case Requirement::Kind::repeatedWord: return mayRepeatWord(folded().text());
+    case Requirement::Kind::repeatedWord:
+        return mayRepeatWord(folded().text());
     }
     return true;
 }

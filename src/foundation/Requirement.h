@@ -31,7 +31,9 @@ public:
         for (auto& word : set.words_) word = ~word;
         return set;
     }
-    constexpr bool contains(unsigned char byte) const { return (words_[byte / 64U] >> (byte % 64U) & 1U) != 0; }
+    constexpr bool contains(unsigned char byte) const {
+        return (words_[byte / 64U] >> (byte % 64U) & 1U) != 0;
+    }
     constexpr void add(unsigned char byte) { words_[byte / 64U] |= std::uint64_t{1} << (byte % 64U); }
 
 private:
@@ -41,8 +43,9 @@ private:
 /// Puts all bytes into 64 classes: what patterns tell apart has a class of its own.
 namespace ByteClass {
 inline constexpr auto ofByte = [] {
-    constexpr std::string_view apart = "abcdefghijklmnopqrstuvwxyz \t\n.,;:!?()-/\"'\xC2\xC3\xE2\x80\x84\x93\x9C\x9E"
-                                       "\x9F\xA0\xA4\xA7\xB6\xBC";
+    constexpr std::string_view apart =
+        "abcdefghijklmnopqrstuvwxyz \t\n.,;:!?()-/\"'\xC2\xC3\xE2\x80\x84\x93\x9C\x9E"
+        "\x9F\xA0\xA4\xA7\xB6\xBC";
     constexpr std::uint8_t digit = 60;
     constexpr std::uint8_t otherSpace = 61;
     constexpr std::uint8_t otherAscii = 62;
@@ -159,7 +162,8 @@ private:
     bool keepsPlaces_ = true;
 };
 
-/// What a text holds, gathered in one pass: which kinds of bytes stand behind which. The text must stay where it is.
+/// What a text holds, gathered in one pass: which kinds of bytes stand behind which. The text must stay where
+/// it is.
 class TextProfile {
 public:
     void read(std::string_view text);

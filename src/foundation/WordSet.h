@@ -25,8 +25,12 @@ public:
     }
 
 private:
-    static constexpr std::size_t firstByte(std::string_view word) { return static_cast<unsigned char>(word.front()); }
-    static constexpr std::uint32_t bitOf(std::string_view word) { return std::uint32_t{1} << (word.size() % 32U); }
+    static constexpr std::size_t firstByte(std::string_view word) {
+        return static_cast<unsigned char>(word.front());
+    }
+    static constexpr std::uint32_t bitOf(std::string_view word) {
+        return std::uint32_t{1} << (word.size() % 32U);
+    }
 
     std::array<std::string_view, size> sorted_;
     /// For each first byte the lengths, modulo 32, of the words that begin with it.

@@ -23,10 +23,14 @@ constexpr std::array<EnumRow<WritingStyle>, 4> enumRows(WritingStyle) {
 constexpr std::string_view shortDescription(WritingStyle style) {
     using enum WritingStyle;
     switch (style) {
-    case aktenstil: return "Nüchtern dokumentierend, dritte Person, keine Wertungen.";
-    case brief: return "Höflich und vollständig ausformuliert, Anrede bleibt erhalten.";
-    case locker: return "Nah am Gesprochenen, umgangssprachliche Wendungen bleiben.";
-    case neutral: return "Nur Füllwörter und Zeichensetzung, sonst unverändert.";
+    case aktenstil:
+        return "Nüchtern dokumentierend, dritte Person, keine Wertungen.";
+    case brief:
+        return "Höflich und vollständig ausformuliert, Anrede bleibt erhalten.";
+    case locker:
+        return "Nah am Gesprochenen, umgangssprachliche Wendungen bleiben.";
+    case neutral:
+        return "Nur Füllwörter und Zeichensetzung, sonst unverändert.";
     }
     return {};
 }
@@ -38,17 +42,21 @@ constexpr std::string_view promptInstruction(WritingStyle style) {
     case aktenstil:
         return "Schreibe im Stil eines Aktenvermerks der rechtlichen Betreuung: nüchtern, sachlich, "
                "dokumentierend. Vollständige Sätze, aber keine Ausschmückung. Keine Wertungen und keine "
-               "Höflichkeitsfloskeln. Behalte die vom Sprecher gewählte Perspektive und Anrede bei; mache aus "
+               "Höflichkeitsfloskeln. Behalte die vom Sprecher gewählte Perspektive und Anrede bei; mache "
+               "aus "
                "„ich habe\" kein „es wurde\". Fachbegriffe bleiben Fachbegriffe.";
     case brief:
-        return "Schreibe in höflichem, vollständig ausformuliertem Briefton, wie in einer dienstlichen E-Mail. "
-               "Anrede und Grußformel bleiben erhalten, falls diktiert; ergänze keine. Sachlich freundlich, ohne "
+        return "Schreibe in höflichem, vollständig ausformuliertem Briefton, wie in einer dienstlichen "
+               "E-Mail. "
+               "Anrede und Grußformel bleiben erhalten, falls diktiert; ergänze keine. Sachlich freundlich, "
+               "ohne "
                "Umgangssprache.";
     case locker:
         return "Schreibe natürlich und nah am Gesprochenen. Umgangssprachliche Wendungen dürfen bleiben, "
                "solange der Text sauber lesbar ist.";
     case neutral:
-        return "Ändere den Stil nicht. Entferne nur Füllwörter und setze Zeichensetzung. Formuliere nichts um.";
+        return "Ändere den Stil nicht. Entferne nur Füllwörter und setze Zeichensetzung. Formuliere nichts "
+               "um.";
     }
     return {};
 }
@@ -74,12 +82,15 @@ constexpr std::string_view shortSummary(CleanupMode mode) {
     using enum CleanupMode;
     switch (mode) {
     case rules:
-        return "Text erscheint ohne Wartezeit. Bereinigt Füllwörter und Zeichensetzung nach festen Regeln – ohne "
+        return "Text erscheint ohne Wartezeit. Bereinigt Füllwörter und Zeichensetzung nach festen Regeln – "
+               "ohne "
                "Modell.";
     case local:
-        return "Feinschliff durch Apples lokales Modell. Dauert ein bis zwei Sekunden länger – und bleibt wie "
+        return "Feinschliff durch Apples lokales Modell. Dauert ein bis zwei Sekunden länger – und bleibt "
+               "wie "
                "alles andere auf diesem Mac.";
-    case none: return "Das Transkript wird unverändert eingefügt.";
+    case none:
+        return "Das Transkript wird unverändert eingefügt.";
     }
     return {};
 }

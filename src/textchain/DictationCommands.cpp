@@ -74,37 +74,36 @@ constexpr auto discardAll = std::to_array<Phrase>({
 /// The first words of all phrases: where none of them stands, no phrase begins.
 constexpr auto firstWords = [] {
     std::array<std::string_view, commands.size() + deleteSentence.size() + discardAll.size()> words;
-    auto out = std::ranges::transform(commands, words.begin(), [](const auto& command) { return command.phrase[0]; }).out;
+    auto out = std::ranges::transform(commands, words.begin(), [](const auto& command) {
+                   return command.phrase[0];
+               }).out;
     const auto first = [](const Phrase& phrase) { return phrase[0]; };
     out = std::ranges::transform(deleteSentence, out, first).out;
     std::ranges::transform(discardAll, out, first);
     return WordSet(words);
 }();
 
+// clang-format off
 /// Behind one of these a doubtful command is a noun.
 constexpr WordSet<91> determiners({
-    "der",       "die",       "das",       "den",       "dem",          "des",          "ein",
-    "eine",      "einen",     "einem",     "einer",     "eines",        "dieser",       "diese",
-    "dieses",    "diesen",    "diesem",    "jener",     "jene",         "jenes",        "jeden",
-    "jeder",     "jede",      "jedes",     "kein",      "keine",        "keinen",       "keinem",
-    "keiner",    "welcher",   "welche",    "welches",   "mein",         "meine",        "meinen",
-    "meinem",    "meiner",    "sein",      "seine",     "seinen",       "seinem",       "seiner",
-    "ihr",       "ihre",      "ihren",     "ihrem",     "ihrer",        "unser",        "unsere",
-    "unseren",   "zum",       "zur",       "am",        "im",           "vom",          "beim",
-    "ans",       "ins",       "aufs",      "mit",       "ohne",         "über",         "unter",
-    "zwischen",  "gegen",     "durch",     "erster",    "erste",        "erstes",       "zweiter",
-    "zweite",    "zweites",   "dritter",   "dritte",    "drittes",      "letzter",      "letzte",
-    "letztes",   "wichtiger", "wichtige",  "wichtiges", "strittiger",   "strittige",    "strittiges",
-    "entscheidender",         "entscheidende",          "entscheidendes",               "springender",
-    "wunder",    "obiger",    "genannter",
+    "der", "die", "das", "den", "dem", "des", "ein", "eine", "einen", "einem", "einer", "eines", "dieser",
+    "diese", "dieses", "diesen", "diesem", "jener", "jene", "jenes", "jeden", "jeder", "jede", "jedes",
+    "kein", "keine", "keinen", "keinem", "keiner", "welcher", "welche", "welches", "mein", "meine",
+    "meinen", "meinem", "meiner", "sein", "seine", "seinen", "seinem", "seiner", "ihr", "ihre", "ihren",
+    "ihrem", "ihrer", "unser", "unsere", "unseren", "zum", "zur", "am", "im", "vom", "beim", "ans", "ins",
+    "aufs", "mit", "ohne", "über", "unter", "zwischen", "gegen", "durch", "erster", "erste", "erstes",
+    "zweiter", "zweite", "zweites", "dritter", "dritte", "drittes", "letzter", "letzte", "letztes",
+    "wichtiger", "wichtige", "wichtiges", "strittiger", "strittige", "strittiges", "entscheidender",
+    "entscheidende", "entscheidendes", "springender", "wunder", "obiger", "genannter",
 });
+// clang-format on
 
 /// In front of one of these a doubtful command is a noun.
 constexpr WordSet<33> followingVerbs({
-    "ist",     "war",    "sind",   "waren",    "wäre",   "wären",    "wird", "wurde",  "werden",
-    "würde",   "worden", "bleibt", "blieb",    "gilt",   "galt",     "scheint", "erscheint", "lautet",
-    "betrifft", "steht", "stand",  "muss",     "musste", "kann",     "konnte", "soll",  "sollte",
-    "darf",    "durfte", "hat",    "hatte",    "haben",  "hätte",
+    "ist",      "war",    "sind",   "waren", "wäre",   "wären", "wird",    "wurde",     "werden",
+    "würde",    "worden", "bleibt", "blieb", "gilt",   "galt",  "scheint", "erscheint", "lautet",
+    "betrifft", "steht",  "stand",  "muss",  "musste", "kann",  "konnte",  "soll",      "sollte",
+    "darf",     "durfte", "hat",    "hatte", "haben",  "hätte",
 });
 
 const RuleList& proseTidying() {
@@ -136,8 +135,8 @@ std::string tidied(std::string_view text, Mode mode) {
 }
 
 std::size_t lengthOf(const Phrase& phrase) {
-    return static_cast<std::size_t>(
-        std::ranges::find_if(phrase, [](auto word) { return word.empty(); }) - phrase.begin());
+    return static_cast<std::size_t>(std::ranges::find_if(phrase, [](auto word) { return word.empty(); }) -
+                                    phrase.begin());
 }
 
 /// What stands there in place of the white space between two words of the source; at most one empty line.
@@ -189,14 +188,16 @@ private:
 
     /// The length of the first phrase that stands here; 0 if none does.
     std::size_t findPhrase(std::span<const Phrase> phrases) const {
-        const auto found = std::ranges::find_if(phrases, [this](const auto& phrase) { return isSpokenHere(phrase); });
+        const auto found =
+            std::ranges::find_if(phrases, [this](const auto& phrase) { return isSpokenHere(phrase); });
         return found == phrases.end() ? 0 : lengthOf(*found);
     }
 
     const Command* findCommand() const {
-        const auto* found =
-            std::ranges::find_if(commands, [this](const auto& command) { return isSpokenHere(command.phrase); });
-        if (found == commands.end() || (found->noun == Noun::possible && isNoun(lengthOf(found->phrase)))) return nullptr;
+        const auto* found = std::ranges::find_if(
+            commands, [this](const auto& command) { return isSpokenHere(command.phrase); });
+        if (found == commands.end() || (found->noun == Noun::possible && isNoun(lengthOf(found->phrase))))
+            return nullptr;
         return found;
     }
 
@@ -251,7 +252,8 @@ private:
         removeBlanksAtEnd(text_);
         if (endsSentence(lastGrapheme(text_))) text_.pop_back();
         auto end = text_.find_last_of(".!?\n");
-        while (end != std::string::npos && !endsSentence(firstGraphemes(std::string_view(text_).substr(end), 1))) {
+        while (end != std::string::npos &&
+               !endsSentence(firstGraphemes(std::string_view(text_).substr(end), 1))) {
             end = end == 0 ? std::string::npos : text_.find_last_of(".!?\n", end - 1);
         }
         text_.resize(end + 1); // Nothing is left where no sentence stands before it.

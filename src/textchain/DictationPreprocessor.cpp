@@ -34,8 +34,8 @@ const RuleList& rules() {
     static const auto list = [] {
         RuleList rules;
         for (const auto& [phrase, mark] : spokenMarks) {
-            rules.add({fmt::format(R"((?<!\p{{L}}){}(?!\p{{L}}))", phrase), mark, Requirement::beginsWith(phrase),
-                       LetterCase::ignored});
+            rules.add({fmt::format(R"((?<!\p{{L}}){}(?!\p{{L}}))", phrase), mark,
+                       Requirement::beginsWith(phrase), LetterCase::ignored});
         }
         using namespace SpacingRules;
         for (const auto& rule : {gapBeforeMark, noGapBehindComma, noGapBehindSentence, repeatedBlanks,

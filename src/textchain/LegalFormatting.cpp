@@ -60,7 +60,8 @@ std::string apply(std::string_view text) { return normalizeCaseNumbers(normalize
 
 std::string normalizeDates(std::string_view text) {
     static const Pattern writtenOut(fmt::format(R"(\b([0-9]{{1,2}})\.?\s+({})\s+([0-9]{{4}})\b)", monthNames),
-                                    LetterCase::ignored, Requirement::pair(Bytes::digits, ByteSet(".") | Bytes::whitespaceBegins));
+                                    LetterCase::ignored,
+                                    Requirement::pair(Bytes::digits, ByteSet(".") | Bytes::whitespaceBegins));
     static const Pattern numeric(R"(\b([0-9]{1,2})\.([0-9]{1,2})\.([0-9]{4})\b)", LetterCase::counts,
                                  Requirement::pair(ByteSet("."), Bytes::digits));
     const auto inNumbers = writtenOut.replaceEach(text, [](Pattern::Groups match) {

@@ -11,7 +11,9 @@ namespace {
 
 constexpr ByteSet sentenceEnds(".!?\n");
 
-bool isSentenceEnd(char byte) { return byte <= '?' && sentenceEnds.contains(static_cast<unsigned char>(byte)); }
+bool isSentenceEnd(char byte) {
+    return byte <= '?' && sentenceEnds.contains(static_cast<unsigned char>(byte));
+}
 
 /// Where the next character that ends a sentence begins, or the length.
 std::size_t nextSentenceEnd(std::string_view text, std::size_t at) {

@@ -21,8 +21,7 @@ inline constexpr Rule repeatedBlanks = {R"([ \t]{2,})", " ",
                                         Requirement::pair(ByteSet(" \t"), ByteSet(" \t"))};
 inline constexpr Rule blanksBeforeNewline = {R"((?<! ) +\n)", "\n",
                                              Requirement::pair(ByteSet(" "), ByteSet("\n"))};
-inline constexpr Rule blanksBehindNewline = {R"(\n +)", "\n",
-                                             Requirement::pair(ByteSet("\n"), ByteSet(" "))};
+inline constexpr Rule blanksBehindNewline = {R"(\n +)", "\n", Requirement::pair(ByteSet("\n"), ByteSet(" "))};
 inline constexpr Rule severalEmptyLines = {R"(\n{3,})", "\n\n",
                                            Requirement::pair(ByteSet("\n"), ByteSet("\n"))};
 /// "Was!!" -> "Was!"

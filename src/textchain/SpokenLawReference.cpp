@@ -127,8 +127,9 @@ bool isOneOf(std::span<const std::string_view> words, std::string_view word) {
 }
 
 bool isMadeOfNumbers(std::string_view word) {
-    return !word.empty() &&
-           std::ranges::all_of(Graphemes(word), [](std::string_view character) { return isNumeric(character); });
+    return !word.empty() && std::ranges::all_of(Graphemes(word), [](std::string_view character) {
+        return isNumeric(character);
+    });
 }
 
 bool isOneLetter(std::string_view word) {
@@ -144,7 +145,8 @@ struct Read {
 
 /// The roman numeral of a book of the social code, or nothing.
 std::string_view bookSpoken(std::string_view word) {
-    const auto* found = std::ranges::find_if(sgbBooks, [word](const Book& book) { return isOneOf(book.spoken, word); });
+    const auto* found =
+        std::ranges::find_if(sgbBooks, [word](const Book& book) { return isOneOf(book.spoken, word); });
     return found == sgbBooks.end() || word.empty() ? std::string_view() : found->numeral;
 }
 
@@ -205,13 +207,14 @@ public:
 private:
     /// Not behind a mark, and not with an article: "füge Paragraph zwölf ein", "nach Paragraph fünf. Zwei".
     bool continuesNumber(std::size_t index) const {
-        return Tokenizer::trailingPunctuation(tokens_[index - 1].raw).empty() && !isOneOf(articles, word(index)) &&
-               GermanNumberWords::isNumberWord(word(index));
+        return Tokenizer::trailingPunctuation(tokens_[index - 1].raw).empty() &&
+               !isOneOf(articles, word(index)) && GermanNumberWords::isNumberWord(word(index));
     }
 
     bool continuesCitation(std::size_t index) const {
         const auto next = word(index);
-        return isOneOf(absatzMarkers, next) || isOneOf(satzMarkers, next) || isOneOf(nummerMarkers, next) || law(index);
+        return isOneOf(absatzMarkers, next) || isOneOf(satzMarkers, next) || isOneOf(nummerMarkers, next) ||
+               law(index);
     }
 
     /// Words that are one number when written together are that number: "achtzehn hundert vierzehn" -> 1814.
@@ -279,8 +282,8 @@ std::optional<ParsedReference> parseReference(Tokens tokens, std::size_t index, 
 }
 
 std::string replacement(const Token& first, std::string_view text, const Token& last) {
-    return fmt::format("{}{}{}{}", Tokenizer::leadingWhitespace(first.raw), leadingPunctuation(first.raw), text,
-                       Tokenizer::trailingPunctuation(last.raw));
+    return fmt::format("{}{}{}{}", Tokenizer::leadingWhitespace(first.raw), leadingPunctuation(first.raw),
+                       text, Tokenizer::trailingPunctuation(last.raw));
 }
 
 std::string normalizeReferences(std::string_view text) {
@@ -298,7 +301,8 @@ std::string normalizeReferences(std::string_view text) {
         result.push_back({{start, last.raw.data() + last.raw.size()}, "unchanged"});
     };
     for (std::size_t at = 0; at < tokens.size();) {
-        const auto parsed = isParagraphMarker(tokens[at]) ? parseReference(tokens, at, Marker::required) : std::nullopt;
+        const auto parsed =
+            isParagraphMarker(tokens[at]) ? parseReference(tokens, at, Marker::required) : std::nullopt;
         if (!parsed) {
             ++at;
             continue;

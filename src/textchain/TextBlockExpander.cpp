@@ -47,7 +47,8 @@ const SpokenBlock* blockAt(std::span<const SpokenBlock> blocks, const Words& wor
     const auto found = std::ranges::find_if(blocks, [&](const SpokenBlock& block) {
         auto next = at;
         return at + block.name.size() <= words.size() &&
-               std::ranges::all_of(block.name, [&](const auto& part) { return words.compared(next++) == part; });
+               std::ranges::all_of(block.name,
+                                   [&](const auto& part) { return words.compared(next++) == part; });
     });
     return found == blocks.end() ? nullptr : &*found;
 }
@@ -58,7 +59,8 @@ void appendContent(std::string& text, const std::string& content) {
 }
 
 std::string_view withoutTrailingGap(std::string_view text) {
-    for (auto last = lastGrapheme(text); isWhitespace(last); last = lastGrapheme(text)) text.remove_suffix(last.size());
+    for (auto last = lastGrapheme(text); isWhitespace(last); last = lastGrapheme(text))
+        text.remove_suffix(last.size());
     return text;
 }
 

@@ -31,7 +31,9 @@ std::string join(std::span<const Token> tokens) {
     std::string text;
     for (const auto& token : tokens) {
         const bool isMade = token.normalized.empty() && !token.raw.empty();
-        if (isMade && !text.empty() && leadingWhitespace(token.raw).empty() && !endsInWhitespaceOrNewline(text)) text += ' ';
+        if (isMade && !text.empty() && leadingWhitespace(token.raw).empty() &&
+            !endsInWhitespaceOrNewline(text))
+            text += ' ';
         text += token.raw;
     }
     return text;

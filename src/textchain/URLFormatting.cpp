@@ -36,7 +36,8 @@ std::optional<std::string> closedUpMatch(Pattern::Groups match) { return closedU
 
 bool looksLikeAddress(std::string_view text, AddressTest test) {
     static const Pattern bareDomain(R"(^[a-z0-9][a-z0-9\-]*(\.[a-z0-9\-]+)*\.[a-z]{2,6}(/[^\s]*)?\.?$)");
-    const bool beginsLikeOne = beginsWith(text, "www.") || beginsWith(text, "http://") || beginsWith(text, "https://");
+    const bool beginsLikeOne =
+        beginsWith(text, "www.") || beginsWith(text, "http://") || beginsWith(text, "https://");
     if (!beginsLikeOne && test == AddressTest::strict) return false;
     const auto compact = closedUp(text);
     if (firstGraphemes(compact, longestAddressInCharacters).size() < compact.size()) return false;
@@ -54,8 +55,8 @@ std::string compactURLs(std::string_view text) {
     static const Pattern withScheme(
         R"(\bhttps?\s*+:\s*+/\s*+/\s*+[\w\-]++(?:\s*+\.\s*+[\w\-]++)++(?:\s*+/\s*+[\w\-.]*+)*+)",
         LetterCase::ignored, Requirement::beginsWith("http"));
-    static const Pattern withoutScheme(R"(\bwww\s*+\.\s*+[\w\-]++(?:\s*+\.\s*+[\w\-]++)++)", LetterCase::ignored,
-                                       Requirement::beginsWith("www"));
+    static const Pattern withoutScheme(R"(\bwww\s*+\.\s*+[\w\-]++(?:\s*+\.\s*+[\w\-]++)++)",
+                                       LetterCase::ignored, Requirement::beginsWith("www"));
     return withoutScheme.replaceEach(withScheme.replaceEach(text, closedUpMatch), closedUpMatch);
 }
 

@@ -38,6 +38,19 @@ void requireValid(std::string_view text) { require(isValidUtf8(text), "a stage g
 
 namespace Stage {
 
+void graphemes(std::string_view text, unsigned) {
+    std::size_t count = 0;
+    std::string_view last;
+    for (const auto character : Graphemes(text)) {
+        require(!character.empty(), "a character has bytes");
+        last = character;
+        ++count;
+    }
+    require(graphemeCount(text) == count, "characters are counted as they are walked");
+    require(lastGrapheme(text) == last, "the last character is where the walk ends");
+    if (isLatin1(text)) require(isValidUtf8(text), "what is Latin is well-formed");
+}
+
 void tokenizer(std::string_view text, unsigned) {
     const Tokenizer::Split split(text);
     require(Tokenizer::join(split.tokens()) == text, "joined tokens are the text");
@@ -110,8 +123,7 @@ void addresses(std::string_view text, unsigned options) {
     const auto compact = compactURLs(valid);
     requireValid(compact);
     if (looksLikeAddress(valid, test)) require(!compactWholeText(valid).contains(' '), "an address has no blanks");
-    if (looksLikeAddress(valid, AddressTest::strict))
-        require(looksLikeAddress(valid, AddressTest::lenient), "what is sure is likely");
+    if (looksLikeAddress(valid, AddressTest::strict)) require(looksLikeAddress(valid, AddressTest::lenient), "what is sure is likely");
 }
 
 void corrections(std::string_view text, unsigned options) {
@@ -167,6 +179,7 @@ struct Target {
 };
 
 constexpr auto targets = std::to_array<Target>({
+    {"graphemes", Stage::graphemes},
     {"tokenizer", Stage::tokenizer},
     {"numbers", Stage::numbers},
     {"commands", Stage::commands},

@@ -95,7 +95,8 @@ std::string FakeStages::compactAddresses(std::string_view text, URLFormatting::A
     return mark(text, test == URLFormatting::AddressTest::strict ? "·u" : "·U");
 }
 
-Task<std::expected<std::string, EnhancementError>> FakeEnhancer::enhance(std::string text, DictationLanguage, WritingStyle, TextTreatment treatment) {
+Task<std::expected<std::string, EnhancementError>> FakeEnhancer::enhance(std::string text, DictationLanguage, WritingStyle,
+                                                                         TextTreatment treatment) {
     treatments.push_back(treatment);
     auto work = [this, text] { return stages_.marks ? text + "·r" : text; };
     auto cleaned = co_await background(runtime_, std::move(work));

@@ -62,7 +62,9 @@ private:
     const JsonValue* object_;
 };
 
-JsonValue listOf(const std::vector<std::string>& texts) { return JsonValue::Array(texts.begin(), texts.end()); }
+JsonValue listOf(const std::vector<std::string>& texts) {
+    return JsonValue::Array(texts.begin(), texts.end());
+}
 
 Members chain(std::string_view text, const Options& options) {
     ChainOptions chainOptions;
@@ -78,7 +80,8 @@ Members chain(std::string_view text, const Options& options) {
 
 Members commands(std::string_view text, const Options& options) {
     using DictationCommands::Mode;
-    const auto outcome = DictationCommands::apply(text, options.text("mode") == "compact" ? Mode::compact : Mode::prose);
+    const auto outcome =
+        DictationCommands::apply(text, options.text("mode") == "compact" ? Mode::compact : Mode::prose);
     return {{"text", outcome.text},
             {"discardedEverything", outcome.discardedEverything},
             {"appliedCommands", listOf(outcome.appliedCommands)}};
@@ -137,14 +140,18 @@ constexpr auto stages = std::to_array<Stage>({
     {"normalize", plain<normalizedTranscript>},
     {"commands", commands},
     {"punctuation", plain<DictationPreprocessor::applySpokenPunctuation>},
-    {"rules", [](std::string_view text, const Options& options) -> Members { return {{"text", rulesWithOptions(text, options)}}; }},
+    {"rules",
+     [](std::string_view text, const Options& options) -> Members {
+         return {{"text", rulesWithOptions(text, options)}};
+     }},
     {"blocks", blocks},
     {"citations", plain<SpokenLawReference::normalizeReferences>},
     {"legal", plain<LegalFormatting::apply>},
     {"address", address},
     {"tokens", tokens},
     {"number", number},
-    {"words", [](std::string_view text, const Options&) -> Members { return {{"words", listOf(wordsOf(text))}}; }},
+    {"words",
+     [](std::string_view text, const Options&) -> Members { return {{"words", listOf(wordsOf(text))}}; }},
     {"correction", correction},
     {"stripWrapping", plain<LocalFoundationEnhancer::stripWrapping>},
 });
@@ -164,7 +171,8 @@ std::string answer(std::string_view request) {
         result.emplace_back("error", "no such stage");
     } else {
         const auto words = text && text->string() ? *text->string() : std::string();
-        for (auto& member : stage->run(words, Options(parsed->member("options")))) result.push_back(std::move(member));
+        for (auto& member : stage->run(words, Options(parsed->member("options"))))
+            result.push_back(std::move(member));
     }
     return Json::compact(result);
 }

@@ -16,14 +16,16 @@ ChainOutcome runWholeChain(std::string_view transcript, const ChainOptions& opti
         text = std::move(outcome.text);
     }
     if (options.mode != CleanupMode::none && !options.isCompact) {
-        text = RuleBasedEnhancer::clean(text, {.commandsApplied = options.appliesCommands, .rulesApplied = false});
+        text = RuleBasedEnhancer::clean(text,
+                                        {.commandsApplied = options.appliesCommands, .rulesApplied = false});
     }
     auto expanded = stages.expandBlocks(text, options.blocks, options.now);
     if (!expanded.usedBlocks.empty()) text = std::move(expanded.text);
     text = stages.processLawReferences(text);
     if (options.style == WritingStyle::aktenstil) text = stages.formatLegally(text);
     using URLFormatting::AddressTest;
-    return {stages.compactAddresses(text, options.isCompact ? AddressTest::lenient : AddressTest::strict), false};
+    return {stages.compactAddresses(text, options.isCompact ? AddressTest::lenient : AddressTest::strict),
+            false};
 }
 
 } // namespace querlin
