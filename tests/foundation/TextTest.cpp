@@ -74,6 +74,7 @@ TEST(Graphemes, AgreeWithIcuOnAnyMixture) {
         const Graphemes graphemes(text);
         ASSERT_EQ((std::vector<std::string>(graphemes.begin(), graphemes.end())), expected) << text;
         ASSERT_EQ(graphemeCount(text), expected.size()) << text;
+        ASSERT_EQ(lastGrapheme(text), expected.empty() ? "" : expected.back()) << text;
     }
 }
 

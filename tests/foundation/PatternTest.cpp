@@ -1,0 +1,95 @@
+#include "foundation/Pattern.h"
+#include "foundation/Words.h"
+
+#include <random>
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+std::string marked(const Pattern& pattern, std::string_view text) {
+    return pattern.replaceEach(text, [](Pattern::Groups match) { return std::optional("<" + std::string(match[0]) + ">"); });
+}
+
+TEST(Pattern, KnowsUnicode) {
+    struct Row {
+        const char* expression;
+        LetterCase letterCase;
+        const char* text;
+        const char* marked;
+        const char* reason;
+    };
+    using enum LetterCase;
+    const std::vector<Row> rows = {{R"(\s+)", counts, "a\u00A0\u202F\u2028\u0085b", "a<\u00A0\u202F\u2028\u0085>b", "all white space"},
+                                   {R"(\w+)", counts, "Öl–ß", "<Öl>–<ß>", "letters"},
+                                   {R"(übel)", ignored, "ÜBEL", "<ÜBEL>", "capitals"},
+                                   {R"(maß)", ignored, "MA\u1E9E mass", "<MA\u1E9E> mass", "ß isn't ss"},
+                                   {R"(^a|b$)", counts, "ab\na", "<a>b\na", "the whole text's ends"},
+                                   {R"(x*)", counts, "äx", "<>ä<x><>", "empty matches move on by characters"},
+                                   {R"(.)", counts, "a\xFFz", "<a><\uFFFD><z>", "ill-formed bytes"}};
+    for (const auto& row : rows) EXPECT_EQ(marked(Pattern(row.expression, row.letterCase), row.text), row.marked) << row.reason;
+    EXPECT_THROW(Pattern("("), std::logic_error);
+    const Pattern pair("(a)(x)?(b)");
+    EXPECT_EQ(pair.replaceEach("ab", [](Pattern::Groups match) { return std::optional(std::string(match[3]) + std::string(match[2])); }),
+              "b");
+    EXPECT_EQ(pair.replaceEach("ab", [](Pattern::Groups) { return std::nullopt; }), "ab");
+}
+
+TEST(RuleList, AppliesEachRuleToTheResultOfTheOneBefore) {
+    const RuleList rules(std::to_array<Rule>({{"b", "cc", Requirement::oneOf("ab")},
+                                              {"(c)c", "$1d", Requirement::pair(ByteSet("c"), ByteSet("c"))},
+                                              {"CD", "[$1]", Requirement::beginsWith("xx|cd"), LetterCase::ignored},
+                                              {R"(\b(\p{L}+)\s+\1\b)", "$1", Requirement::repeatedWord()}}));
+    EXPECT_EQ(rules.apply("ab ab ja ja"), "a[] a[] ja");
+    EXPECT_EQ(rules.apply("b \xC3"), "b \uFFFD");
+}
+
+/// A requirement that asks for too much makes a rule silently never fire: with it and without it the same
+/// must come out, also for letters that fold in odd ways.
+TEST(Requirement, IsNecessary) {
+    struct Rows {
+        const char* expression;
+        Requirement requirement;
+    };
+    const std::vector<Rows> rows = {{"(?<!\\p{L})strichpunkt", Requirement::beginsWith("strichpunkt")},
+                                    {"komma|maß", Requirement::beginsWith("komma|maß")},
+                                    {"ähm", Requirement::oneOf("ähm")},
+                                    {R"((?<!\s)\s+([,.]))", Requirement::pair(Bytes::whitespaceEnds, ByteSet(",."))},
+                                    {R"([,.](?=\p{L}))", Requirement::pair(ByteSet(",."), Bytes::letterBegins)},
+                                    {R"(\b(\p{L}{2,})(?:\s+\1\b(?!\p{M}))++)", Requirement::repeatedWord()}};
+    const std::vector<std::string> pieces = {"stri",   "chpunkt",    "\u017Ftrichpunkt",
+                                             "komma",  "\u212Aomma", "MA\u1E9E",
+                                             "maß",    "ähm",        "ÄH",
+                                             "M",      " ",          "\u00A0",
+                                             "\n",     ",",          ".",
+                                             "ja",     "Ja",         "\u2028",
+                                             "š Š",    "–",          "„",
+                                             "\u0308", "1",          "STRICHPUNKT"};
+    std::mt19937 random(5);
+    for (const auto& [expression, requirement] : rows) {
+        const Pattern quick(expression, LetterCase::ignored, requirement);
+        const Pattern plain(expression, LetterCase::ignored);
+        for (int round = 0; round < 2000; ++round) {
+            std::string text;
+            for (int i = 0; i < 7; ++i) text += pieces[std::uniform_int_distribution<std::size_t>(0, pieces.size() - 1)(random)];
+            ASSERT_EQ(marked(quick, text), marked(plain, text)) << expression << " in " << text;
+        }
+    }
+}
+
+TEST(Words, KnowGapsAndComparedForms) {
+    const Words words(" „BGB“,  U\u0308BER\u00A0– \u0130x\n");
+    ASSERT_EQ(words.size(), 4U);
+    EXPECT_EQ(words.raw(0), " „BGB“,");
+    EXPECT_EQ(words.compared(0), "bgb");
+    EXPECT_EQ(words.compared(1), "über");
+    EXPECT_EQ(words.gap(2), "\u00A0");
+    EXPECT_EQ(words.compared(2), "");
+    EXPECT_EQ(words.compared(3), "i\u0307x") << "a small letter that takes more room";
+    EXPECT_EQ(words.compared(4), "");
+    EXPECT_EQ(words.rest(), "\n");
+}
+
+} // namespace
+} // namespace querlin

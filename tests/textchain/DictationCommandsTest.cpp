@@ -1,0 +1,96 @@
+#include "textchain/DictationCommands.h"
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+using DictationCommands::Mode;
+using Names = std::vector<std::string>;
+
+struct Row {
+    const char* spoken;
+    const char* written;
+    const char* reason;
+};
+
+void expectAll(Mode mode, const std::vector<Row>& rows) {
+    for (const auto& [spoken, written, reason] : rows) {
+        const auto outcome = DictationCommands::apply(spoken, mode);
+        EXPECT_EQ(outcome.text, written) << reason;
+        EXPECT_FALSE(outcome.discardedEverything) << reason;
+    }
+}
+
+TEST(DictationCommands, WriteMarksAndLayout) {
+    expectAll(Mode::prose,
+              {{"", "", "nothing"},
+               {" \t\n ", "", "white space alone"},
+               {"Sehr geehrte Damen und Herren Komma neue Zeile wir bitten Sie den Betreuten in die Liste aufzunehmen Punkt neuer "
+                "Absatz Mit freundlichen Grüßen neue Zeile Hanna Quellmann",
+                "Sehr geehrte Damen und Herren,\nWir bitten Sie den Betreuten in die Liste aufzunehmen.\n\nMit freundlichen "
+                "Grüßen\nHanna Quellmann",
+                "a letter"},
+               {"Ende Punkt Aus Punkt", "Ende. Aus.", "a second one"},
+               {"Ende. Aus.", "Ende. Aus.", "delivered marks stay"},
+               {"Ende (Komma) aus Punkt.", "Ende, aus.", "a command takes its own marks along"},
+               {"PUNKT am Anfang", ". Am Anfang", "no neighbour in front, whatever the case"},
+               {"a Absatz Ende b neuen Absatz c neuer Zeile d", "A\n\nB\n\nC\nD", "all spellings of breaks"},
+               {"Frage Fragezeichen ja Ausrufezeichen nein Ausrufungszeichen", "Frage? Ja! Nein!", "sentence marks"},
+               {"a Doppelpunkt b Semikolon c Strichpunkt d Bindestrich e", "A: b; c; d- e", "marks within a sentence"},
+               {"Wort Gedankenstrich Wort", "Wort – Wort", "the dash brings its blanks"},
+               {"Wort Klammer auf siehe oben Klammer zu", "Wort (siehe oben)", "brackets"},
+               {"a Doppelpunkt runde Klammer auf b runde Klammer zu c", "A: (b) c", "the longer phrase; a blank behind the colon"},
+               {"Anführungszeichen Hallo Anführungszeichen und Anführungszeichen ja", "„Hallo“ und „ja", "quotes take turns"},
+               {"Zitat Anfang ja Zitat Ende Anführungszeichen unten nein Anführungszeichen oben Anführungszeichen x", "„Ja“„nein“„x",
+                "named quotes don't flip the others"},
+               {"Eins\n\n\nZwei \n drei", "Eins\n\nZwei\nDrei", "delivered breaks, one empty line at most"},
+               {"Eins\r\nZwei", "Eins\nZwei", "CRLF is one break"},
+               {"Eins \n\n Punkt zwei", "Eins. Zwei", "a break in front of a mark goes"},
+               {"1. mai und d.h. nichts", "1. Mai und d. H. Nichts", "any point ends a sentence"},
+               {"„Über\u00A0uns“ , ja", "„Über uns“, ja", "any gap is one blank; marks are pulled to their word"},
+               {"a ( b ) „ c “", "A (b) „c“", "spacing within brackets and quotes"},
+               {"u\u0308ber Pu\u0308nktchen", "U\u0308ber Pu\u0308nktchen", "a decomposed letter is one character"}});
+}
+
+TEST(DictationCommands, TellNounsFromCommands) {
+    expectAll(Mode::prose, {{"der Punkt ist strittig", "Der Punkt ist strittig", "an article in front, a verb behind"},
+                            {"Dieser Punkt", "Dieser Punkt", "in front"},
+                            {"Komma ist", "Komma ist", "behind"},
+                            {"Komma, hätte er", "Komma, hätte er", "marks don't hide the verb"},
+                            {"zweitens Punkt ein neuer Gedanke", "Zweitens. Ein neuer Gedanke", "neither"},
+                            {"er hat das Ausrufezeichen gesetzt", "Er hat das Ausrufezeichen gesetzt", "any doubtful command"},
+                            {"der Anführungszeichen unten", "Der „", "the row that matched first isn't doubtful"},
+                            {"der neue Zeile", "Der", "breaks are never nouns"},
+                            {"der – Punkt – ist", "Der –. – Ist", "a lone mark hides both neighbours"}});
+    EXPECT_EQ(DictationCommands::apply("der Punkt Punkt", Mode::prose).appliedCommands, (Names{"punkt"}))
+        << "only the word at hand stays, and the next is looked at anew";
+}
+
+TEST(DictationCommands, TakeBack) {
+    expectAll(Mode::prose, {{"Erster Satz. Zweiter Satz streiche das", "Erster Satz.", "the last sentence"},
+                            {"Erster Satz. Zweiter Satz. das streichen Dritter", "Erster Satz. Dritter", "one that has its mark"},
+                            {"Eins Punkt zwei neue Zeile drei streich das vier", "Eins. Zwei\nVier", "a break ends a sentence"},
+                            {"gar nichts streiche das aber dies", "Aber dies", "without a mark everything so far"},
+                            {"a. b. Letzten Satz löschen, streiche das c", "C", "twice, with marks and case"},
+                            {"streiche das", "", "nothing to take back"},
+                            {"streiche dass", "Streiche dass", "no command"}});
+    const auto outcome = DictationCommands::apply("Hallo Komma Welt Alles verwerfen und mehr", Mode::prose);
+    EXPECT_EQ(outcome, (DictationCommands::Outcome{"", true, {"komma", "alles verwerfen"}}));
+    EXPECT_TRUE(DictationCommands::apply("diktat verwerfen.", Mode::compact).discardedEverything);
+    EXPECT_TRUE(DictationCommands::apply("ja alles löschen", Mode::compact).discardedEverything);
+}
+
+TEST(DictationCommands, CloseUpInASearchField) {
+    expectAll(Mode::compact, {{"www Punkt Beispiel Punkt de", "www.Beispiel.de", "an address in the case as spoken"},
+                              {"Müller Komma Hans", "Müller,Hans", "no blank behind marks"},
+                              {"hallo  welt", "hallo welt", "words stay apart and small"},
+                              {"a Klammer auf b Klammer zu c", "a(b)c", "none around brackets"},
+                              {"ende. aus", "ende.aus", "behind a delivered mark too"},
+                              {"½ Liter Ⅷ a", "½ Liter Ⅷ a", "numbers of every kind are numbers"},
+                              {"👩‍⚖️ ja 👍 nein", "👩‍⚖️ja 👍nein", "emoji are neither letters nor numbers"},
+                              {"eins\nzwei", "eins\nzwei", "breaks survive"}});
+}
+
+} // namespace
+} // namespace querlin

@@ -1,0 +1,75 @@
+#include "textchain/SpokenLawReference.h"
+
+#include "support/CapturedLog.h"
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+struct Row {
+    const char* spoken;
+    const char* written;
+    const char* reason;
+};
+
+void expectAll(const std::vector<Row>& rows) {
+    for (const auto& [spoken, written, reason] : rows) EXPECT_EQ(SpokenLawReference::normalizeReferences(spoken), written) << reason;
+}
+
+TEST(SpokenLawReference, WritesCitations) {
+    expectAll(
+        {{"Paragraph 1814 Absatz 2 BGB", "§ 1814 Abs. 2 BGB", "digits"},
+         {"paragraf achtzehnhundertvierzehn absatz zwei satz eins bgb.", "§ 1814 Abs. 2 Satz 1 BGB.", "words; the point stays"},
+         {"§ 1814 Satz 1 Ziffer 3 Absatz 2 BGB", "§ 1814 Abs. 2 Satz 1 Nr. 3 BGB", "the written order"},
+         {"Paragraph 5 Absatz 1 Absatz 2", "§ 5 Abs. 2", "the last of a kind"},
+         {"Paragraph 1814 a BGB und § 3 a o", "§ 1814a BGB und § 3 AO", "a letter, unless it begins a law"},
+         {"Paragraph 40 SGB zwölf, § 40 S G B Zwölftes, § 40 Sozialgesetzbuch XII", "§ 40 SGB XII, § 40 SGB XII, § 40 SGB XII", "books"},
+         {"Paragraph 7 bürgerliches Gesetzbuch, § 7 wohn und Betreuungsvertragsgesetz", "§ 7 BGB, § 7 WBVG", "full names"},
+         {"§ 1814, BGB", "§ 1814 BGB", "inner marks go"},
+         {"(Paragraph 5 BGB), „§ 6“", "(§ 5 BGB), „§ 6“", "marks around a citation stay"},
+         {"Paragraphen 1 und 2", "§ 1 und 2", "the plural"},
+         {"ja\nParagraph 5\n", "ja\n§ 5\n", "line breaks stay"},
+         {"Paragraph f\u0075\u0308nf BGB", "§ 5 BGB", "decomposed"},
+         {"  ohne Zitat \n", "  ohne Zitat \n", "nothing to write"}});
+}
+
+TEST(SpokenLawReference, ReadsNumbers) {
+    expectAll({{"Paragraph eins vier", "§ 14", "digit by digit"},
+               {"Paragraph achtzehnhundert vierzehn", "§ 1814", "a group behind a hundred"},
+               {"Paragraph achtzehn hundert vierzehn", "§ 1814", "one number, written apart"},
+               {"Paragraph ein hundert fünf", "§ 105", "likewise, with the article's word"},
+               {"Paragraph zwölf ein wichtiger", "§ 12 ein wichtiger", "an article ends a number"},
+               {"Paragraph fünf Absatz zwei eine Frage", "§ 5 Abs. 2 eine Frage", "of a unit too"},
+               {"nach Paragraph fünf. Zwei Zeugen", "nach § 5. Zwei Zeugen", "so does a mark"},
+               {"füge den Paragraph ein", "füge den Paragraph ein", "an article alone is none"},
+               {"dass dieser Paragraph eine Rolle spielt", "dass dieser Paragraph eine Rolle spielt", "likewise"},
+               {"Paragraph ein BGB, Paragraph ein Absatz zwei", "§ 1 BGB, § 1 Abs. 2", "unless the citation goes on"},
+               {"Paragraph 5 ist", "§ 5 ist", "a law is not needed"}});
+}
+
+TEST(SpokenLawReference, LeavesWhatItCantRead) {
+    CapturedLog log;
+    expectAll({{"Paragraph", "Paragraph", "no number"},
+               {"Paragraph hier, § 1814a BGB", "Paragraph hier, § 1814a BGB", "no number either"},
+               {"1814 BGB", "1814 BGB", "no marker"},
+               {"Paragraph 1814 Absatz BGB", "§ 1814 Absatz BGB", "a unit without number"},
+               {"Paragraph 40 SGB", "§ 40 SGB", "no book behind it"},
+               {"Paragraph 40 S G B", "§ 40 S G B", "nor behind letters, which belong to no section"}});
+    EXPECT_FALSE(log.has("SGB ohne erkennbare Buchangabe"));
+    expectAll({{"Paragraph 40 S G B dreizehn", "§ 40 S G B dreizehn", "no such book"}});
+    EXPECT_TRUE(log.has("[gesetz] SGB ohne erkennbare Buchangabe – nicht zugeordnet."));
+}
+
+TEST(SpokenLawReference, EveryWrittenCitationReadsAsItself) {
+    for (const auto* law :
+         {"BGB", "FamFG", "BtOG", "VBVG", "WBVG", "ZPO", "InsO", "SGG", "VwVfG", "WoGG", "RBEG", "StGB", "SGB I", "SGB XIV"}) {
+        const LawReference reference{law, "1814a", "2", "3", "4"};
+        EXPECT_EQ(reference.formatted(), std::string("§ 1814a Abs. 2 Satz 3 Nr. 4 ") + law);
+        const auto written = LawReference{law, "1814", "2", std::nullopt, "4"}.formatted();
+        EXPECT_EQ(SpokenLawReference::normalizeReferences("§ 1814 Nummer vier Absatz zwei " + std::string(law)), written);
+    }
+}
+
+} // namespace
+} // namespace querlin

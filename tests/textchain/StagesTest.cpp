@@ -1,0 +1,107 @@
+// The smaller stages, a table each.
+
+#include "textchain/DictationPreprocessor.h"
+#include "textchain/LegalFormatting.h"
+#include "textchain/Sentences.h"
+#include "textchain/Transcript.h"
+#include "textchain/URLFormatting.h"
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+struct Row {
+    std::string text;
+    std::string expected;
+    const char* reason;
+};
+
+template<class Stage>
+void expectAll(Stage stage, const std::vector<Row>& rows) {
+    for (const auto& [text, expected, reason] : rows) EXPECT_EQ(stage(text), expected) << reason;
+}
+
+TEST(Transcript, ComesInOneForm) {
+    expectAll(normalizedTranscript, {{"U\u0308ber o\u0308", "Über ö", "composed"},
+                                     {"a\r\nb\rc\r\r\nd", "a\nb\nc\n\nd", "line breaks"},
+                                     {"a\xFF\xC3z", "a\uFFFD\uFFFDz", "ill-formed bytes"},
+                                     {"\u212A", "K", "the Kelvin sign is a K"}});
+}
+
+TEST(Sentences, BeginWithACapital) {
+    expectAll(capitalizeSentences, {{"ja. „gut“, 1. mai", "Ja. „Gut“, 1. Mai", "quotes and digits stand between"},
+                                    {"a?b!c\nd\r\ne", "A?B!C\nD\r\nE", "all ends"},
+                                    {"a.\u0308 b", "A.\u0308 b", "a point with something above is none"},
+                                    {"ßa. ŉb", "SSa. ʼNb", "full mapping"},
+                                    {"", "", "nothing"}});
+}
+
+TEST(DictationPreprocessor, PutsSpokenMarksWithoutAskingForNouns) {
+    expectAll(DictationPreprocessor::applySpokenPunctuation,
+              {{"Hallo Komma wie geht es dir FRAGEZEICHEN", "Hallo, wie geht es dir?", "in whatever case"},
+               {"der Punkt ist Kommando am Treffpunkt", "der. ist Kommando am Treffpunkt", "no noun guard; letters adjoin"},
+               {"Punkt, (Komma)", "., (, )", "marks beside the word stay"},
+               {"erste Zeile neue Zeile zweite Zeile", "erste Zeile\nzweite Zeile", "blanks around a break go"},
+               {"neuer  Absatz", "neuer Absatz", "two blanks are no command"},
+               {"a Absatz Ende b neuer Absatz c", "a\n\nb\n\nc", "empty lines"},
+               {"Wort Gedankenstrich Wort Semikolon x Strichpunkt", "Wort – Wort; x;", "dash and semicolons"},
+               {"3,5 um 14:30", "3, 5 um 14: 30", "digits get no special care"},
+               {"\t \u00A0Semi\u017Folon", "Semi\u017Folon", "a long s is an s, but for one letter"},
+               {"\u212Aomma ja", ", ja", "the Kelvin sign is a k"},
+               {"", "", "nothing"}});
+}
+
+TEST(LegalFormatting, WritesDates) {
+    expectAll(LegalFormatting::normalizeDates,
+              {{"am 3. März 2024, 3 märz 2024, 3. MAERZ 2024", "am 03.03.2024, 03.03.2024, 03.03.2024", "months written out"},
+               {"1.2.2024 01.02.2024", "01.02.2024 01.02.2024", "numbers are padded"},
+               {"31. Februar 2024", "31.02.2024", "no calendar"},
+               {"32. März 2024, 0. Mai 2024", "32. März 2024, 0. Mai 2024", "no such day"},
+               {"12.13.2024 5.6.24 3. März", "12.13.2024 5.6.24 3. März", "no such month, no full year"},
+               {"123. März 2024, 3. Märzen 2024, 3. Mai 20245", "123. März 2024, 3. Märzen 2024, 3. Mai 20245", "no whole words"},
+               {"1. Augu\u017Ft 2024", "1. Augu\u017Ft 2024", "no month of ours"},
+               {"٣. März 2024", "٣. März 2024", "digits of another script"}});
+}
+
+TEST(LegalFormatting, WritesFileNumbers) {
+    expectAll(LegalFormatting::apply, {{"Aktenzeichen XVII 123 24", "Aktenzeichen XVII 123/24", "spoken"},
+                                       {"Az. 10 456 / 2023; Gesch.-Nr. 5 1 24", "Az. 10 456/2023; Gesch.-Nr. 5 1/24", "all keywords"},
+                                       {"az xvii 12 23", "az xvii 12/23", "the case stays"},
+                                       {"Az 12 3456", "Az 12 34/56", "four digits are shared out"},
+                                       {"Aktenzeichen 123/24", "Aktenzeichen 123/24", "no register"},
+                                       {"Az X 1 24 vom 3. Mai 2024", "Az X 1/24 vom 03.05.2024", "both rules"}});
+}
+
+TEST(URLFormatting, ClosesUpAddresses) {
+    using namespace URLFormatting;
+    expectAll(compactURLs, {{"Siehe Www. Beispiel. Org für Details.", "Siehe www.beispiel.org für Details.", "in a sentence"},
+                            {"HTTPS : / / Beispiel . de / a / B.", "https://beispiel.de/a/b.", "a path takes the point"},
+                            {"www.beispiel.de", "www.beispiel.de", "closed up already"},
+                            {"awww. beispiel. de, www beispiel", "awww. beispiel. de, www beispiel", "no address"},
+                            {"www.\nbeispiel.de", "www.\nbeispiel.de", "line breaks stay"},
+                            {"Www. Müller. De und www. a. b", "www.müller.de und www.a.b", "two of them"},
+                            {"", "", "nothing"}});
+    struct Likelihood {
+        std::string text;
+        bool strict, lenient;
+        const char* reason;
+    };
+    const std::vector<Likelihood> rows = {{"Www. Beispiel. De.", true, true, "a beginning is enough"},
+                                          {"h T T p://", true, true, "whatever follows"},
+                                          {"Ende. Aus.", false, true, "a bare domain, where one is expected"},
+                                          {"beispiel.de/a b", false, true, "with a path"},
+                                          {"beispiel", false, false, "no point"},
+                                          {"ende.außen", false, false, "no domain"},
+                                          {"www." + std::string(116, 'a'), true, true, "120 characters"},
+                                          {"www." + std::string(117, 'a'), false, false, "121 characters"},
+                                          {"   ", false, false, "blanks"}};
+    for (const auto& [text, strict, lenient, reason] : rows) {
+        EXPECT_EQ(looksLikeAddress(text, AddressTest::strict), strict) << reason;
+        EXPECT_EQ(looksLikeAddress(text, AddressTest::lenient), lenient) << reason;
+    }
+    expectAll(compactWholeText, {{"Www. Beispiel. De..", "www.beispiel.de", "points at the end go"}, {" . ", "", "nothing left"}});
+}
+
+} // namespace
+} // namespace querlin
