@@ -62,9 +62,10 @@ std::string errorText(int code) {
 struct Expression {
     Expression(std::string_view expression, LetterCase letterCase, const Requirement& required) :
         requirement(required) {
-        const auto options = PCRE2_UTF | PCRE2_UCP |
-                             (letterCase == LetterCase::ignored ? PCRE2_CASELESS : 0U) |
-                             (requirement.kind() == Requirement::Kind::beginning ? PCRE2_ANCHORED : 0U);
+        const auto options =
+            PCRE2_UTF | PCRE2_UCP | (letterCase == LetterCase::ignored ? PCRE2_CASELESS : 0U) |
+            (requirement.kind() == Requirement::Kind::beginning ? PCRE2_ANCHORED | PCRE2_NO_START_OPTIMIZE
+                                                                : 0U);
         int error = 0;
         std::size_t offset = 0;
         code.reset(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(expression.data()), expression.size(), options,

@@ -237,20 +237,27 @@ private:
         text_ += words_.word(at_);
     }
 
+    /// The last character so far. One of more than a thousand bytes counts as unreadable: nothing may take
+    /// longer with each word.
+    std::string_view lastCharacter() const {
+        constexpr std::size_t furthest = 1000;
+        return lastGrapheme(std::string_view(text_).substr(text_.size() - std::min(text_.size(), furthest)));
+    }
+
     bool wantsBlankBeforeOpening() const {
-        const auto last = lastGrapheme(text_);
+        const auto last = lastCharacter();
         return last == "," || last == "." || isLetterOrNumber(last);
     }
 
     bool wantsBlankBeforeWord() const {
-        if (mode_ == Mode::compact) return isLetterOrNumber(lastGrapheme(text_));
+        if (mode_ == Mode::compact) return isLetterOrNumber(lastCharacter());
         const auto last = text_.back();
         return last != '\n' && last != '(' && last != ' ' && !(last == '\x9E' && text_.ends_with("„"));
     }
 
     void cutLastSentence() {
         removeBlanksAtEnd(text_);
-        if (endsSentence(lastGrapheme(text_))) text_.pop_back();
+        if (endsSentence(lastCharacter())) text_.pop_back();
         auto end = text_.find_last_of(".!?\n");
         while (end != std::string::npos &&
                !endsSentence(firstGraphemes(std::string_view(text_).substr(end), 1))) {
