@@ -24,8 +24,11 @@ std::size_t commonBeginning(WordList a, WordList b) {
 }
 
 std::size_t commonEnd(WordList a, WordList b) {
-    const auto mismatch = std::mismatch(a.rbegin(), a.rend(), b.rbegin(), b.rend(), canonicallyEqual);
-    return static_cast<std::size_t>(mismatch.first - a.rbegin());
+    std::size_t count = 0;
+    while (count < std::min(a.size(), b.size()) &&
+           canonicallyEqual(a[a.size() - 1 - count], b[b.size() - 1 - count]))
+        ++count;
+    return count;
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
-#define PCRE2_CODE_UNIT_WIDTH 8
+#define PCRE2_CODE_UNIT_WIDTH 8 // NOLINT: the library asks for it
 #include <pcre2.h>
 
 namespace querlin {
@@ -27,6 +27,11 @@ using Code = std::unique_ptr<pcre2_code, Release<pcre2_code_free>>;
 using MatchData = std::unique_ptr<pcre2_match_data, Release<pcre2_match_data_free>>;
 using MatchContext = std::unique_ptr<pcre2_match_context, Release<pcre2_match_context_free>>;
 using JitStack = std::unique_ptr<pcre2_jit_stack, Release<pcre2_jit_stack_free>>;
+
+/// The library's view of a text.
+PCRE2_SPTR subjectOf(std::string_view text) {
+    return reinterpret_cast<PCRE2_SPTR>(text.data()); // NOLINT: its bytes are unsigned
+}
 
 /// The most groups that a pattern of ours may have, the whole match among them.
 constexpr std::uint32_t mostGroups = 10;
@@ -68,8 +73,8 @@ struct Expression {
                                                                 : 0U);
         int error = 0;
         std::size_t offset = 0;
-        code.reset(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(expression.data()), expression.size(), options,
-                                 &error, &offset, nullptr));
+        code.reset(
+            pcre2_compile(subjectOf(expression), expression.size(), options, &error, &offset, nullptr));
         if (!code) throw std::logic_error(std::string(expression) + ": " + errorText(error));
         pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE); // Without it the interpreter matches.
     }
@@ -154,7 +159,7 @@ private:
     }
 
     int match(std::size_t from) {
-        const auto* subject = reinterpret_cast<PCRE2_SPTR>(text_.data());
+        const auto* subject = subjectOf(text_);
         auto result = pcre2_jit_match(code_, subject, text_.size(), from, 0, workplace_.data.get(),
                                       workplace_.context.get());
         if (result == PCRE2_ERROR_JIT_BADOPTION || result == PCRE2_ERROR_JIT_STACKLIMIT) {
@@ -238,18 +243,16 @@ struct RuleList::Compiled {
     /// `written`; false, and nothing of use in them, if there is no match.
     bool replaceAll(std::string_view text, const FoldedText& folded, std::string& result,
                     std::vector<TextProfile::Range>& written) const {
-        Search search(expression, text, folded);
-        if (!search.next()) return false;
         result.clear();
         written.clear();
         std::size_t copied = 0;
-        do {
+        for (Search search(expression, text, folded); search.next(); copied = search.end()) {
             result += text.substr(copied, search.start() - copied);
             const auto start = result.size();
             appendReplacement(result, search);
             written.push_back({start, result.size()});
-            copied = search.end();
-        } while (search.next());
+        }
+        if (written.empty()) return false;
         result += text.substr(copied);
         return true;
     }
@@ -265,9 +268,9 @@ RuleList& RuleList::operator=(RuleList&&) noexcept = default;
 
 std::string RuleList::apply(std::string_view text) const {
     auto result = validUtf8(text);
-    thread_local std::string next;
-    thread_local std::vector<TextProfile::Range> written;
-    thread_local TextProfile profile;
+    static thread_local std::string next;
+    static thread_local std::vector<TextProfile::Range> written;
+    static thread_local TextProfile profile;
     profile.read(result);
     for (const auto& rule : rules_) {
         if (!profile.meets(rule.expression.requirement)) continue;

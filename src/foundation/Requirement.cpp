@@ -69,52 +69,48 @@ bool mayHold(std::string_view text, std::string_view literal) {
     return least == 0;
 }
 
-/// Whether a run of letters may stand behind itself, with white space between. Knows the letters of ASCII and
-/// U+00C0 to U+00FF; where there might be others, the answer is yes.
-bool mayRepeatWord(std::string_view folded) {
-    enum : std::uint8_t { letter, whitespace, other, unknown };
-    static constexpr auto kinds = [] {
-        std::array<std::uint8_t, 256> table{};
-        for (unsigned byte = 0; byte < table.size(); ++byte) {
-            const bool isLetter = (byte >= 'a' && byte <= 'z') || byte == 0xC3;
-            const bool continuesLetter = byte >= 0x80 && byte < 0xC0; // Asked about behind 0xC3 alone.
-            const bool isSpace = Bytes::asciiWhitespace.contains(static_cast<unsigned char>(byte));
-            if (isLetter || continuesLetter) {
-                table[byte] = letter;
-            } else if (byte >= 0x80) {
-                table[byte] = unknown;
-            } else {
-                table[byte] = isSpace ? whitespace : other;
-            }
-        }
-        return table;
-    }();
-    const auto isPunctuation = [folded](std::size_t at) { // Dashes and quotes, U+2010 to U+201F.
-        return at + 2 < folded.size() && folded[at] == '\xE2' && folded[at + 1] == '\x80' &&
-               (static_cast<unsigned char>(folded[at + 2]) & 0xF0U) == 0x90;
-    };
-    std::string_view before; // The last word, as long as only white space has followed it.
-    std::size_t start = 0;
-    std::size_t at = 0;
-    const auto repeats = [&] {
-        const auto word = folded.substr(start, at - start);
-        if (!word.empty() && word == before) return true;
-        if (!word.empty()) before = word;
-        return false;
-    };
+/// The end of the small letters of ASCII and U+00E0 to U+00FF that begin at a place.
+std::size_t endOfLetters(std::string_view folded, std::size_t at) {
     while (at < folded.size()) {
-        const auto kind = kinds[static_cast<unsigned char>(folded[at])];
-        if (kind == letter) {
+        if (folded[at] >= 'a' && folded[at] <= 'z') {
             ++at;
-            continue;
+        } else if (folded[at] == '\xC3') {
+            at = std::min(at + 2, folded.size());
+        } else {
+            break;
         }
-        if (kind == unknown && !isPunctuation(at)) return true;
-        if (repeats()) return true;
-        if (kind != whitespace) before = {};
-        at += kind == unknown ? 3 : 1;
-        start = at;
     }
-    return repeats();
+    return at;
+}
+
+/// Dashes and quotes, U+2010 to U+201F.
+bool isPunctuation(std::string_view folded, std::size_t at) {
+    const auto bytes = folded.substr(at, 3);
+    return bytes.starts_with("\xE2\x80") && bytes.size() == 3 &&
+           (static_cast<unsigned char>(bytes[2]) & 0xF0U) == 0x90;
+}
+
+/// Whether a run of letters may stand behind itself, with white space between. Where there might be letters
+/// or white space that it doesn't know, the answer is yes.
+bool mayRepeatWord(std::string_view folded) {
+    std::string_view before; // The last word, as long as only white space has followed it.
+    for (std::size_t at = 0; at < folded.size();) {
+        if (const auto end = endOfLetters(folded, at); end > at) {
+            const auto word = folded.substr(at, end - at);
+            if (word == before) return true;
+            before = word;
+            at = end;
+        } else if (static_cast<unsigned char>(folded[at]) < 0x80) {
+            if (!Bytes::asciiWhitespace.contains(static_cast<unsigned char>(folded[at]))) before = {};
+            ++at;
+        } else if (isPunctuation(folded, at)) {
+            before = {};
+            at += 3;
+        } else {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// Whether the byte belongs to the character whose first byte stands before it.
@@ -138,7 +134,7 @@ bool Requirement::isMetBy(std::string_view text) const {
     const bool isLiteral = kind_ == Kind::literal || kind_ == Kind::beginning;
     if (isLiteral && !anyLiteral([text](std::string_view literal) { return mayHold(text, literal); }))
         return false;
-    thread_local FoldedText folded;
+    static thread_local FoldedText folded;
     folded.read(text);
     const auto bytes = folded.text();
     if (kind_ == Kind::repeatedWord) return mayRepeatWord(bytes);

@@ -74,9 +74,9 @@ constexpr auto discardAll = std::to_array<Phrase>({
 /// The first words of all phrases: where none of them stands, no phrase begins.
 constexpr auto firstWords = [] {
     std::array<std::string_view, commands.size() + deleteSentence.size() + discardAll.size()> words;
-    auto out = std::ranges::transform(commands, words.begin(), [](const auto& command) {
-                   return command.phrase[0];
-               }).out;
+    auto* out = std::ranges::transform(commands, words.begin(), [](const auto& command) {
+                    return command.phrase[0];
+                }).out;
     const auto first = [](const Phrase& phrase) { return phrase[0]; };
     out = std::ranges::transform(deleteSentence, out, first).out;
     std::ranges::transform(discardAll, out, first);
@@ -252,7 +252,8 @@ private:
     bool wantsBlankBeforeWord() const {
         if (mode_ == Mode::compact) return isLetterOrNumber(lastCharacter());
         const auto last = text_.back();
-        return last != '\n' && last != '(' && last != ' ' && !(last == '\x9E' && text_.ends_with("„"));
+        const bool isBehindQuote = last == '\x9E' && text_.ends_with("„");
+        return last != '\n' && last != '(' && last != ' ' && !isBehindQuote;
     }
 
     void cutLastSentence() {

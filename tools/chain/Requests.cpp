@@ -103,7 +103,7 @@ Members tokens(std::string_view text, const Options& /*options*/) {
     JsonValue::Array list;
     const Tokenizer::Split split(text);
     for (const auto& [raw, normalized] : split.tokens())
-        list.push_back(JsonValue::Array{std::string(raw), std::string(normalized)});
+        list.emplace_back(JsonValue::Array{std::string(raw), std::string(normalized)});
     return {{"tokens", list}};
 }
 
