@@ -137,9 +137,8 @@ bool isOneLetter(std::string_view word) {
 }
 
 /// Something read from the tokens, and the token behind it.
-template<class Value>
 struct Read {
-    Value value;
+    std::string value;
     std::size_t end = 0;
 };
 
@@ -161,27 +160,27 @@ public:
         return isAtEnd(index) ? std::string_view() : tokens_[index].normalized;
     }
 
-    std::optional<Read<std::string>> number(std::size_t index) const {
-        if (isMadeOfNumbers(word(index))) return Read<std::string>{std::string(word(index)), index + 1};
+    std::optional<Read> number(std::size_t index) const {
+        if (isMadeOfNumbers(word(index))) return Read{std::string(word(index)), index + 1};
         const auto value = GermanNumberWords::parseWord(word(index));
         if (!value) return std::nullopt;
         auto end = index + 1;
         while (continuesNumber(end)) ++end;
-        if (end > index + 1) return Read<std::string>{digits(index, end), end};
+        if (end > index + 1) return Read{digits(index, end), end};
         if (isOneOf(articles, word(index)) && !continuesCitation(end)) return std::nullopt;
-        return Read<std::string>{std::to_string(*value), end};
+        return Read{std::to_string(*value), end};
     }
 
-    std::optional<Read<std::string>> law(std::size_t index) const {
+    std::optional<Read> law(std::size_t index) const {
         if (const auto prefixEnd = sgbPrefixEnd(index)) {
             const auto numeral = bookSpoken(word(*prefixEnd));
-            if (!numeral.empty()) return Read<std::string>{fmt::format("SGB {}", numeral), *prefixEnd + 1};
+            if (!numeral.empty()) return Read{fmt::format("SGB {}", numeral), *prefixEnd + 1};
         }
         const auto most = std::min(longestAliasInWords, tokens_.size() - std::min(index, tokens_.size()));
         for (auto length = most; length > 0; --length) {
             const auto spoken = joined(index, length);
             const auto* found = std::ranges::find(lawAliases, spoken, &Alias::spoken);
-            if (found != lawAliases.end()) return Read<std::string>{std::string(found->law), index + length};
+            if (found != lawAliases.end()) return Read{std::string(found->law), index + length};
         }
         return std::nullopt;
     }
