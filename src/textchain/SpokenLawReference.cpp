@@ -4,6 +4,7 @@
 #include "foundation/Graphemes.h"
 #include "foundation/Requirement.h"
 #include "foundation/Trimming.h"
+#include "foundation/WordSet.h"
 #include "foundation/Words.h"
 #include "state/DiagnosticsLog.h"
 #include "textchain/GermanNumberWords.h"
@@ -33,14 +34,13 @@ namespace {
 using Tokenizer::Token;
 using Tokens = std::span<const Token>;
 
-constexpr auto paragraphMarkers =
-    std::to_array<std::string_view>({"paragraph", "paragraf", "paragraphen", "parapgraph", "§"});
-constexpr auto absatzMarkers = std::to_array<std::string_view>({"absatz", "abs", "abs."});
-constexpr auto satzMarkers = std::to_array<std::string_view>({"satz"});
-constexpr auto nummerMarkers = std::to_array<std::string_view>({"nummer", "nr", "nr.", "ziffer"});
+constexpr WordSet<5> paragraphMarkers({"paragraph", "paragraf", "paragraphen", "parapgraph", "§"});
+constexpr WordSet<3> absatzMarkers({"absatz", "abs", "abs."});
+constexpr WordSet<1> satzMarkers({"satz"});
+constexpr WordSet<4> nummerMarkers({"nummer", "nr", "nr.", "ziffer"});
 
 /// Both are number words and, far more often, the article.
-constexpr auto articles = std::to_array<std::string_view>({"ein", "eine"});
+constexpr WordSet<2> articles({"ein", "eine"});
 
 struct Alias {
     std::string_view spoken;
@@ -122,10 +122,6 @@ constexpr auto sgbBooks = std::to_array<Book>({
     {"XIV", {"xiv", "14", "vierzehn", "vierzehntes"}},
 });
 
-bool isOneOf(std::span<const std::string_view> words, std::string_view word) {
-    return std::ranges::count(words, word) > 0;
-}
-
 bool isMadeOfNumbers(std::string_view word) {
     return !word.empty() && std::ranges::all_of(Graphemes(word), [](std::string_view character) {
         return isNumeric(character);
@@ -144,8 +140,8 @@ struct Read {
 
 /// The roman numeral of a book of the social code, or nothing.
 std::string_view bookSpoken(std::string_view word) {
-    const auto* found =
-        std::ranges::find_if(sgbBooks, [word](const Book& book) { return isOneOf(book.spoken, word); });
+    const auto* found = std::ranges::find_if(
+        sgbBooks, [word](const Book& book) { return std::ranges::count(book.spoken, word) > 0; });
     return found == sgbBooks.end() || word.empty() ? std::string_view() : found->numeral;
 }
 
@@ -167,7 +163,7 @@ public:
         auto end = index + 1;
         while (continuesNumber(end)) ++end;
         if (end > index + 1) return Read{digits(index, end), end};
-        if (isOneOf(articles, word(index)) && !continuesCitation(end)) return std::nullopt;
+        if (articles.contains(word(index)) && !continuesCitation(end)) return std::nullopt;
         return Read{std::to_string(*value), end};
     }
 
@@ -207,12 +203,12 @@ private:
     /// Not behind a mark, and not with an article: "füge Paragraph zwölf ein", "nach Paragraph fünf. Zwei".
     bool continuesNumber(std::size_t index) const {
         return Tokenizer::trailingPunctuation(tokens_[index - 1].raw).empty() &&
-               !isOneOf(articles, word(index)) && GermanNumberWords::isNumberWord(word(index));
+               !articles.contains(word(index)) && GermanNumberWords::isNumberWord(word(index));
     }
 
     bool continuesCitation(std::size_t index) const {
         const auto next = word(index);
-        return isOneOf(absatzMarkers, next) || isOneOf(satzMarkers, next) || isOneOf(nummerMarkers, next) ||
+        return absatzMarkers.contains(next) || satzMarkers.contains(next) || nummerMarkers.contains(next) ||
                law(index);
     }
 
@@ -241,7 +237,7 @@ std::string_view leadingPunctuation(std::string_view raw) {
 
 } // namespace
 
-bool isParagraphMarker(const Token& token) { return isOneOf(paragraphMarkers, token.normalized); }
+bool isParagraphMarker(const Token& token) { return paragraphMarkers.contains(token.normalized); }
 
 std::optional<ParsedReference> parseReference(Tokens tokens, std::size_t index, Marker marker) {
     const Reader reader(tokens);
@@ -258,8 +254,8 @@ std::optional<ParsedReference> parseReference(Tokens tokens, std::size_t index, 
     if (reader.isSectionLetter(index)) reference.sectionID += reader.word(index++);
 
     // In whatever order; of two of a kind the last counts.
-    const auto readUnit = [&](std::span<const std::string_view> markers, std::optional<std::string>& unit) {
-        if (!isOneOf(markers, reader.word(index))) return false;
+    const auto readUnit = [&](const auto& markers, std::optional<std::string>& unit) {
+        if (!markers.contains(reader.word(index))) return false;
         const auto number = reader.number(index + 1);
         if (!number) return false;
         unit = number->value;
