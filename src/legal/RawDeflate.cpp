@@ -1,0 +1,50 @@
+#include "legal/RawDeflate.h"
+
+#include <memory>
+#include <new>
+
+#include <libdeflate.h>
+
+namespace querlin::RawDeflate {
+
+namespace {
+
+/// The format packs 258 bytes into two bits at best.
+constexpr std::size_t mostBytesOutOfOne = 1032;
+
+constexpr int compressionLevel = 9;
+
+template<auto release>
+struct Release {
+    template<class Handle>
+    void operator()(Handle* handle) const {
+        release(handle);
+    }
+};
+
+using Decompressor = std::unique_ptr<libdeflate_decompressor, Release<libdeflate_free_decompressor>>;
+using Compressor = std::unique_ptr<libdeflate_compressor, Release<libdeflate_free_compressor>>;
+
+} // namespace
+
+std::optional<std::string> inflate(std::string_view stream, std::size_t lengthInBytes) {
+    if (lengthInBytes / mostBytesOutOfOne > stream.size()) return std::nullopt;
+    const Decompressor decompressor(libdeflate_alloc_decompressor());
+    if (!decompressor) throw std::bad_alloc();
+    std::string bytes(lengthInBytes, '\0');
+    // Told no place for the true count, the library fails unless it is the length that was asked for.
+    const auto result = libdeflate_deflate_decompress(decompressor.get(), stream.data(), stream.size(),
+                                                      bytes.data(), bytes.size(), nullptr);
+    return result == LIBDEFLATE_SUCCESS ? std::optional(std::move(bytes)) : std::nullopt;
+}
+
+std::string deflate(std::string_view bytes) {
+    const Compressor compressor(libdeflate_alloc_compressor(compressionLevel));
+    if (!compressor) throw std::bad_alloc();
+    std::string stream(libdeflate_deflate_compress_bound(compressor.get(), bytes.size()), '\0');
+    stream.resize(libdeflate_deflate_compress(compressor.get(), bytes.data(), bytes.size(), stream.data(),
+                                              stream.size()));
+    return stream;
+}
+
+} // namespace querlin::RawDeflate

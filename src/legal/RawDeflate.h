@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Raw DEFLATE streams (RFC 1951), without the wrapper of zlib or gzip. Any thread.
+namespace querlin::RawDeflate {
+
+/// Unpacks a stream that must yield exactly so many bytes; nothing for a damaged stream, and for one that
+/// yields fewer or more. Memory for a length that no such stream can have is never asked for.
+std::optional<std::string> inflate(std::string_view stream, std::size_t lengthInBytes);
+
+std::string deflate(std::string_view bytes);
+
+} // namespace querlin::RawDeflate

@@ -1,0 +1,119 @@
+#include "legal/ZipReader.h"
+#include "legal/RawDeflate.h"
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+std::string number(std::size_t value, int bytes) {
+    std::string text;
+    for (int i = 0; i < bytes; ++i) text += static_cast<char>(value >> (8 * i));
+    return text;
+}
+
+struct Entry {
+    std::string name;
+    std::string content;
+    std::uint16_t method = 8;
+    std::string localExtra = {};
+    /// What the central entry says, where it lies.
+    std::optional<std::size_t> claimedLength = {};
+    std::optional<std::size_t> claimedPacked = {};
+};
+
+std::string archiveOf(const std::vector<Entry>& entries, const std::string& comment = "") {
+    std::string files, directory;
+    for (const auto& entry : entries) {
+        const auto packed = entry.method == 8 ? RawDeflate::deflate(entry.content) : entry.content;
+        const auto offset = files.size();
+        // Sizes are left to a data descriptor: they stand in the central directory alone.
+        files += "PK\x03\x04" + std::string(22, '\0') + number(entry.name.size(), 2) + number(entry.localExtra.size(), 2) + entry.name +
+                 entry.localExtra + packed;
+        directory += "PK\x01\x02" + std::string(6, '\0') + number(entry.method, 2) + std::string(8, '\0') +
+                     number(entry.claimedPacked.value_or(packed.size()), 4) +
+                     number(entry.claimedLength.value_or(entry.content.size()), 4) + number(entry.name.size(), 2) + std::string(12, '\0') +
+                     number(offset, 4) + entry.name;
+    }
+    return files + directory + "PK\x05\x06" + std::string(4, '\0') + number(entries.size(), 2) + number(entries.size(), 2) +
+           number(directory.size(), 4) + number(files.size(), 4) + number(comment.size(), 2) + comment;
+}
+
+std::string outcomeOf(std::string_view archive) {
+    const auto file = ZipReader::firstFile(archive, ".xml");
+    return file ? *file : file.error().description();
+}
+
+TEST(ZipReader, GivesTheFirstWantedFile) {
+    const Entry law{"BJNR.XML", "<dokumente/>"};
+    EXPECT_EQ(outcomeOf(archiveOf({{"bild.gif", "x", 0}, law, {"b.xml", "<b/>"}})), "<dokumente/>")
+        << "in central order, whatever the case";
+    EXPECT_EQ(outcomeOf(archiveOf({{"a.xml", "roh", 0}})), "roh") << "stored";
+    EXPECT_EQ(outcomeOf(archiveOf({{"a.xml", ""}})), "") << "empty";
+    EXPECT_EQ(outcomeOf(archiveOf({{"a.xml", "ja", 8, std::string(300, 'e')}})), "ja") << "a longer local extra field";
+    EXPECT_EQ(outcomeOf(archiveOf({law}, std::string(65'535, 'k'))), "<dokumente/>") << "the longest comment";
+    EXPECT_EQ(outcomeOf(archiveOf({{"\xFF.xml", "ja"}})), "ja") << "a name in no known encoding";
+}
+
+TEST(ZipReader, TellsWhatIsWrong) {
+    const std::string none = "Die Antwort ist kein ZIP-Archiv.";
+    const auto damaged = [](const char* detail) { return std::string("Archiv beschädigt: ") + detail; };
+    const auto whole = archiveOf({{"a.xml", "Text"}});
+    auto wrongSignature = whole;
+    wrongSignature[whole.find("PK\x01\x02") + 3] = 'x';
+    auto noLocal = whole;
+    noLocal[0] = 'x';
+    auto longName = whole;
+    longName[whole.find("PK\x01\x02") + 29] = '\x7F';
+    const std::vector<std::tuple<std::string, std::string, const char*>> rows = {
+        {"", none, "nothing"},
+        {std::string(21, 'P'), none, "too short"},
+        {"<html>Fehler</html> ohne Archiv", none, "something else"},
+        {whole.substr(0, whole.size() - 22), none, "cut off"},
+        {archiveOf({}), damaged("Keine Datei mit der Endung .xml im Archiv"), "no entries"},
+        {archiveOf({{"a.txt", "x"}}), damaged("Keine Datei mit der Endung .xml im Archiv"), "none that fits"},
+        {wrongSignature, damaged("Zentraleintrag nicht gefunden"), "no central entry"},
+        {noLocal, damaged("Lokaler Dateikopf nicht gefunden"), "no local header"},
+        {longName, damaged("Dateiname reicht über das Archivende hinaus"), "a name past the end"},
+        {archiveOf({{"a.xml", "x", 12}}), "Unbekanntes Kompressionsverfahren im Archiv (12).", "another method"},
+        {archiveOf({{"a.xml", "Text", 8, "", 5}}), damaged("Entpacken fehlgeschlagen"), "less than declared"},
+        {archiveOf({{"a.xml", "Text", 8, "", 3}}), damaged("Entpacken fehlgeschlagen"), "more than declared"},
+        {archiveOf({{"a.xml", "Text", 8, "", 0xFFFFFFFE}}), damaged("Entpacken fehlgeschlagen"), "four gigabytes, not asked for"},
+        {archiveOf({{"a.xml", "Text", 8, "", {}, 0xFFFFFFFF}}), damaged("Datei reicht über das Archivende hinaus"), "zip64"},
+        {archiveOf({{"a.xml", "x"}}, "PK\x05\x06" + std::string(18, '\0')), damaged("Keine Datei mit der Endung .xml im Archiv"),
+         "a signature within the comment"}};
+    for (const auto& [archive, outcome, reason] : rows) EXPECT_EQ(outcomeOf(archive), outcome) << reason;
+}
+
+TEST(ZipReader, ReadsTheArchivesOfThePortal) {
+    const std::filesystem::path laws = QUERLIN_LAWS;
+    if (!std::filesystem::is_directory(laws)) GTEST_SKIP() << "no real laws in " << laws;
+    int count = 0;
+    for (const auto& law : std::filesystem::directory_iterator(laws)) {
+        std::ifstream file(law.path() / "xml.zip", std::ios::binary);
+        const std::string archive(std::istreambuf_iterator<char>(file), {});
+        EXPECT_TRUE(outcomeOf(archive).starts_with("<?xml")) << law.path();
+        ++count;
+    }
+    EXPECT_GE(count, 1);
+}
+
+TEST(ZipReader, SurvivesAnyDamage) {
+    const auto whole = archiveOf({{"a.txt", "x", 0}, {"b.xml", std::string(2000, 'b')}, {"c.xml", "c"}}, "Anmerkung");
+    std::mt19937 random(2);
+    for (int round = 0; round < 20'000; ++round) {
+        auto archive = whole;
+        for (int i = 0; i < 1 + round % 4; ++i)
+            archive[std::uniform_int_distribution<std::size_t>(0, archive.size() - 1)(random)] = static_cast<char>(random());
+        if (round % 3 == 0) archive.resize(std::uniform_int_distribution<std::size_t>(0, archive.size())(random));
+        const auto file = ZipReader::firstFile(archive, ".xml");
+        ASSERT_LE(file ? file->size() : 0, archive.size() * 1032);
+    }
+}
+
+} // namespace
+} // namespace querlin
