@@ -20,15 +20,35 @@ std::vector<CompiledExpression>& seenExpressions() {
     return expressions;
 }
 
-std::unique_ptr<icu::RegexMatcher> compiled(std::string_view expression, LetterCase letterCase) {
-    seenExpressions().push_back({std::string(expression), letterCase == LetterCase::ignored});
-    UErrorCode status = U_ZERO_ERROR;
-    auto matcher = std::make_unique<icu::RegexMatcher>(
-        icu::UnicodeString::fromUTF8(std::string(expression)),
-        letterCase == LetterCase::ignored ? std::uint32_t{UREGEX_CASE_INSENSITIVE} : 0U, status);
-    if (U_FAILURE(status)) throw std::logic_error(std::string(expression));
-    return matcher;
-}
+bool keepsMatchers = false;
+
+/// An expression compiled once. A matcher belongs to one thread, so each use makes one; the peer may be told
+/// to keep them all the same, which only a program of one thread could.
+class Expression {
+public:
+    Expression(std::string_view expression, LetterCase letterCase) {
+        seenExpressions().push_back({std::string(expression), letterCase == LetterCase::ignored});
+        UErrorCode status = U_ZERO_ERROR;
+        pattern_.reset(icu::RegexPattern::compile(
+            icu::UnicodeString::fromUTF8(std::string(expression)),
+            letterCase == LetterCase::ignored ? std::uint32_t{UREGEX_CASE_INSENSITIVE} : 0U, status));
+        if (U_FAILURE(status)) throw std::logic_error(std::string(expression));
+        kept_.reset(pattern_->matcher(status));
+    }
+
+    /// Hands a matcher of the input to `use`.
+    template<class Use>
+    auto with(const icu::UnicodeString& input, Use use) const {
+        if (keepsMatchers) return use(kept_->reset(input));
+        UErrorCode status = U_ZERO_ERROR;
+        const std::unique_ptr<icu::RegexMatcher> matcher(pattern_->matcher(input, status));
+        return use(*matcher);
+    }
+
+private:
+    std::unique_ptr<icu::RegexPattern> pattern_;
+    std::unique_ptr<icu::RegexMatcher> kept_;
+};
 
 std::string utf8(const icu::UnicodeString& text) {
     std::string result;
@@ -40,60 +60,65 @@ std::string utf8(const icu::UnicodeString& text) {
 
 const std::vector<CompiledExpression>& compiledExpressions() { return seenExpressions(); }
 
+void keepMatchers(bool keeps) { keepsMatchers = keeps; }
+
 struct Pattern::Compiled {
-    std::unique_ptr<icu::RegexMatcher> matcher;
+    Expression expression;
 };
 
 Pattern::Pattern(std::string_view expression, LetterCase letterCase, Requirement /*requirement*/) :
-    compiled_(std::make_unique<Compiled>(compiled(expression, letterCase))) {}
+    compiled_(std::make_unique<Compiled>(Compiled{{expression, letterCase}})) {}
 Pattern::~Pattern() = default;
 Pattern::Pattern(Pattern&&) noexcept = default;
 Pattern& Pattern::operator=(Pattern&&) noexcept = default;
 
 bool Pattern::isFoundIn(std::string_view text) const {
     const auto input = icu::UnicodeString::fromUTF8(std::string(text));
-    return compiled_->matcher->reset(input).find() != 0;
+    return compiled_->expression.with(input, [](icu::RegexMatcher& matcher) { return matcher.find() != 0; });
 }
 
-std::string Pattern::replaceEach(std::string_view text, const Replacement& replacement) const {
-    const auto input = icu::UnicodeString::fromUTF8(std::string(text));
-    UErrorCode status = U_ZERO_ERROR;
-    auto& matcher = compiled_->matcher->reset(input);
-    icu::UnicodeString result;
-    std::int32_t copied = 0;
-    while (matcher.find() != 0) {
-        std::vector<std::string> groups;
-        for (std::int32_t i = 0; i <= matcher.groupCount(); ++i)
-            groups.push_back(utf8(matcher.group(i, status)));
-        const std::vector<std::string_view> views(groups.begin(), groups.end());
-        const auto replaced = replacement(views);
-        if (!replaced) continue;
-        const auto start = matcher.start(status);
-        result.append(input, copied, start - copied).append(icu::UnicodeString::fromUTF8(*replaced));
-        copied = matcher.end(status);
-    }
-    return utf8(result.append(input, copied, input.length() - copied));
+std::string Pattern::replaceEach(std::string text, const Replacement& replacement) const {
+    const auto input = icu::UnicodeString::fromUTF8(text);
+    return compiled_->expression.with(input, [&](icu::RegexMatcher& matcher) {
+        UErrorCode status = U_ZERO_ERROR;
+        icu::UnicodeString result;
+        std::int32_t copied = 0;
+        while (matcher.find() != 0) {
+            std::vector<std::string> groups;
+            for (std::int32_t i = 0; i <= matcher.groupCount(); ++i)
+                groups.push_back(utf8(matcher.group(i, status)));
+            const std::vector<std::string_view> views(groups.begin(), groups.end());
+            const auto replaced = replacement(views);
+            if (!replaced) continue;
+            const auto start = matcher.start(status);
+            result.append(input, copied, start - copied).append(icu::UnicodeString::fromUTF8(*replaced));
+            copied = matcher.end(status);
+        }
+        return utf8(result.append(input, copied, input.length() - copied));
+    });
 }
 
 struct RuleList::Compiled {
-    std::unique_ptr<icu::RegexMatcher> matcher;
+    Expression expression;
     icu::UnicodeString replacement;
 };
 
 RuleList::RuleList() = default;
 void RuleList::add(const Rule& rule) {
-    rules_.push_back({compiled(rule.pattern, rule.letterCase),
-                      icu::UnicodeString::fromUTF8(std::string(rule.replacement))});
+    rules_.push_back(
+        {{rule.pattern, rule.letterCase}, icu::UnicodeString::fromUTF8(std::string(rule.replacement))});
 }
 RuleList::~RuleList() = default;
 RuleList::RuleList(RuleList&&) noexcept = default;
 RuleList& RuleList::operator=(RuleList&&) noexcept = default;
 
-std::string RuleList::apply(std::string_view text) const {
-    auto result = icu::UnicodeString::fromUTF8(std::string(text));
+std::string RuleList::apply(std::string text) const {
+    auto result = icu::UnicodeString::fromUTF8(text);
     for (const auto& rule : rules_) {
-        UErrorCode status = U_ZERO_ERROR;
-        result = rule.matcher->reset(result).replaceAll(rule.replacement, status);
+        result = rule.expression.with(result, [&rule](icu::RegexMatcher& matcher) {
+            UErrorCode status = U_ZERO_ERROR;
+            return matcher.replaceAll(rule.replacement, status);
+        });
     }
     return utf8(result);
 }

@@ -14,6 +14,8 @@ std::string runWholeChain(std::string_view transcript, bool appliesCommands, boo
     return querlin::runWholeChain(transcript, options).text;
 }
 
+void keepMatchers(bool keeps) { querlin::keepMatchers(keeps); }
+
 std::vector<std::pair<std::string, bool>> compiledExpressions() {
     std::vector<std::pair<std::string, bool>> result;
     for (const auto& [expression, ignoresCase] : querlin::compiledExpressions()) {

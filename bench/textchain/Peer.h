@@ -12,6 +12,10 @@ namespace icu_peer {
 
 std::string runWholeChain(std::string_view transcript, bool appliesCommands, bool isCompact);
 
+/// Whether its matchers are kept from use to use, as only a program of one thread could; otherwise each use
+/// of a pattern makes one, as ICU's manual has it.
+void keepMatchers(bool keeps);
+
 /// All expressions that it has compiled so far, and whether they ignore the case.
 std::vector<std::pair<std::string, bool>> compiledExpressions();
 

@@ -53,7 +53,8 @@ void chainOurs(benchmark::State& state) {
                            benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
-void chainIcu(benchmark::State& state) {
+void chainIcu(benchmark::State& state, bool keepsMatchers) {
+    icu_peer::keepMatchers(keepsMatchers);
     const auto text = dictationOf(static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) benchmark::DoNotOptimize(icu_peer::runWholeChain(text, true, false));
     state.counters["per_word"] =
@@ -119,7 +120,8 @@ void hostile(benchmark::State& state, const std::string& text) {
 void registerAll() {
     for (const std::int64_t words : {50, 500, 5000}) {
         benchmark::RegisterBenchmark("chain/ours", chainOurs)->Arg(words);
-        benchmark::RegisterBenchmark("chain/icu_replaceAll", chainIcu)->Arg(words);
+        benchmark::RegisterBenchmark("chain/icu_replaceAll", chainIcu, false)->Arg(words);
+        benchmark::RegisterBenchmark("chain/icu_replaceAll_on_one_thread", chainIcu, true)->Arg(words);
     }
     benchmark::RegisterBenchmark("compile/ours", compileOurs);
     benchmark::RegisterBenchmark("compile/icu", compileIcu);

@@ -69,11 +69,11 @@ const RuleList& removals() {
 }
 
 /// "das das Haus" -> "das Haus". What is spelt or counted out stays: "S G G", "null null vier".
-std::string withoutStutter(std::string_view text) {
+std::string withoutStutter(std::string text) {
     // "Maße" and "Masse" are two words, and so are "s" and one with a mark above.
     static const Pattern repeated(R"(\b(\p{L}{2,})(?:\s+\1\b(?!\p{M}))++)", LetterCase::ignored,
                                   Requirement::repeatedWord());
-    return repeated.replaceEach(text, [](Pattern::Groups match) -> std::optional<std::string> {
+    return repeated.replaceEach(std::move(text), [](Pattern::Groups match) -> std::optional<std::string> {
         const bool isArticle = equalIgnoringCase(match[1], "ein") || equalIgnoringCase(match[1], "eine");
         if (!isArticle && GermanNumberWords::isNumberWord(match[1])) return std::nullopt;
         return std::string(match[1]);
@@ -161,8 +161,8 @@ std::string RuleBasedEnhancer::clean(std::string_view text, TextTreatment treatm
     std::string result(trimWhitespaceAndNewlines(text));
     if (result.empty()) return result;
     if (!treatment.commandsApplied) result = DictationPreprocessor::applySpokenPunctuation(result);
-    result = resolveSelfCorrections(withoutStutter(removals().apply(result)));
-    result = trimBlanksAndTabs(tidying().apply(result));
+    result = resolveSelfCorrections(withoutStutter(removals().apply(std::move(result))));
+    result = trimBlanksAndTabs(tidying().apply(std::move(result)));
     return finishedSentences(result);
 }
 

@@ -28,6 +28,8 @@ using MatchData = std::unique_ptr<pcre2_match_data, Release<pcre2_match_data_fre
 using MatchContext = std::unique_ptr<pcre2_match_context, Release<pcre2_match_context_free>>;
 using JitStack = std::unique_ptr<pcre2_jit_stack, Release<pcre2_jit_stack_free>>;
 
+std::string wellFormed(std::string text) { return isValidUtf8(text) ? std::move(text) : validUtf8(text); }
+
 /// The library's view of a text.
 PCRE2_SPTR subjectOf(std::string_view text) {
     return reinterpret_cast<PCRE2_SPTR>(text.data()); // NOLINT: its bytes are unsigned
@@ -200,9 +202,9 @@ bool Pattern::isFoundIn(std::string_view text) const {
     return Search(expression, valid, folded).next();
 }
 
-std::string Pattern::replaceEach(std::string_view text, const Replacement& replacement) const {
+std::string Pattern::replaceEach(std::string text, const Replacement& replacement) const {
     const auto& expression = compiled_->expression;
-    auto valid = validUtf8(text);
+    auto valid = wellFormed(std::move(text));
     if (!expression.requirement.isMetBy(valid)) return valid;
     FoldedText folded;
     if (expression.requirement.kind() == Requirement::Kind::beginning) folded.read(valid);
@@ -266,8 +268,8 @@ RuleList::~RuleList() = default;
 RuleList::RuleList(RuleList&&) noexcept = default;
 RuleList& RuleList::operator=(RuleList&&) noexcept = default;
 
-std::string RuleList::apply(std::string_view text) const {
-    auto result = validUtf8(text);
+std::string RuleList::apply(std::string text) const {
+    auto result = wellFormed(std::move(text));
     static thread_local std::string next;
     static thread_local std::vector<TextProfile::Range> written;
     static thread_local TextProfile profile;

@@ -37,7 +37,7 @@ public:
     /// What a match becomes; nothing leaves it as it was.
     using Replacement = std::function<std::optional<std::string>(Groups)>;
     /// Goes over the matches from first to last, on the text as it is given.
-    std::string replaceEach(std::string_view text, const Replacement& replacement) const;
+    std::string replaceEach(std::string text, const Replacement& replacement) const;
 
 private:
     struct Compiled;
@@ -66,7 +66,7 @@ public:
     RuleList(RuleList&&) noexcept;
     RuleList& operator=(RuleList&&) noexcept;
 
-    std::string apply(std::string_view text) const;
+    std::string apply(std::string text) const;
 
 private:
     struct Compiled;

@@ -129,9 +129,10 @@ const RuleList& compactTidying() {
     return rules;
 }
 
-std::string tidied(std::string_view text, Mode mode) {
-    if (mode == Mode::compact) return std::string(trimWhitespaceAndNewlines(compactTidying().apply(text)));
-    return capitalizeSentences(trimWhitespaceAndNewlines(proseTidying().apply(text)));
+std::string tidied(std::string text, Mode mode) {
+    if (mode == Mode::compact)
+        return std::string(trimWhitespaceAndNewlines(compactTidying().apply(std::move(text))));
+    return capitalizeSentences(trimWhitespaceAndNewlines(proseTidying().apply(std::move(text))));
 }
 
 std::size_t lengthOf(const Phrase& phrase) {
@@ -175,7 +176,7 @@ public:
                 ++at_;
             }
         }
-        return {tidied(text_, mode_), false, std::move(applied_)};
+        return {tidied(std::move(text_), mode_), false, std::move(applied_)};
     }
 
 private:

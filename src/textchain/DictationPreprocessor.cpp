@@ -50,7 +50,7 @@ const RuleList& rules() {
 } // namespace
 
 std::string applySpokenPunctuation(std::string_view text) {
-    return std::string(trimBlanksAndTabs(rules().apply(text)));
+    return std::string(trimBlanksAndTabs(rules().apply(std::string(text))));
 }
 
 } // namespace querlin::DictationPreprocessor

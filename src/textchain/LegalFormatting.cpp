@@ -64,10 +64,10 @@ std::string normalizeDates(std::string_view text) {
                                     Requirement::pair(Bytes::digits, ByteSet(".") | Bytes::whitespaceBegins));
     static const Pattern numeric(R"(\b([0-9]{1,2})\.([0-9]{1,2})\.([0-9]{4})\b)", LetterCase::counts,
                                  Requirement::pair(ByteSet("."), Bytes::digits));
-    const auto inNumbers = writtenOut.replaceEach(text, [](Pattern::Groups match) {
+    auto inNumbers = writtenOut.replaceEach(std::string(text), [](Pattern::Groups match) {
         return date(numberIn(match[1]), monthNamed(match[2]), numberIn(match[3]));
     });
-    return numeric.replaceEach(inNumbers, [](Pattern::Groups match) {
+    return numeric.replaceEach(std::move(inNumbers), [](Pattern::Groups match) {
         return date(numberIn(match[1]), numberIn(match[2]), numberIn(match[3]));
     });
 }
@@ -76,7 +76,7 @@ std::string normalizeCaseNumbers(std::string_view text) {
     static const Pattern caseNumber(
         R"((Aktenzeichen|Az\.?|Gesch\.-Nr\.?)\s+([IVXLCDM]+|\d{1,3})\s+(\d{1,6})\s*+(?:/\s*+)?(\d{2,4})\b)",
         LetterCase::ignored, Requirement::beginsWith("aktenzeichen|az|gesch.-nr"));
-    return caseNumber.replaceEach(text, [](Pattern::Groups match) {
+    return caseNumber.replaceEach(std::string(text), [](Pattern::Groups match) {
         return std::optional(fmt::format("{} {} {}/{}", match[1], match[2], match[3], match[4]));
     });
 }

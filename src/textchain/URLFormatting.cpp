@@ -57,7 +57,7 @@ std::string compactURLs(std::string_view text) {
         LetterCase::ignored, Requirement::beginsWith("http"));
     static const Pattern withoutScheme(R"(\bwww\s*+\.\s*+[\w\-]++(?:\s*+\.\s*+[\w\-]++)++)",
                                        LetterCase::ignored, Requirement::beginsWith("www"));
-    return withoutScheme.replaceEach(withScheme.replaceEach(text, closedUpMatch), closedUpMatch);
+    return withoutScheme.replaceEach(withScheme.replaceEach(std::string(text), closedUpMatch), closedUpMatch);
 }
 
 } // namespace querlin::URLFormatting

@@ -9,7 +9,7 @@ namespace querlin {
 namespace {
 
 std::string marked(const Pattern& pattern, std::string_view text) {
-    return pattern.replaceEach(text, [](Pattern::Groups match) { return std::optional("<" + std::string(match[0]) + ">"); });
+    return pattern.replaceEach(std::string(text), [](Pattern::Groups match) { return std::optional("<" + std::string(match[0]) + ">"); });
 }
 
 TEST(Pattern, KnowsUnicode) {

@@ -168,7 +168,7 @@ void patterns(std::string_view text, unsigned) {
         pair(R"(\b(\p{L}{2,})(?:\s+\1\b(?!\p{M}))++)", Requirement::repeatedWord())};
     const auto mark = [](Pattern::Groups match) { return std::optional("<" + std::string(match[0]) + ">"); };
     for (const auto& [quick, plain] : pairs)
-        require(quick.replaceEach(text, mark) == plain.replaceEach(text, mark), "a requirement is necessary");
+        require(quick.replaceEach(std::string(text), mark) == plain.replaceEach(std::string(text), mark), "a requirement is necessary");
 }
 
 } // namespace Stage
