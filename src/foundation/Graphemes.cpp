@@ -1,5 +1,6 @@
 #include "foundation/Graphemes.h"
 
+#include "foundation/Release.h"
 #include "foundation/Utf8.h"
 
 #include <algorithm>
@@ -13,19 +14,13 @@ namespace querlin {
 
 namespace {
 
-struct CloseIterator {
-    void operator()(UBreakIterator* iterator) const { ubrk_close(iterator); }
-};
-struct CloseText {
-    void operator()(UText* text) const { utext_close(text); }
-};
-
 /// ICU's answer for the beginning of a text.
 std::size_t firstBoundary(std::string_view text) {
     UErrorCode status = U_ZERO_ERROR;
-    thread_local const std::unique_ptr<UBreakIterator, CloseIterator> iterator(
+    thread_local const std::unique_ptr<UBreakIterator, Release<ubrk_close>> iterator(
         ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &status));
-    thread_local const std::unique_ptr<UText, CloseText> handle(utext_openUTF8(nullptr, "", 0, &status));
+    thread_local const std::unique_ptr<UText, Release<utext_close>> handle(
+        utext_openUTF8(nullptr, "", 0, &status));
     if (!iterator || !handle) return decodeScalar(text).lengthInBytes;
     utext_openUTF8(handle.get(), text.data(), static_cast<std::int64_t>(text.size()), &status);
     ubrk_setUText(iterator.get(), handle.get(), &status);

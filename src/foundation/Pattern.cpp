@@ -1,5 +1,6 @@
 #include "foundation/Pattern.h"
 
+#include "foundation/Release.h"
 #include "foundation/Utf8.h"
 
 #include <algorithm>
@@ -14,14 +15,6 @@
 namespace querlin {
 
 namespace {
-
-template<auto release>
-struct Release {
-    template<class Handle>
-    void operator()(Handle* handle) const {
-        release(handle);
-    }
-};
 
 using Code = std::unique_ptr<pcre2_code, Release<pcre2_code_free>>;
 using MatchData = std::unique_ptr<pcre2_match_data, Release<pcre2_match_data_free>>;

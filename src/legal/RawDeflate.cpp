@@ -1,5 +1,7 @@
 #include "legal/RawDeflate.h"
 
+#include "foundation/Release.h"
+
 #include <memory>
 #include <new>
 
@@ -13,14 +15,6 @@ namespace {
 constexpr std::size_t mostBytesOutOfOne = 1032;
 
 constexpr int compressionLevel = 9;
-
-template<auto release>
-struct Release {
-    template<class Handle>
-    void operator()(Handle* handle) const {
-        release(handle);
-    }
-};
 
 using Decompressor = std::unique_ptr<libdeflate_decompressor, Release<libdeflate_free_decompressor>>;
 using Compressor = std::unique_ptr<libdeflate_compressor, Release<libdeflate_free_compressor>>;

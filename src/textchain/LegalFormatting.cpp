@@ -36,6 +36,9 @@ constexpr auto months = std::to_array<Month>({
 constexpr std::string_view monthNames =
     "januar|februar|märz|maerz|april|mai|juni|juli|august|september|oktober|november|dezember";
 
+/// A footnote's "²" may follow a number.
+constexpr std::string_view wordEnd = R"((?![\p{L}\p{M}\p{Nd}_]))";
+
 int numberIn(std::string_view digits) {
     int value = 0;
     std::from_chars(digits.data(), digits.data() + digits.size(), value);
@@ -59,11 +62,11 @@ int monthNamed(std::string_view name) {
 std::string apply(std::string_view text) { return normalizeCaseNumbers(normalizeDates(text)); }
 
 std::string normalizeDates(std::string_view text) {
-    static const Pattern writtenOut(fmt::format(R"(\b([0-9]{{1,2}})\.?\s+({})\s+([0-9]{{4}})\b)", monthNames),
-                                    LetterCase::ignored,
-                                    Requirement::pair(Bytes::digits, ByteSet(".") | Bytes::whitespaceBegins));
-    static const Pattern numeric(R"(\b([0-9]{1,2})\.([0-9]{1,2})\.([0-9]{4})\b)", LetterCase::counts,
-                                 Requirement::pair(ByteSet("."), Bytes::digits));
+    static const Pattern writtenOut(
+        fmt::format(R"(\b([0-9]{{1,2}})\.?\s+({})\s+([0-9]{{4}}){})", monthNames, wordEnd),
+        LetterCase::ignored, Requirement::pair(Bytes::digits, ByteSet(".") | Bytes::whitespaceBegins));
+    static const Pattern numeric(fmt::format(R"(\b([0-9]{{1,2}})\.([0-9]{{1,2}})\.([0-9]{{4}}){})", wordEnd),
+                                 LetterCase::counts, Requirement::pair(ByteSet("."), Bytes::digits));
     auto inNumbers = writtenOut.replaceEach(std::string(text), [](Pattern::Groups match) {
         return date(numberIn(match[1]), monthNamed(match[2]), numberIn(match[3]));
     });
@@ -74,7 +77,9 @@ std::string normalizeDates(std::string_view text) {
 
 std::string normalizeCaseNumbers(std::string_view text) {
     static const Pattern caseNumber(
-        R"((Aktenzeichen|Az\.?|Gesch\.-Nr\.?)\s+([IVXLCDM]+|\d{1,3})\s+(\d{1,6})\s*+(?:/\s*+)?(\d{2,4})\b)",
+        fmt::format(
+            R"((Aktenzeichen|Az\.?|Gesch\.-Nr\.?)\s+([IVXLCDM]+|\d{{1,3}})\s+(\d{{1,6}})\s*+(?:/\s*+)?(\d{{2,4}}){})",
+            wordEnd),
         LetterCase::ignored, Requirement::beginsWith("aktenzeichen|az|gesch.-nr"));
     return caseNumber.replaceEach(std::string(text), [](Pattern::Groups match) {
         return std::optional(fmt::format("{} {} {}/{}", match[1], match[2], match[3], match[4]));

@@ -57,6 +57,7 @@ TEST(LegalFormatting, WritesDates) {
               {{"am 3. März 2024, 3 märz 2024, 3. MAERZ 2024", "am 03.03.2024, 03.03.2024, 03.03.2024", "months written out"},
                {"1.2.2024 01.02.2024", "01.02.2024 01.02.2024", "numbers are padded"},
                {"31. Februar 2024", "31.02.2024", "no calendar"},
+               {"am 3. Mai 2024², 3.5.2024²", "am 03.05.2024², 03.05.2024²", "a footnote"},
                {"32. März 2024, 0. Mai 2024", "32. März 2024, 0. Mai 2024", "no such day"},
                {"12.13.2024 5.6.24 3. März", "12.13.2024 5.6.24 3. März", "no such month, no full year"},
                {"123. März 2024, 3. Märzen 2024, 3. Mai 20245", "123. März 2024, 3. Märzen 2024, 3. Mai 20245", "no whole words"},

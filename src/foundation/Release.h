@@ -1,0 +1,14 @@
+#pragma once
+
+namespace querlin {
+
+/// Hands a foreign library's object back to it: `std::unique_ptr<pcre2_code, Release<pcre2_code_free>>`.
+template<auto release>
+struct Release {
+    template<class Object>
+    void operator()(Object* object) const {
+        release(object);
+    }
+};
+
+} // namespace querlin
