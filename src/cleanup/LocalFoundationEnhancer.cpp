@@ -1,6 +1,7 @@
 #include "cleanup/LocalFoundationEnhancer.h"
 
 #include "foundation/Graphemes.h"
+#include "foundation/Replacing.h"
 #include "foundation/Trimming.h"
 #include "state/DiagnosticsLog.h"
 #include "textchain/Transcript.h"
@@ -44,16 +45,6 @@ constexpr std::string_view instructionsHead =
 constexpr std::string_view instructionsTail =
     "\n\nAntworte nur mit dem bereinigten Text: kein Vorwort, keine Erklärung, keine Anführungszeichen, kein "
     "Markdown, keine XML-Tags.";
-
-std::string without(std::string_view text, std::string_view part) {
-    std::string result;
-    while (true) {
-        const auto at = text.find(part);
-        result += text.substr(0, at);
-        if (at == std::string_view::npos) return result;
-        text.remove_prefix(at + part.size());
-    }
-}
 
 } // namespace
 
@@ -121,7 +112,7 @@ LocalFoundationEnhancer::enhance(std::string text, DictationLanguage /*language*
 }
 
 std::string LocalFoundationEnhancer::stripWrapping(std::string_view answer) {
-    const auto untagged = without(without(answer, openingTag), closingTag);
+    const auto untagged = replacingAll(replacingAll(answer, openingTag, ""), closingTag, "");
     auto text = trimWhitespaceAndNewlines(untagged);
     const bool isQuoted = firstGraphemes(text, 1) == "\"" && lastGrapheme(text) == "\"";
     if (isQuoted && text.size() >= 2) text = trimWhitespaceAndNewlines(text.substr(1, text.size() - 2));

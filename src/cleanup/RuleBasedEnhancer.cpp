@@ -3,6 +3,7 @@
 #include "foundation/Characters.h"
 #include "foundation/Graphemes.h"
 #include "foundation/Pattern.h"
+#include "foundation/Replacing.h"
 #include "foundation/TextCase.h"
 #include "foundation/Trimming.h"
 #include "foundation/Waiting.h"
@@ -114,14 +115,7 @@ bool isSignal(std::string_view piece) {
 std::string joinedByBlanks(std::span<const std::string_view> pieces) {
     std::string text;
     for (const auto piece : pieces) text.append(piece).append(" ");
-    std::string result;
-    std::size_t copied = 0;
-    for (auto at = text.find("  "); at != std::string::npos; at = text.find("  ", copied)) {
-        result.append(text, copied, at + 1 - copied);
-        copied = at + 2;
-    }
-    result.append(text, copied);
-    return std::string(trimBlanksAndTabs(result));
+    return std::string(trimBlanksAndTabs(replacingAll(text, "  ", " ")));
 }
 
 /// "am Montag nein am Dienstag" -> "am Dienstag": what is said again behind the signal takes the place of

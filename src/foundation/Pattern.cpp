@@ -71,6 +71,9 @@ struct Expression {
         code.reset(
             pcre2_compile(subjectOf(expression), expression.size(), options, &error, &offset, nullptr));
         if (!code) throw std::logic_error(std::string(expression) + ": " + errorText(error));
+        std::uint32_t groups = 0;
+        pcre2_pattern_info(code.get(), PCRE2_INFO_CAPTURECOUNT, &groups);
+        if (groups >= mostGroups) throw std::logic_error(std::string(expression) + ": too many groups");
         pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE); // Without it the interpreter matches.
     }
 

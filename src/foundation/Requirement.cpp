@@ -1,5 +1,6 @@
 #include "foundation/Requirement.h"
 
+#include "foundation/Replacing.h"
 #include "foundation/TextCase.h"
 
 #include <algorithm>
@@ -25,16 +26,6 @@ bool mayHoldOddLetters(std::string_view text) {
         least = std::min({least, differs(0xC5, 0xBF), differs(0xE2, 0x84), differs(0xE1, 0xBA)});
     }
     return least == 0;
-}
-
-void replaceAll(std::string& text, std::string_view from, std::string_view to) {
-    std::string result;
-    std::size_t copied = 0;
-    for (auto at = text.find(from); at != std::string::npos; at = text.find(from, copied)) {
-        result.append(text, copied, at - copied).append(to);
-        copied = at + from.size();
-    }
-    text = result.append(text, copied);
 }
 
 /// Three bytes of a literal, or two if it is short, that no odd letter stands for; empty if it has none.
@@ -122,9 +113,9 @@ void FoldedText::read(std::string_view text) {
     folded_.resize(text.size());
     lowercaseLatin1(text, folded_.data());
     if (mayHoldOddLetters(text)) {
-        replaceAll(folded_, longS, "s");
-        replaceAll(folded_, kelvinSign, "k");
-        replaceAll(folded_, capitalSharpS, "ß");
+        folded_ = replacingAll(folded_, longS, "s");
+        folded_ = replacingAll(folded_, kelvinSign, "k");
+        folded_ = replacingAll(folded_, capitalSharpS, "ß");
     }
     keepsPlaces_ = folded_.size() == text.size();
 }

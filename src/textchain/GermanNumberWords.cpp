@@ -1,5 +1,6 @@
 #include "textchain/GermanNumberWords.h"
 
+#include "foundation/Replacing.h"
 #include "foundation/TextCase.h"
 #include "foundation/Trimming.h"
 
@@ -125,17 +126,7 @@ Value valueOf(std::string_view word, std::span<const Row> scales) {
 
 /// Lower case, composed, "ss" for "ß", without blanks around it.
 std::string prepared(std::string_view word) {
-    const auto lower = nfc(lowercase(word));
-    std::string result;
-    for (auto rest = trimBlanksAndTabs(lower); !rest.empty();) {
-        const auto at = std::min(rest.find("ß"), rest.size());
-        result += rest.substr(0, at);
-        rest.remove_prefix(at);
-        if (rest.empty()) break;
-        result += "ss";
-        rest.remove_prefix(std::string_view("ß").size());
-    }
-    return result;
+    return std::string(trimBlanksAndTabs(replacingAll(nfc(lowercase(word)), "ß", "ss")));
 }
 
 } // namespace
