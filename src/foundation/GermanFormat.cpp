@@ -1,9 +1,12 @@
 #include "foundation/GermanFormat.h"
 
 #include <array>
+#include <charconv>
 #include <ctime>
 
 #include <fmt/format.h>
+#include <unicode/gregocal.h>
+#include <unicode/timezone.h>
 
 namespace querlin {
 
@@ -70,6 +73,27 @@ std::string localFileStamp(Date date) {
 std::string localLogStamp(Date date) {
     const auto t = localTime(date);
     return fmt::format("{:02}:{:02}:{:02}.{:03}", t.hour, t.minute, t.second, t.millisecond);
+}
+
+std::optional<Date> berlinStamp(std::string_view text) {
+    constexpr std::size_t length = 14;
+    if (text.size() != length || text.find_first_not_of("0123456789") != std::string_view::npos)
+        return std::nullopt;
+    const auto number = [text](std::size_t at, std::size_t digits) {
+        std::int32_t value = 0;
+        std::from_chars(text.data() + at, text.data() + at + digits, value);
+        return value;
+    };
+    UErrorCode status = U_ZERO_ERROR;
+    icu::GregorianCalendar calendar(icu::TimeZone::createTimeZone("Europe/Berlin"), icu::Locale::getGermany(),
+                                    status);
+    if (U_FAILURE(status) != 0) return std::nullopt;
+    calendar.clear();
+    calendar.setLenient(0);
+    calendar.set(number(0, 4), number(4, 2) - 1, number(6, 2), number(8, 2), number(10, 2), number(12, 2));
+    const auto milliseconds = calendar.getTime(status); // Fails for what is no date.
+    if (U_FAILURE(status) != 0) return std::nullopt;
+    return Date(std::chrono::milliseconds(static_cast<std::int64_t>(milliseconds)));
 }
 
 std::optional<Date> daysBefore(Date date, std::int64_t days) {

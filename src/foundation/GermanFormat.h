@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace querlin {
 
@@ -36,6 +37,11 @@ std::string germanNumber(std::int64_t number);
 std::string localFileStamp(Date date);
 /// For log lines, "09:30:00.000".
 std::string localLogStamp(Date date);
+
+/// Reads a moment that is written as "yyyyMMddHHmmss" in the time of Berlin, whatever the local zone is:
+/// "20231231214227". What isn't fourteen digits, and days that the calendar doesn't have, give nothing. Of a
+/// time that comes twice in the night when summer time ends it is the later.
+std::optional<Date> berlinStamp(std::string_view text);
 
 /// The same local time of day that many calendar days earlier, also over a change to summer time;
 /// nothing if `days` is negative or leads further back than a date reaches.

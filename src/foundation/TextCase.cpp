@@ -3,6 +3,7 @@
 #include "foundation/Utf8.h"
 
 #include <cstdint>
+#include <vector>
 
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
@@ -126,6 +127,18 @@ std::string lowercase(std::string_view text) {
     });
 }
 
+void appendLowercase(std::string_view text, std::string& to) {
+    if (!isLatin1WithPunctuation(text)) {
+        to += lowercase(text);
+        return;
+    }
+    const auto before = to.size();
+    to.resize_and_overwrite(before + text.size(), [&](char* bytes, std::size_t size) {
+        lowercaseLatin1(text, bytes + before);
+        return size;
+    });
+}
+
 bool isNfc(std::string_view text) {
     if (isLatin1(text) || latinPrefix(text) == text.size()) return true; // Nothing there composes.
     if (!isValidUtf8(text)) return false;
@@ -147,6 +160,26 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) { return a == b |
 
 bool containsIgnoringCase(std::string_view haystack, std::string_view needle) {
     return needle.empty() || folded(haystack).contains(folded(needle));
+}
+
+std::optional<std::string_view> findIgnoringCase(std::string_view haystack, std::string_view needle) {
+    if (needle.empty()) return std::nullopt;
+    const auto wanted = folded(needle);
+    std::string text;
+    std::vector<std::size_t> places; // In the haystack, of each byte of its folded form and of its end.
+    for (auto rest = haystack; !rest.empty();) {
+        const auto length = decodeScalar(rest).lengthInBytes;
+        text += folded(rest.substr(0, length));
+        places.resize(text.size(), haystack.size() - rest.size());
+        rest.remove_prefix(length);
+    }
+    places.push_back(haystack.size());
+    const auto isBoundary = [&places](std::size_t at) { return at == 0 || places[at] != places[at - 1]; };
+    for (auto at = text.find(wanted); at != std::string::npos; at = text.find(wanted, at + 1)) {
+        const auto end = at + wanted.size();
+        if (isBoundary(at) && isBoundary(end)) return haystack.substr(places[at], places[end] - places[at]);
+    }
+    return std::nullopt;
 }
 
 } // namespace querlin

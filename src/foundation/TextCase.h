@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,9 @@ namespace querlin {
 /// the final sigma. Ill-formed bytes become U+FFFD.
 std::string uppercase(std::string_view text);
 std::string lowercase(std::string_view text);
+
+/// Adds a text in small letters, as `lowercase` gives it.
+void appendLowercase(std::string_view text, std::string& to);
 
 /// Small letters for A to Z and U+00C0 to U+00DE alone, byte for byte; all else is copied. Writes as many
 /// bytes as the text has.
@@ -27,5 +31,8 @@ bool canonicallyEqual(std::string_view a, std::string_view b);
 /// form, and "STRASSE" equals "Straße". The empty needle is contained in everything.
 bool equalIgnoringCase(std::string_view a, std::string_view b);
 bool containsIgnoringCase(std::string_view haystack, std::string_view needle);
+/// The first part of `haystack` that equals `needle` under case folding, scalar by scalar; none for the
+/// empty needle. "bgb" in "§ 5 BGB" -> "BGB".
+std::optional<std::string_view> findIgnoringCase(std::string_view haystack, std::string_view needle);
 
 } // namespace querlin

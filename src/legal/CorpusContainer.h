@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The file that holds the corpus: the document's length as eight bytes, little-endian and signed, and behind
+/// it the document as one raw DEFLATE stream (RFC 1951). Any thread.
+namespace querlin::CorpusContainer {
+
+inline constexpr std::size_t longestDocumentInBytes = 0x1FFF'FFFF;
+
+/// The document; nothing for what is no such file. A length that the stream can't have takes no memory.
+std::optional<std::string> inflate(std::string_view container);
+
+/// Nothing for a document that `inflate` wouldn't take.
+std::optional<std::string> deflate(std::string_view document);
+
+} // namespace querlin::CorpusContainer

@@ -1,0 +1,322 @@
+#include "legal/LegalCorpusFile.h"
+
+#include "foundation/Files.h"
+#include "foundation/Json.h"
+#include "foundation/Utf8.h"
+#include "legal/CorpusContainer.h"
+
+#include <array>
+#include <memory>
+#include <span>
+
+#include <fmt/format.h>
+#include <rapidjson/error/en.h>
+#include <rapidjson/reader.h>
+#include <rapidjson/writer.h>
+
+namespace querlin {
+
+namespace {
+
+// The keys of the three kinds of object, and what they stand for.
+
+template<class Record>
+struct Field {
+    std::string_view key;
+    std::variant<SharedText Record::*, std::int64_t Record::*, bool Record::*> member;
+};
+
+constexpr auto sectionFields = std::to_array<Field<LegalSection>>({{"id", &LegalSection::id},
+                                                                   {"number", &LegalSection::number},
+                                                                   {"suffix", &LegalSection::suffix},
+                                                                   {"label", &LegalSection::label},
+                                                                   {"title", &LegalSection::title},
+                                                                   {"path", &LegalSection::path},
+                                                                   {"text", &LegalSection::text},
+                                                                   {"priority", &LegalSection::priority}});
+/// Besides its sections, which come behind.
+constexpr auto lawFields = std::to_array<Field<LegalLaw>>({{"abbr", &LegalLaw::abbr},
+                                                           {"name", &LegalLaw::name},
+                                                           {"tier", &LegalLaw::tier},
+                                                           {"slug", &LegalLaw::slug},
+                                                           {"stand", &LegalLaw::stand},
+                                                           {"builddate", &LegalLaw::builddate},
+                                                           {"source", &LegalLaw::source}});
+constexpr auto fileFields =
+    std::to_array<Field<LegalCorpusFile>>({{"generated", &LegalCorpusFile::generated}});
+
+constexpr std::string_view sectionsKey = "sections";
+constexpr std::string_view lawsKey = "laws";
+
+/// Takes the events of an object: which field comes next, and which have been there.
+template<class Record>
+class FieldReader {
+public:
+    FieldReader(std::span<const Field<Record>> fields, std::string_view listKey) :
+        fields_(fields), listKey_(listKey) {}
+
+    void begin(Record& record) {
+        record_ = &record;
+        seen_ = 0;
+        next_ = 0;
+    }
+    void key(std::string_view key) {
+        // Mostly they come in the order in which they are written.
+        for (std::size_t tried = 0; tried < fields_.size(); ++tried) {
+            if (next_ >= fields_.size()) next_ = 0;
+            if (fields_[next_].key == key) {
+                current_ = next_++;
+                return;
+            }
+            ++next_;
+        }
+        current_ = key == listKey_ && !listKey_.empty() ? list : unknown;
+    }
+    bool isList() const { return current_ == list; }
+    bool isKnown() const { return current_ != unknown; }
+    void sawList() { seen_ |= 1U << fields_.size(); }
+
+    /// False if the field has another type.
+    template<class Value>
+    bool put(Value value) {
+        if (current_ == unknown) return true;
+        if (current_ == list) return false;
+        const auto* member = std::get_if<Value Record::*>(&fields_[current_].member);
+        if (!member) return false;
+        record_->**member = std::move(value);
+        seen_ |= 1U << current_;
+        return true;
+    }
+    bool isComplete() const {
+        const auto count = fields_.size() + (listKey_.empty() ? 0 : 1);
+        return seen_ == (1U << count) - 1;
+    }
+
+private:
+    static constexpr std::size_t list = 100;
+    static constexpr std::size_t unknown = 101;
+
+    std::span<const Field<Record>> fields_;
+    std::string_view listKey_;
+    Record* record_ = nullptr;
+    std::size_t next_ = 0;
+    std::size_t current_ = unknown;
+    std::uint32_t seen_ = 0;
+};
+
+/// Builds the laws from the reader's events; false ends the reading.
+class CorpusBuilder {
+public:
+    explicit CorpusBuilder(std::shared_ptr<const void> document) : document_(std::move(document)) {}
+
+    bool Null() { return plain([](auto& reader) { return !reader.isKnown(); }); }
+    bool Bool(bool value) { return put(value); }
+    bool Int(int value) { return put(std::int64_t{value}); }
+    bool Uint(unsigned value) { return put(std::int64_t{value}); }
+    bool Int64(std::int64_t value) { return put(value); }
+    bool Uint64(std::uint64_t) { return Null(); } // No field of ours holds so much.
+    bool Double(double) { return Null(); }
+    bool RawNumber(const char*, rapidjson::SizeType, bool) { return false; }
+    bool String(const char* text, rapidjson::SizeType length, bool) {
+        const std::string_view view(text, length);
+        if (!isValidUtf8(view)) return false;
+        return plain([&](auto& reader) {
+            return !reader.isKnown() || reader.put(SharedText(document_, view));
+        });
+    }
+    bool Key(const char* text, rapidjson::SizeType length, bool) {
+        if (unknownDepth_ > 0) return true;
+        visit([key = std::string_view(text, length)](auto& reader) {
+            reader.key(key);
+            return true;
+        });
+        return true;
+    }
+
+    bool StartObject() {
+        if (unknownDepth_ > 0) return skipDeeper();
+        switch (place_) {
+        case Place::nowhere:
+            place_ = Place::file;
+            fileReader_.begin(file_);
+            return true;
+        case Place::laws:
+            place_ = Place::law;
+            lawReader_.begin(file_.laws.emplace_back());
+            return true;
+        case Place::sections:
+            place_ = Place::section;
+            sectionReader_.begin(file_.laws.back().sections.emplace_back());
+            return true;
+        case Place::file:
+        case Place::law:
+        case Place::section:
+            return beginUnknown();
+        }
+        return false;
+    }
+    bool EndObject(rapidjson::SizeType) {
+        if (unknownDepth_ > 0) return endUnknown();
+        const bool isComplete = visit([](auto& reader) { return reader.isComplete(); });
+        place_ = place_ == Place::section ? Place::sections
+                 : place_ == Place::law   ? Place::laws
+                                          : Place::nowhere;
+        return isComplete;
+    }
+    bool StartArray() {
+        if (unknownDepth_ > 0) return skipDeeper();
+        if (place_ == Place::file && fileReader_.isList()) {
+            place_ = Place::laws;
+            fileReader_.sawList();
+            file_.laws.clear();
+            return true;
+        }
+        if (place_ == Place::law && lawReader_.isList()) {
+            place_ = Place::sections;
+            lawReader_.sawList();
+            file_.laws.back().sections.clear();
+            return true;
+        }
+        return beginUnknown();
+    }
+    bool EndArray(rapidjson::SizeType) {
+        if (unknownDepth_ > 0) return endUnknown();
+        place_ = place_ == Place::sections ? Place::law : Place::file;
+        return true;
+    }
+
+    LegalCorpusFile take() { return std::move(file_); }
+
+private:
+    /// Where the events come from: within the document, its list of laws, a law, its list of sections, or a
+    /// section.
+    enum class Place : std::uint8_t { nowhere, file, laws, law, sections, section };
+
+    /// Calls with the reader of the object whose members come; false where a list's elements come.
+    template<class Call>
+    bool visit(Call call) {
+        switch (place_) {
+        case Place::file:
+            return call(fileReader_);
+        case Place::law:
+            return call(lawReader_);
+        case Place::section:
+            return call(sectionReader_);
+        case Place::nowhere:
+        case Place::laws:
+        case Place::sections:
+            return false;
+        }
+        return false;
+    }
+    template<class Call>
+    bool plain(Call call) {
+        return unknownDepth_ > 0 || visit(call);
+    }
+    template<class Value>
+    bool put(Value value) {
+        return plain([value](auto& reader) { return reader.put(value); });
+    }
+
+    /// An object or a list that isn't ours may only stand behind a key that isn't known.
+    bool beginUnknown() {
+        if (!visit([](auto& reader) { return !reader.isKnown(); })) return false;
+        unknownDepth_ = 1;
+        return true;
+    }
+    bool skipDeeper() { return ++unknownDepth_ < Json::maximumDepth; }
+    bool endUnknown() {
+        --unknownDepth_;
+        return true;
+    }
+
+    std::shared_ptr<const void> document_;
+    LegalCorpusFile file_;
+    Place place_ = Place::nowhere;
+    std::size_t unknownDepth_ = 0;
+    FieldReader<LegalCorpusFile> fileReader_{fileFields, lawsKey};
+    FieldReader<LegalLaw> lawReader_{lawFields, sectionsKey};
+    FieldReader<LegalSection> sectionReader_{sectionFields, ""};
+};
+
+/// Where the library's writer puts its bytes.
+struct StringStream {
+    using Ch = char; // NOLINT(readability-identifier-naming): the library's concept
+    std::string text;
+    void Put(char byte) { text += byte; }
+    void Flush() {}
+};
+using Writer = rapidjson::Writer<StringStream>;
+
+void write(Writer& writer, std::string_view text) {
+    writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+}
+void write(Writer& writer, const SharedText& text) { write(writer, text.view()); }
+void write(Writer& writer, std::int64_t number) { writer.Int64(number); }
+void write(Writer& writer, bool value) { writer.Bool(value); }
+
+template<class Record>
+void writeFields(Writer& writer, const Record& record, std::span<const Field<Record>> fields) {
+    for (const auto& field : fields) {
+        write(writer, field.key);
+        std::visit([&](auto member) { write(writer, record.*member); }, field.member);
+    }
+}
+
+} // namespace
+
+std::expected<LegalCorpusFile, std::string> LegalCorpusFile::fromJson(std::string document) {
+    constexpr unsigned flags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag;
+    const auto owned = std::make_shared<std::string>(std::move(document));
+    rapidjson::InsituStringStream stream(owned->data());
+    CorpusBuilder builder(owned);
+    rapidjson::Reader reader;
+    const auto result = reader.Parse<flags>(stream, builder);
+    // The library ends at a zero byte, wherever it stands.
+    if (!result.IsError() && stream.Tell() == owned->size()) return builder.take();
+    const bool isRefused = result.Code() == rapidjson::kParseErrorTermination;
+    return std::unexpected(fmt::format(
+        "Der Gesetzesbestand ist kein {} (Byte {}).",
+        isRefused ? "vollständiger Bestand: Eine Angabe fehlt oder ist von falscher Art" : "gültiges JSON",
+        result.IsError() ? result.Offset() : stream.Tell()));
+}
+
+std::string LegalCorpusFile::toJson() const {
+    StringStream stream;
+    Writer writer(stream);
+    writer.StartObject();
+    writeFields<LegalCorpusFile>(writer, *this, fileFields);
+    write(writer, lawsKey);
+    writer.StartArray();
+    for (const auto& law : laws) {
+        writer.StartObject();
+        writeFields<LegalLaw>(writer, law, lawFields);
+        write(writer, sectionsKey);
+        writer.StartArray();
+        for (const auto& section : law.sections) {
+            writer.StartObject();
+            writeFields<LegalSection>(writer, section, sectionFields);
+            writer.EndObject();
+        }
+        writer.EndArray();
+        writer.EndObject();
+    }
+    writer.EndArray();
+    writer.EndObject();
+    return std::move(stream.text);
+}
+
+std::expected<LoadedCorpus, std::string> loadCorpus(const std::filesystem::path& file) {
+    const auto failed = [](std::string_view reason) { return fmt::format("Laden fehlgeschlagen: {}", reason); };
+    auto container = Files::read(file);
+    if (!container) return std::unexpected(failed(container.error().description()));
+    auto document = CorpusContainer::inflate(*container);
+    if (!document) return std::unexpected("Korpus liess sich nicht entpacken.");
+    *container = {}; // The memory is wanted elsewhere.
+    const auto length = document->size();
+    auto content = LegalCorpusFile::fromJson(std::move(*document));
+    if (!content) return std::unexpected(failed(content.error()));
+    return LoadedCorpus{std::move(*content), length};
+}
+
+} // namespace querlin

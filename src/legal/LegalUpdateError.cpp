@@ -1,0 +1,19 @@
+#include "legal/LegalUpdateError.h"
+
+#include <fmt/format.h>
+
+namespace querlin {
+
+std::string LegalUpdateError::description() const {
+    switch (kind) {
+    case Kind::badSource:
+        return fmt::format("Ungültige Quelle für {}.", abbr);
+    case Kind::empty:
+        return fmt::format("{} enthielt keine Paragraphen.", abbr);
+    case Kind::compressionFailed:
+        return "Gesetzesbestand ließ sich nicht komprimieren.";
+    }
+    return {};
+}
+
+} // namespace querlin

@@ -1,0 +1,193 @@
+#include "legal/LegalUpdateService.h"
+
+#include "foundation/Waiting.h"
+#include "legal/LegalUpdateError.h"
+#include "state/DiagnosticsLog.h"
+#include "state/Product.h"
+
+#include <algorithm>
+#include <typeinfo>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace querlin {
+
+using namespace LegalUpdateStage;
+
+namespace {
+
+constexpr Duration headTimeout = std::chrono::seconds(20);
+constexpr Duration getTimeout = std::chrono::seconds(120);
+constexpr std::string_view lastModifiedHeader = "Last-Modified";
+
+void note(std::string_view line) { DiagnosticsLog::note("gesetze", line); }
+void trace(std::string_view line) { DiagnosticsLog::trace("gesetze", line); }
+
+/// An absolute http or https address with a host, as far as it can be told without asking for it.
+bool isAddress(std::string_view source) {
+    for (const std::string_view scheme : {"https://", "http://"}) {
+        if (!source.starts_with(scheme)) continue;
+        const auto host = source.substr(scheme.size());
+        const bool isPlain =
+            std::ranges::all_of(host, [](unsigned char byte) { return byte > ' ' && byte < 0x7F; });
+        return isPlain && !host.empty() && host.front() != '/';
+    }
+    return false;
+}
+
+HttpRequest request(HttpRequest::Method method, std::string address, Duration timeout) {
+    return {method, std::move(address), timeout, fmt::format("{}/{}", Product::name, Product::version)};
+}
+
+} // namespace
+
+LegalUpdateService::LegalUpdateService(AppSettings& settings, const LegalCorpusStore& store,
+                                       LegalCorpus& corpus, HttpClient& client, Runtime runtime) :
+    settings_(settings),
+    store_(store),
+    corpus_(corpus),
+    client_(client),
+    runtime_(runtime) {
+    if (auto manifest = store_.currentManifest()) laws.set(std::move(manifest->laws));
+}
+
+void LegalUpdateService::checkIfDue() {
+    if (!settings_.updateLawsAutomatically.get()) {
+        trace("Selbsttätige Prüfung ist abgeschaltet.");
+    } else if (!isDue()) {
+        trace("Prüfung noch nicht fällig.");
+    } else {
+        start(Initiator::timer);
+    }
+}
+
+void LegalUpdateService::checkNow() { start(Initiator::user); }
+
+bool LegalUpdateService::isDue() const {
+    const auto last = settings_.lawsLastChecked.get();
+    if (!last || runtime_.clock.now() - *last >= checkInterval) return true;
+    // A program without law texts is of little use: it tries again at each start.
+    return std::ranges::any_of(laws.get(), [](const auto& row) { return row.sectionCount == 0; });
+}
+
+void LegalUpdateService::start(Initiator initiator) {
+    if (!isRunning_) tasks_.start(run(initiator));
+}
+
+Task<> LegalUpdateService::run(Initiator initiator) {
+    isRunning_ = true;
+    Stage end;
+    try {
+        end = co_await update(initiator);
+    } catch (const std::exception& fault) {
+        note(fmt::format("Interner Fehler: {}", typeid(fault).name()));
+        end = Failed{"Bei der Aktualisierung trat ein interner Fehler auf."};
+    }
+    isRunning_ = false;
+    stage.set(std::move(end));
+}
+
+Task<LegalUpdateService::Stage> LegalUpdateService::update(Initiator initiator) {
+    auto manifest = store_.currentManifest();
+    if (!manifest) co_return Failed{"Kein Gesetzesmanifest gefunden."};
+
+    auto changed = co_await changedLaws(*manifest);
+    settings_.recordLawCheck(runtime_.clock.now());
+    if (changed.empty()) {
+        note("Alle Gesetzesstände aktuell.");
+        if (initiator == Initiator::user) co_return UpToDate{};
+        co_return Idle{};
+    }
+
+    auto load = [file = store_.corpusURL()] {
+        return file ? loadCorpus(*file) : std::unexpected(std::string());
+    };
+    auto present = co_await background(runtime_, std::move(load));
+    if (!present) co_return Failed{"Der vorhandene Gesetzesbestand ließ sich nicht lesen."};
+    LegalPair pair{std::move(present->content), std::move(*manifest)};
+
+    auto updated = co_await download(std::move(changed), pair);
+    if (updated.empty()) co_return Failed{"Keine der neuen Fassungen ließ sich laden."};
+
+    stage.set(Applying{});
+    auto rows = pair.manifest.laws;
+    auto write = [&store = store_, pair = std::move(pair), now = runtime_.clock.now()]() mutable {
+        return store.write(std::move(pair), now);
+    };
+    const auto written = co_await background(runtime_, std::move(write));
+    if (!written) {
+        store_.discardUpdated();
+        co_return Failed{"Speichern fehlgeschlagen: " + written.error()};
+    }
+    auto reload = [&corpus = corpus_] { return corpus.reload(); };
+    co_await background(runtime_, std::move(reload));
+    laws.set(std::move(rows));
+    note(fmt::format("Aktualisiert: {}", fmt::join(updated, ", ")));
+    co_return Updated{std::move(updated)};
+}
+
+Task<std::vector<LegalManifestEntry>> LegalUpdateService::changedLaws(const LegalManifest& manifest) {
+    const auto total = manifest.laws.size();
+    stage.set(Checking{0, total});
+    note(fmt::format("Prüfe {} Gesetze auf neue Fassungen…", total));
+    std::vector<LegalManifestEntry> changed;
+    for (std::size_t done = 0; done < total; ++done) {
+        const auto& row = manifest.laws[done];
+        stage.set(Checking{done, total});
+        const auto value = co_await lastModified(row.source);
+        if (!value) {
+            note(fmt::format("{}: nicht erreichbar – {}", row.abbr, value.error().description));
+        } else if (!value->empty() && *value != row.lastModified) {
+            note(fmt::format("{}: neue Fassung ({}).", row.abbr, *value));
+            changed.push_back(row);
+        }
+    }
+    co_return changed;
+}
+
+Task<std::vector<std::string>> LegalUpdateService::download(std::vector<LegalManifestEntry> changed,
+                                                            LegalPair& pair) {
+    std::vector<std::string> updated;
+    for (std::size_t done = 0; done < changed.size(); ++done) {
+        const auto& row = changed[done];
+        stage.set(Downloading{row.abbr, done, changed.size()});
+        auto edition = co_await downloadLaw(row);
+        if (!edition) {
+            note(fmt::format("{} fehlgeschlagen: {}", row.abbr, edition.error()));
+            continue;
+        }
+        note(fmt::format("{} erneuert: {} Paragraphen.", row.abbr, edition->law.sections.size()));
+        updated.push_back(row.abbr);
+        pair.put(std::move(*edition));
+    }
+    co_return updated;
+}
+
+Task<std::expected<LawEdition, std::string>> LegalUpdateService::downloadLaw(LegalManifestEntry entry) {
+    if (!isAddress(entry.source)) {
+        const LegalUpdateError error{LegalUpdateError::Kind::badSource, entry.abbr};
+        co_return std::unexpected(error.description());
+    }
+    auto response = co_await client_.send(request(HttpRequest::Method::get, entry.source, getTimeout));
+    if (!response) co_return std::unexpected(std::move(response.error().description));
+    // Whatever the status: an error page is no archive.
+    std::string lastModified(response->header(lastModifiedHeader).value_or(entry.lastModified));
+    auto read = [entry = std::move(entry), archive = std::move(response->body)] {
+        return lawFromArchive(entry, archive);
+    };
+    auto law = co_await background(runtime_, std::move(read));
+    if (!law) co_return std::unexpected(std::move(law.error()));
+    LawEdition edition{std::move(*law), std::move(lastModified)};
+    co_return edition;
+}
+
+Task<std::expected<std::string, HttpError>> LegalUpdateService::lastModified(std::string source) {
+    if (!isAddress(source)) co_return std::string();
+    const auto response =
+        co_await client_.send(request(HttpRequest::Method::head, std::move(source), headTimeout));
+    if (!response) co_return std::unexpected(response.error());
+    co_return std::string(response->header(lastModifiedHeader).value_or(""));
+}
+
+} // namespace querlin

@@ -1,0 +1,368 @@
+#include "legal/LegalXMLParser.h"
+
+#include "foundation/Graphemes.h"
+#include "foundation/Pattern.h"
+#include "foundation/Release.h"
+#include "foundation/TextCase.h"
+#include "foundation/Trimming.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+#include <map>
+#include <memory>
+#include <new>
+
+#include <expat.h>
+#include <fmt/format.h>
+
+namespace querlin::LegalXMLParser {
+
+std::string ParseError::description() const {
+    return fmt::format("Gesetzestext nicht lesbar: {}", detail.empty() ? "unbekannt" : detail);
+}
+
+namespace {
+
+/// The elements that mean something here.
+enum class Element : std::uint8_t {
+    other,
+    norm,
+    metadaten,
+    text,
+    standangabe,
+    // What stands within "metadaten"
+    langue,
+    enbez,
+    titel,
+    standtyp,
+    standkommentar,
+    gliederungskennzahl,
+    gliederungsbez,
+    gliederungstitel,
+    // What gives the text its form
+    paragraph,
+    line,
+    cell
+};
+
+constexpr auto elementNames = std::to_array<std::pair<std::string_view, Element>>({
+    {"P", Element::paragraph},
+    {"DT", Element::line},
+    {"BR", Element::line},
+    {"tr", Element::line},
+    {"row", Element::line},
+    {"td", Element::cell},
+    {"entry", Element::cell},
+    {"norm", Element::norm},
+    {"metadaten", Element::metadaten},
+    {"text", Element::text},
+    {"enbez", Element::enbez},
+    {"titel", Element::titel},
+    {"langue", Element::langue},
+    {"standangabe", Element::standangabe},
+    {"standtyp", Element::standtyp},
+    {"standkommentar", Element::standkommentar},
+    {"gliederungskennzahl", Element::gliederungskennzahl},
+    {"gliederungsbez", Element::gliederungsbez},
+    {"gliederungstitel", Element::gliederungstitel},
+});
+
+Element elementNamed(std::string_view name) {
+    const auto* found = std::ranges::find(elementNames, name, &std::pair<std::string_view, Element>::first);
+    return found == elementNames.end() ? Element::other : found->second;
+}
+
+/// What an element puts in front of its content.
+std::string_view separatorOf(Element element) {
+    switch (element) {
+    case Element::paragraph:
+        return "\n\n";
+    case Element::line:
+        return "\n";
+    case Element::cell:
+        return "\t";
+    default:
+        return "";
+    }
+}
+
+/// No law comes near it.
+constexpr std::size_t deepestNesting = 256;
+
+constexpr std::string_view noBreakSpace = "\u00A0";
+
+/// Brings the text of a section into its form: runs of blanks are one blank, none stand at a line's ends, one
+/// empty line at most stands between two lines. The tabs in front of table cells stay; those of the source
+/// have become blanks before.
+std::string cleaned(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    std::size_t lineFeeds = 0;
+    bool hasBlank = false;
+    while (!text.empty()) {
+        if (text.front() == '\n') {
+            ++lineFeeds;
+            text.remove_prefix(1);
+        } else if (text.front() == ' ' || text.starts_with(noBreakSpace)) {
+            hasBlank = true;
+            text.remove_prefix(text.front() == ' ' ? 1 : noBreakSpace.size());
+        } else {
+            if (lineFeeds > 0) {
+                result.append(std::min<std::size_t>(lineFeeds, 2), '\n');
+            } else if (hasBlank) {
+                result += ' ';
+            }
+            lineFeeds = 0;
+            hasBlank = false;
+            const auto length = std::min(text.find_first_of(" \n\xC2", 1), text.size());
+            result += text.substr(0, length);
+            text.remove_prefix(length);
+        }
+    }
+    return std::string(trimWhitespaceAndNewlines(result));
+}
+
+struct SectionNumber {
+    std::string digits;
+    std::string suffix;
+};
+
+/// "§ 1814A Überschrift" -> "1814", "a".
+std::optional<SectionNumber> sectionNumber(const std::string& designation) {
+    static const Pattern pattern(R"(^§+\s*(\d+)([a-z]*))", LetterCase::ignored);
+    std::optional<SectionNumber> number;
+    pattern.replaceEach(designation, [&number](Pattern::Groups groups) -> std::optional<std::string> {
+        number = {std::string(groups[1]), lowercase(groups[2])};
+        return std::nullopt;
+    });
+    return number;
+}
+
+/// 0 if it doesn't fit.
+std::int64_t valueOf(std::string_view digits) {
+    std::int64_t value = 0;
+    const auto* end = digits.data() + digits.size();
+    const auto [behind, error] = std::from_chars(digits.data(), end, value);
+    return error == std::errc() && behind == end ? value : 0;
+}
+
+/// Keeps the state between the parser's events, and closes one "norm" at a time.
+class Reader {
+public:
+    explicit Reader(std::span<const LegalManifestEntry::Range> priorityRanges) :
+        priorityRanges_(priorityRanges) {}
+
+    std::expected<Result, ParseError> read(std::string_view document);
+
+private:
+    using Attributes = const XML_Char**;
+
+    void begin(Element element, Attributes attributes);
+    void characters(std::string_view text);
+    void end();
+
+    void finishNorm();
+    void addHeading(std::string_view outlineNumber);
+    std::string outlinePath() const;
+    void refuse(std::string_view reason);
+    std::string* bufferOf(Element element);
+
+    std::span<const LegalManifestEntry::Range> priorityRanges_;
+    std::unique_ptr<XML_ParserStruct, Release<XML_ParserFree>> parser_{XML_ParserCreate(nullptr)};
+    std::string refusal_;
+    Result result_;
+
+    std::vector<Element> path_;
+    bool inText_ = false;
+    bool inMetadata_ = false;
+    bool isFirstNorm_ = true;
+    /// The headings above, by their level.
+    std::map<std::size_t, std::string> hierarchy_;
+
+    std::string text_;
+    std::string enbez_;
+    std::string titel_;
+    std::string standtyp_;
+    std::string standkommentar_;
+    std::string gliederungskennzahl_;
+    std::string gliederungsbez_;
+    std::string gliederungstitel_;
+};
+
+std::expected<Result, ParseError> Reader::read(std::string_view document) {
+    if (!parser_) throw std::bad_alloc();
+    auto* parser = parser_.get();
+    XML_SetUserData(parser, this);
+    XML_SetElementHandler(
+        parser,
+        [](void* self, const XML_Char* name, Attributes attributes) {
+            static_cast<Reader*>(self)->begin(elementNamed(name), attributes);
+        },
+        [](void* self, const XML_Char*) { static_cast<Reader*>(self)->end(); });
+    XML_SetCharacterDataHandler(parser, [](void* self, const XML_Char* text, int length) {
+        static_cast<Reader*>(self)->characters({text, static_cast<std::size_t>(length)});
+    });
+    XML_SetEntityDeclHandler(parser, [](void* self, const XML_Char*, int, const XML_Char*, int, const XML_Char*,
+                                        const XML_Char*, const XML_Char*, const XML_Char*) {
+        static_cast<Reader*>(self)->refuse("eigene Entitäten sind nicht erlaubt");
+    });
+    XML_SetSkippedEntityHandler(parser, [](void* self, const XML_Char*, int) {
+        static_cast<Reader*>(self)->refuse("unbekannte Entität");
+    });
+
+    auto status = XML_STATUS_OK;
+    do {
+        constexpr std::size_t largestPiece = std::numeric_limits<int>::max() / 2;
+        const auto piece = document.substr(0, largestPiece);
+        document.remove_prefix(piece.size());
+        status = XML_Parse(parser, piece.data(), static_cast<int>(piece.size()), document.empty() ? 1 : 0);
+    } while (status == XML_STATUS_OK && !document.empty());
+    if (status == XML_STATUS_OK) return std::move(result_);
+    if (!refusal_.empty()) return std::unexpected(ParseError{std::move(refusal_)});
+    const auto* words = XML_ErrorString(XML_GetErrorCode(parser));
+    return std::unexpected(
+        ParseError{fmt::format("{} (Zeile {})", words ? words : "", XML_GetCurrentLineNumber(parser))});
+}
+
+void Reader::begin(Element element, Attributes attributes) {
+    if (path_.size() >= deepestNesting) refuse("zu tief verschachtelt");
+    switch (element) {
+    case Element::norm:
+        for (; isFirstNorm_ && *attributes; attributes += 2) { // NOLINT: the library's pairs of strings
+            if (std::string_view(attributes[0]) == "builddate") result_.builddate = attributes[1];
+        }
+        for (auto* buffer :
+             {&enbez_, &titel_, &gliederungskennzahl_, &gliederungsbez_, &gliederungstitel_, &text_})
+            buffer->clear();
+        break;
+    case Element::metadaten:
+        inMetadata_ = true;
+        break;
+    case Element::text:
+        inText_ = true;
+        text_.clear();
+        break;
+    case Element::standangabe:
+        standtyp_.clear();
+        standkommentar_.clear();
+        break;
+    default:
+        if (inText_) text_ += separatorOf(element);
+    }
+    path_.push_back(element);
+}
+
+void Reader::characters(std::string_view text) {
+    if (path_.empty()) return;
+    if (inText_) {
+        const auto start = text_.size();
+        text_ += text;
+        // From here on a tab stands in front of a table's cell and nowhere else.
+        std::replace(text_.begin() + static_cast<std::ptrdiff_t>(start), text_.end(), '\t', ' ');
+    } else if (auto* buffer = inMetadata_ ? bufferOf(path_.back()) : nullptr) {
+        *buffer += text;
+    }
+}
+
+/// Where the characters of an element of the metadata go; nowhere for most.
+std::string* Reader::bufferOf(Element element) {
+    switch (element) {
+    case Element::langue:
+        return isFirstNorm_ ? &result_.name : nullptr;
+    case Element::enbez:
+        return &enbez_;
+    case Element::titel:
+        return &titel_;
+    case Element::standtyp:
+        return &standtyp_;
+    case Element::standkommentar:
+        return &standkommentar_;
+    case Element::gliederungskennzahl:
+        return &gliederungskennzahl_;
+    case Element::gliederungsbez:
+        return &gliederungsbez_;
+    case Element::gliederungstitel:
+        return &gliederungstitel_;
+    default:
+        return nullptr;
+    }
+}
+
+void Reader::end() {
+    const auto element = path_.back();
+    path_.pop_back();
+    switch (element) {
+    case Element::metadaten:
+        inMetadata_ = false;
+        break;
+    case Element::text:
+        inText_ = false;
+        break;
+    case Element::standangabe:
+        if (trimBlanksAndTabs(standtyp_) == "Stand" && result_.stand.empty())
+            result_.stand = trimWhitespaceAndNewlines(standkommentar_);
+        break;
+    case Element::norm:
+        finishNorm();
+        isFirstNorm_ = false;
+        break;
+    default:
+        break;
+    }
+}
+
+void Reader::finishNorm() {
+    if (const auto outlineNumber = trimBlanksAndTabs(gliederungskennzahl_); !outlineNumber.empty()) {
+        addHeading(outlineNumber);
+        return;
+    }
+    const std::string designation(trimWhitespaceAndNewlines(enbez_));
+    const auto number = sectionNumber(designation);
+    if (!number) return;
+    auto text = cleaned(text_);
+    if (text.empty()) return;
+    LegalSection section;
+    section.number = valueOf(number->digits);
+    section.priority = std::ranges::any_of(priorityRanges_, [&](const auto& range) {
+        return range.first <= section.number && section.number <= range.second;
+    });
+    section.id = number->digits + number->suffix;
+    section.suffix = number->suffix;
+    section.label = designation;
+    section.title = trimWhitespaceAndNewlines(titel_);
+    section.path = outlinePath();
+    section.text = std::move(text);
+    result_.sections.push_back(std::move(section));
+}
+
+void Reader::addHeading(std::string_view outlineNumber) {
+    constexpr std::size_t digitsOfALevel = 3;
+    const auto level = graphemeCount(outlineNumber) / digitsOfALevel;
+    const auto bez = trimWhitespaceAndNewlines(gliederungsbez_);
+    const auto titel = trimWhitespaceAndNewlines(gliederungstitel_);
+    hierarchy_[level] = fmt::format("{}{}{}", bez, bez.empty() || titel.empty() ? "" : " – ", titel);
+    hierarchy_.erase(hierarchy_.upper_bound(level), hierarchy_.end());
+}
+
+std::string Reader::outlinePath() const {
+    std::string path;
+    for (const auto& [level, heading] : hierarchy_) path.append(path.empty() ? "" : " / ").append(heading);
+    return path;
+}
+
+/// Stops the reading; the first reason counts.
+void Reader::refuse(std::string_view reason) {
+    if (refusal_.empty()) refusal_ = reason;
+    XML_StopParser(parser_.get(), XML_FALSE);
+}
+
+} // namespace
+
+std::expected<Result, ParseError> parse(std::string_view document,
+                                        std::span<const LegalManifestEntry::Range> priorityRanges) {
+    return Reader(priorityRanges).read(document);
+}
+
+} // namespace querlin::LegalXMLParser

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace querlin {
+
+/// How a blob looks for bytes: with the processor's wide registers or without.
+enum class Scanning : std::uint8_t { portable, avx2 };
+
+/// The better one of those that this processor has.
+Scanning bestScanning();
+
+/// Many texts in small letters, one behind the other in one stretch of memory, to be searched by bytes.
+///
+/// Each text ends with a line feed. Once filled it never changes; then any thread may search it.
+class TextBlob {
+public:
+    /// Room for so many texts of so many bytes.
+    TextBlob(std::size_t texts, std::size_t bytes);
+
+    void append(std::string_view text);
+    std::size_t count() const { return starts_.size() - 1; }
+
+    /// The numbers of texts, from and behind the last.
+    struct Range {
+        std::size_t first = 0;
+        std::size_t end = 0;
+    };
+    /// Takes the number of a text; false ends the search.
+    using Visitor = std::function<bool(std::size_t)>;
+
+    /// Calls with each text of the range that holds the bytes, in their order and each once. No bytes are
+    /// held by none.
+    void search(std::string_view bytes, Range range, const Visitor& visit,
+                Scanning scanning = bestScanning()) const;
+
+private:
+    class Cursor;
+
+    std::string bytes_;
+    /// Where each text begins, and the length of all.
+    std::vector<std::uint32_t> starts_{0};
+};
+
+} // namespace querlin
