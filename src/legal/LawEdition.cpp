@@ -8,7 +8,8 @@
 
 namespace querlin {
 
-std::expected<LegalLaw, std::string> lawFromArchive(const LegalManifestEntry& entry, std::string_view archive) {
+std::expected<LegalLaw, std::string> lawFromArchive(const LegalManifestEntry& entry,
+                                                    std::string_view archive) {
     const auto document = ZipReader::firstFile(archive, ".xml");
     if (!document) return std::unexpected(document.error().description());
     auto parsed = LegalXMLParser::parse(*document, entry.ranges());

@@ -18,15 +18,16 @@ struct LawEdition {
 
 /// Makes a law out of its archive and what the manifest knows of it. The error is a German sentence. Any
 /// thread.
-std::expected<LegalLaw, std::string> lawFromArchive(const LegalManifestEntry& entry, std::string_view archive);
+std::expected<LegalLaw, std::string> lawFromArchive(const LegalManifestEntry& entry,
+                                                    std::string_view archive);
 
 /// The two files that belong together.
 struct LegalPair {
     LegalCorpusFile corpus;
     LegalManifest manifest;
 
-    /// Puts the edition in the place of the law with its abbreviation, or behind all others, and writes in its
-    /// row of the manifest which one it is.
+    /// Puts the edition in the place of the law with its abbreviation, or behind all others, and writes in
+    /// its row of the manifest which one it is.
     void put(LawEdition edition);
 };
 

@@ -126,10 +126,10 @@ LegalCorpus::SnapshotPointer LegalCorpus::loaded() {
         return nullptr;
     }
     constexpr double bytesInMegabyte = 1'048'576;
-    DiagnosticsLog::trace(
-        "legal", fmt::format("Korpus entpackt und gelesen in {:.2f} s ({:.1f} MB)",
-                             inSeconds(clock_.instant() - started),
-                             static_cast<double>(corpus->documentLengthInBytes) / bytesInMegabyte));
+    DiagnosticsLog::trace("legal",
+                          fmt::format("Korpus entpackt und gelesen in {:.2f} s ({:.1f} MB)",
+                                      inSeconds(clock_.instant() - started),
+                                      static_cast<double>(corpus->documentLengthInBytes) / bytesInMegabyte));
     auto snapshot = std::make_shared<const Snapshot>(std::move(corpus->content.laws));
     {
         const std::scoped_lock guard(lock_);

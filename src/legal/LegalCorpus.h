@@ -3,7 +3,7 @@
 #include "foundation/Clock.h"
 #include "foundation/Executor.h"
 #include "legal/LegalCorpusStore.h"
-#include "legal/LegalLaw.h"
+#include "legal/LegalLookup.h"
 
 #include <cstddef>
 #include <memory>
@@ -21,12 +21,12 @@ namespace querlin {
 /// What is loaded is one snapshot that never changes and is replaced as a whole: an answer, once begun, is
 /// given from one version of the laws. A corpus that can't be loaded has no laws, and every call tries
 /// again; only the log tells why.
-class LegalCorpus {
+class LegalCorpus final : public LegalLookup {
 public:
     static constexpr std::size_t defaultLimit = 80;
 
     LegalCorpus(const LegalCorpusStore& store, const Clock& clock);
-    ~LegalCorpus();
+    ~LegalCorpus() override;
     LegalCorpus(const LegalCorpus&) = delete;
     LegalCorpus& operator=(const LegalCorpus&) = delete;
 
@@ -41,18 +41,15 @@ public:
 
     std::vector<LegalLaw> laws();
 
-    /// A section by its id; case counts neither there nor in the law's abbreviation. Of two with one id it is
-    /// the later.
-    std::optional<LegalSection> section(std::string_view id, std::string_view law);
-    /// From the first law that has such a section.
-    std::optional<LegalHit> sectionInAnyLaw(std::string_view id);
+    std::optional<LegalSection> section(std::string_view id, std::string_view law) override;
+    std::optional<LegalHit> sectionInAnyLaw(std::string_view id) override;
 
     /// One line for each law: "BGB: 2541 §§, Stand 31.12.2023 – Zuletzt geändert durch …".
     std::vector<std::string> standSummary();
 
     /// What a user may have meant, the likeliest first: sections with exactly this number, then those whose
-    /// number begins so, then those with the words in the title, then in the text; within each in the order of
-    /// the laws. A law's abbreviation anywhere in the query restricts it to that law: "1814 BGB".
+    /// number begins so, then those with the words in the title, then in the text; within each in the order
+    /// of the laws. A law's abbreviation anywhere in the query restricts it to that law: "1814 BGB".
     std::vector<LegalHit> search(std::string_view query, std::size_t limit = defaultLimit);
 
 private:

@@ -83,7 +83,7 @@ public:
         if (current_ == list) return false;
         const auto* member = std::get_if<Value Record::*>(&fields_[current_].member);
         if (!member) return false;
-        record_->**member = std::move(value);
+        record_->** member = std::move(value);
         seen_ |= 1U << current_;
         return true;
     }
@@ -109,7 +109,9 @@ class CorpusBuilder {
 public:
     explicit CorpusBuilder(std::shared_ptr<const void> document) : document_(std::move(document)) {}
 
-    bool Null() { return plain([](auto& reader) { return !reader.isKnown(); }); }
+    bool Null() {
+        return plain([](auto& reader) { return !reader.isKnown(); });
+    }
     bool Bool(bool value) { return put(value); }
     bool Int(int value) { return put(std::int64_t{value}); }
     bool Uint(unsigned value) { return put(std::int64_t{value}); }
@@ -120,9 +122,8 @@ public:
     bool String(const char* text, rapidjson::SizeType length, bool) {
         const std::string_view view(text, length);
         if (!isValidUtf8(view)) return false;
-        return plain([&](auto& reader) {
-            return !reader.isKnown() || reader.put(SharedText(document_, view));
-        });
+        return plain(
+            [&](auto& reader) { return !reader.isKnown() || reader.put(SharedText(document_, view)); });
     }
     bool Key(const char* text, rapidjson::SizeType length, bool) {
         if (unknownDepth_ > 0) return true;
@@ -307,7 +308,9 @@ std::string LegalCorpusFile::toJson() const {
 }
 
 std::expected<LoadedCorpus, std::string> loadCorpus(const std::filesystem::path& file) {
-    const auto failed = [](std::string_view reason) { return fmt::format("Laden fehlgeschlagen: {}", reason); };
+    const auto failed = [](std::string_view reason) {
+        return fmt::format("Laden fehlgeschlagen: {}", reason);
+    };
     auto container = Files::read(file);
     if (!container) return std::unexpected(failed(container.error().description()));
     auto document = CorpusContainer::inflate(*container);

@@ -63,7 +63,8 @@ std::expected<void, std::string> LegalCorpusStore::write(LegalPair pair, Date no
 
     constexpr std::size_t dayInCharacters = 10;
     pair.manifest.generated = isoDate(now).substr(0, dayInCharacters);
-    if (const auto written = Files::writeAtomically(updatedManifestURL(), Json::pretty(toJson(pair.manifest)));
+    if (const auto written =
+            Files::writeAtomically(updatedManifestURL(), Json::pretty(toJson(pair.manifest)));
         !written)
         return failed(written.error());
     return {};

@@ -39,9 +39,9 @@ public:
     std::optional<LegalManifest> currentManifest() const;
     std::optional<LegalManifest> bundledManifest() const;
 
-    /// Stores a pair; the manifest gets the day as its own. At any moment of it, be it the last of the process,
-    /// each of the two files is whole, the old one or the new, and the manifest is never newer than the corpus:
-    /// what it doesn't know of yet is fetched once more. The error is a German sentence.
+    /// Stores a pair; the manifest gets the day as its own. At any moment of it, be it the last of the
+    /// process, each of the two files is whole, the old one or the new, and the manifest is never newer than
+    /// the corpus: what it doesn't know of yet is fetched once more. The error is a German sentence.
     std::expected<void, std::string> write(LegalPair pair, Date now) const;
 
 private:

@@ -72,10 +72,10 @@ std::optional<LegalManifestEntry> readJson(const JsonValue& json, const LegalMan
     if (!abbr || !slug || !source || !tier || !ranges || !builddate || !stand || !lastModified ||
         !sectionCount || !sha256)
         return std::nullopt;
-    return LegalManifestEntry{std::move(*abbr),  std::move(*slug),         std::move(*source),
-                              *tier,             std::move(*ranges),       std::move(*builddate),
-                              std::move(*stand), std::move(*lastModified), *sectionCount,
-                              std::move(*sha256)};
+    return LegalManifestEntry{
+        std::move(*abbr),   std::move(*slug),      std::move(*source), *tier,
+        std::move(*ranges), std::move(*builddate), std::move(*stand),  std::move(*lastModified),
+        *sectionCount,      std::move(*sha256)};
 }
 
 JsonValue toJson(const LegalManifest& manifest) {

@@ -44,11 +44,7 @@ HttpRequest request(HttpRequest::Method method, std::string address, Duration ti
 
 LegalUpdateService::LegalUpdateService(AppSettings& settings, const LegalCorpusStore& store,
                                        LegalCorpus& corpus, HttpClient& client, Runtime runtime) :
-    settings_(settings),
-    store_(store),
-    corpus_(corpus),
-    client_(client),
-    runtime_(runtime) {
+    settings_(settings), store_(store), corpus_(corpus), client_(client), runtime_(runtime) {
     if (auto manifest = store_.currentManifest()) laws.set(std::move(manifest->laws));
 }
 

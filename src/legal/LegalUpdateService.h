@@ -67,9 +67,10 @@ struct Failed {
 /// is done in the background. One update at a time.
 class LegalUpdateService {
 public:
-    using Stage = std::variant<LegalUpdateStage::Idle, LegalUpdateStage::Checking, LegalUpdateStage::Downloading,
-                               LegalUpdateStage::Applying, LegalUpdateStage::Updated, LegalUpdateStage::UpToDate,
-                               LegalUpdateStage::Failed>;
+    using Stage =
+        std::variant<LegalUpdateStage::Idle, LegalUpdateStage::Checking, LegalUpdateStage::Downloading,
+                     LegalUpdateStage::Applying, LegalUpdateStage::Updated, LegalUpdateStage::UpToDate,
+                     LegalUpdateStage::Failed>;
 
     static constexpr Duration checkInterval = std::chrono::days(30);
 

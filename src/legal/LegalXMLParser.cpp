@@ -204,8 +204,8 @@ std::expected<Result, ParseError> Reader::read(std::string_view document) {
     XML_SetCharacterDataHandler(parser, [](void* self, const XML_Char* text, int length) {
         static_cast<Reader*>(self)->characters({text, static_cast<std::size_t>(length)});
     });
-    XML_SetEntityDeclHandler(parser, [](void* self, const XML_Char*, int, const XML_Char*, int, const XML_Char*,
-                                        const XML_Char*, const XML_Char*, const XML_Char*) {
+    XML_SetEntityDeclHandler(parser, [](void* self, const XML_Char*, int, const XML_Char*, int,
+                                        const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
         static_cast<Reader*>(self)->refuse("eigene Entitäten sind nicht erlaubt");
     });
     XML_SetSkippedEntityHandler(parser, [](void* self, const XML_Char*, int) {

@@ -12,7 +12,7 @@ std::size_t sectionCount(std::span<const LegalLaw> laws) {
     return count;
 }
 
-std::size_t bytesOf(std::span<const LegalLaw> laws, SharedText LegalSection::*member) {
+std::size_t bytesOf(std::span<const LegalLaw> laws, SharedText LegalSection::* member) {
     std::size_t bytes = 0;
     for (const auto& law : laws) {
         for (const auto& section : law.sections) bytes += (section.*member).view().size() + 1;

@@ -18,7 +18,8 @@ namespace {
 constexpr auto nowhere = std::string_view::npos;
 
 /// The bytes of German law texts in small letters, the commonest first; all others are rarer.
-constexpr std::string_view commonestFirst = " enirtsahdugclbomf.kz,w\xC3\xBCv1p2s3)(\xA4\n""54\xB6\x9F-6798j0\xA7\xC2qx;y\xE2\x80:/";
+constexpr std::string_view commonestFirst = " enirtsahdugclbomf.kz,w\xC3\xBCv1p2s3)(\xA4\n"
+                                            "54\xB6\x9F-6798j0\xA7\xC2qx;y\xE2\x80:/";
 
 constexpr auto commonness = [] {
     std::array<std::uint8_t, 256> table{};
@@ -41,8 +42,8 @@ public:
         for (std::size_t chosen = 0; chosen < count; ++chosen) {
             std::size_t best = nowhere;
             for (std::size_t i = 0; i < term.size(); ++i) {
-                const bool isTaken = std::find(offsets.begin(), offsets.begin() + chosen, i) !=
-                                     offsets.begin() + chosen;
+                const bool isTaken =
+                    std::find(offsets.begin(), offsets.begin() + chosen, i) != offsets.begin() + chosen;
                 if (!isTaken && (best == nowhere || isRarer(i, best))) best = i;
             }
             // A term shorter than that is probed twice at one place.
@@ -73,7 +74,8 @@ std::size_t findPortably(std::string_view text, std::string_view term, std::size
     const auto thirdByte = _mm256_set1_epi8(term[third]);
     const auto* bytes = text.data();
     const auto at = [bytes](std::size_t offset) __attribute__((target("avx2"))) {
-        return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes + offset)); // NOLINT: as it is loaded
+        return _mm256_loadu_si256(
+            reinterpret_cast<const __m256i*>(bytes + offset)); // NOLINT: as it is loaded
     };
     for (; from + width + furthest <= text.size(); from += width) {
         const auto both = _mm256_and_si256(_mm256_cmpeq_epi8(at(from + first), firstByte),

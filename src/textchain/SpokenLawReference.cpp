@@ -11,8 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <deque>
-#include <vector>
 
 #include <fmt/format.h>
 
@@ -284,32 +282,15 @@ std::string replacement(const Token& first, std::string_view text, const Token& 
 std::string normalizeReferences(std::string_view text) {
     constexpr auto marker = Requirement::oneOf("paragra|parapgraph|§");
     if (!marker.isMetBy(text)) return std::string(text);
-    const Tokenizer::Split split(text);
-    const auto tokens = split.tokens();
-    std::vector<Token> result;
-    std::deque<std::string> citations;
-    std::size_t unchanged = 0; // The first token that isn't in the result yet.
-    const auto keepUpTo = [&](std::size_t end) {
-        if (unchanged == end) return;
-        const auto* start = tokens[unchanged].raw.data();
-        const auto& last = tokens[end - 1];
-        result.push_back({{start, last.raw.data() + last.raw.size()}, "unchanged"});
-    };
-    for (std::size_t at = 0; at < tokens.size();) {
-        const auto parsed =
-            isParagraphMarker(tokens[at]) ? parseReference(tokens, at, Marker::required) : std::nullopt;
-        if (!parsed) {
-            ++at;
-            continue;
-        }
-        keepUpTo(at);
-        citations.push_back(
-            replacement(tokens[at], parsed->reference.formatted(), tokens[parsed->endIndex - 1]));
-        result.push_back({citations.back(), ""});
-        at = unchanged = parsed->endIndex;
-    }
-    keepUpTo(tokens.size());
-    return Tokenizer::join(result);
+    return Tokenizer::replacing(
+        text, [](Tokens tokens, std::size_t at) -> std::optional<Tokenizer::Replacement> {
+            const auto parsed =
+                isParagraphMarker(tokens[at]) ? parseReference(tokens, at, Marker::required) : std::nullopt;
+            if (!parsed) return std::nullopt;
+            const auto& last = tokens[parsed->endIndex - 1];
+            return Tokenizer::Replacement{replacement(tokens[at], parsed->reference.formatted(), last),
+                                          parsed->endIndex};
+        });
 }
 
 } // namespace SpokenLawReference

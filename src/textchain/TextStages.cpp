@@ -1,5 +1,6 @@
 #include "textchain/TextStages.h"
 
+#include "textchain/LawInsertion.h"
 #include "textchain/LegalFormatting.h"
 #include "textchain/SpokenLawReference.h"
 
@@ -15,7 +16,7 @@ TextBlockExpander::Outcome TextChain::expandBlocks(std::string_view text, std::s
 }
 
 std::string TextChain::processLawReferences(std::string_view text) {
-    return SpokenLawReference::normalizeReferences(text);
+    return SpokenLawReference::normalizeReferences(SpokenLawReference::applyInsertCommands(text, laws_));
 }
 
 std::string TextChain::formatLegally(std::string_view text) { return LegalFormatting::apply(text); }

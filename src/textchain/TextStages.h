@@ -12,6 +12,8 @@
 
 namespace querlin {
 
+class LegalLookup;
+
 /// The German text stages between the recogniser and the target, as the pipeline calls them, in their
 /// order. Each passes through unchanged what it can't read. Main thread.
 class TextStages {
@@ -23,7 +25,8 @@ public:
     /// "Baustein Grußformel" -> the block's content, its placeholders filled in for `now`.
     virtual TextBlockExpander::Outcome expandBlocks(std::string_view text, std::span<const TextBlock> blocks,
                                                     Date now) = 0;
-    /// Citations: "Paragraf 5 BGB" -> "§ 5 BGB".
+    /// The wording of laws where the speaker asks for it, then citations: "Paragraf 5 BGB" -> "§ 5 BGB",
+    /// within inserted wording too.
     virtual std::string processLawReferences(std::string_view text) = 0;
     /// Dates and file numbers in one form: "3. März 2024" -> "03.03.2024".
     virtual std::string formatLegally(std::string_view text) = 0;
@@ -32,15 +35,20 @@ public:
     virtual std::string compactAddresses(std::string_view text, URLFormatting::AddressTest test) = 0;
 };
 
-/// The real stages.
+/// The real stages. The laws outlive them.
 class TextChain final : public TextStages {
 public:
+    explicit TextChain(LegalLookup& laws) : laws_(laws) {}
+
     DictationCommands::Outcome applyCommands(std::string_view text, DictationCommands::Mode mode) override;
     TextBlockExpander::Outcome expandBlocks(std::string_view text, std::span<const TextBlock> blocks,
                                             Date now) override;
     std::string processLawReferences(std::string_view text) override;
     std::string formatLegally(std::string_view text) override;
     std::string compactAddresses(std::string_view text, URLFormatting::AddressTest test) override;
+
+private:
+    LegalLookup& laws_;
 };
 
 } // namespace querlin

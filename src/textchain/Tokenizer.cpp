@@ -4,6 +4,8 @@
 #include "foundation/Graphemes.h"
 #include "foundation/Trimming.h"
 
+#include <deque>
+
 namespace querlin::Tokenizer {
 
 namespace {
@@ -37,6 +39,33 @@ std::string join(std::span<const Token> tokens) {
         text += token.raw;
     }
     return text;
+}
+
+std::string replacing(std::string_view text, const Replacing& at) {
+    const Split split(text);
+    const auto tokens = split.tokens();
+    std::vector<Token> result;
+    std::deque<std::string> made;
+    std::size_t unchanged = 0; // The first token that isn't in the result yet.
+    const auto keepUpTo = [&](std::size_t end) {
+        if (unchanged == end) return;
+        const auto* start = tokens[unchanged].raw.data();
+        const auto& last = tokens[end - 1];
+        result.push_back({{start, last.raw.data() + last.raw.size()}, "unchanged"});
+    };
+    for (std::size_t index = 0; index < tokens.size();) {
+        auto replacement = at(tokens, index);
+        if (!replacement) {
+            ++index;
+            continue;
+        }
+        keepUpTo(index);
+        made.push_back(std::move(replacement->text));
+        result.push_back({made.back(), ""});
+        index = unchanged = replacement->end;
+    }
+    keepUpTo(tokens.size());
+    return join(result);
 }
 
 std::string_view leadingWhitespace(std::string_view raw) {

@@ -2,6 +2,8 @@
 
 #include "foundation/Words.h"
 
+#include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -40,6 +42,16 @@ private:
 /// `normalized`; if its `raw` doesn't begin with white space it gets one blank in front, unless the text
 /// so far is empty or ends in white space.
 std::string join(std::span<const Token> tokens);
+
+/// What takes the place of some tokens, gap included, and the token behind them.
+struct Replacement {
+    std::string text;
+    std::size_t end = 0;
+};
+/// Asks at each token, from the first to the last, whether something that begins there is replaced; what
+/// isn't stays byte for byte.
+using Replacing = std::function<std::optional<Replacement>(std::span<const Token>, std::size_t)>;
+std::string replacing(std::string_view text, const Replacing& at);
 
 /// The white space at the beginning: "\n  Wort" -> "\n  ".
 std::string_view leadingWhitespace(std::string_view raw);

@@ -3,6 +3,7 @@
 #include "cleanup/RuleBasedEnhancer.h"
 #include "dictation/DictationController.h"
 #include "foundation/OneShot.h"
+#include "legal/LegalLookup.h"
 #include "support/CapturedLog.h"
 #include "support/ManualTime.h"
 #include "support/TempFolder.h"
@@ -293,7 +294,8 @@ struct FakeSurroundings {
     FakeInserter inserter;
     FakeStages stages;
     FakeEnhancer enhancer;
-    TextChain realStages;
+    NoLaws laws;
+    TextChain realStages{laws};
     RuleBasedEnhancer realEnhancer;
     FakeLanguageModel model;
     LocalFoundationEnhancer modelEnhancer{model};

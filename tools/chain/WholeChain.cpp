@@ -1,13 +1,15 @@
 #include "chain/WholeChain.h"
 
 #include "cleanup/RuleBasedEnhancer.h"
+#include "legal/LegalLookup.h"
 #include "textchain/TextStages.h"
 #include "textchain/Transcript.h"
 
 namespace querlin {
 
 ChainOutcome runWholeChain(std::string_view transcript, const ChainOptions& options) {
-    TextChain stages;
+    NoLaws none;
+    TextChain stages(options.laws ? *options.laws : none);
     auto text = normalizedTranscript(transcript);
     if (options.appliesCommands) {
         using DictationCommands::Mode;

@@ -10,6 +10,8 @@
 
 namespace querlin {
 
+class LegalLookup;
+
 /// What decides which stages run; the same as in the program's pipeline.
 struct ChainOptions {
     WritingStyle style = WritingStyle::aktenstil;
@@ -19,6 +21,8 @@ struct ChainOptions {
     bool appliesCommands = true;
     std::vector<TextBlock> blocks = TextBlock::builtIn();
     Date now;
+    /// Where law texts come from that the speaker asks for; null for nowhere.
+    LegalLookup* laws = nullptr;
 };
 
 struct ChainOutcome {

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "legal/LegalLaw.h"
+
+#include <optional>
+#include <string_view>
+
+namespace querlin {
+
+/// Finds the text of a section; what the text stages need of the laws. Any thread.
+class LegalLookup {
+public:
+    virtual ~LegalLookup() = default;
+    /// By the section's id and the law's abbreviation; case counts in neither. Of two sections with one id it
+    /// is the later.
+    virtual std::optional<LegalSection> section(std::string_view id, std::string_view law) = 0;
+    /// From the first law that has such a section.
+    virtual std::optional<LegalHit> sectionInAnyLaw(std::string_view id) = 0;
+};
+
+/// Where there are no law texts.
+class NoLaws final : public LegalLookup {
+public:
+    std::optional<LegalSection> section(std::string_view, std::string_view) override { return std::nullopt; }
+    std::optional<LegalHit> sectionInAnyLaw(std::string_view) override { return std::nullopt; }
+};
+
+} // namespace querlin
