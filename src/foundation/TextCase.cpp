@@ -133,9 +133,10 @@ void appendLowercase(std::string_view text, std::string& to) {
         return;
     }
     const auto before = to.size();
-    to.resize_and_overwrite(before + text.size(), [&](char* bytes, std::size_t size) {
+    const auto after = before + text.size();
+    to.resize_and_overwrite(after, [&](char* bytes, std::size_t /*room*/) {
         lowercaseLatin1(text, bytes + before);
-        return size;
+        return after;
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -27,8 +28,10 @@ public:
     operator std::string_view() const { return text_; }
     std::string_view view() const { return text_; }
 
-    friend bool operator==(const SharedText& a, const SharedText& b) { return a.text_ == b.text_; }
-    friend bool operator==(const SharedText& a, std::string_view b) { return a.text_ == b; }
+    template<std::convertible_to<std::string_view> Text>
+    friend bool operator==(const SharedText& a, const Text& b) {
+        return a.text_ == std::string_view(b);
+    }
 
 private:
     std::shared_ptr<const void> owner_;

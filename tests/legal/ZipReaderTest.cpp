@@ -1,5 +1,5 @@
 #include "legal/ZipReader.h"
-#include "legal/RawDeflate.h"
+#include "Archives.h"
 
 #include <filesystem>
 #include <fstream>
@@ -10,38 +10,7 @@
 namespace querlin {
 namespace {
 
-std::string number(std::size_t value, int bytes) {
-    std::string text;
-    for (int i = 0; i < bytes; ++i) text += static_cast<char>(value >> (8 * i));
-    return text;
-}
-
-struct Entry {
-    std::string name;
-    std::string content;
-    std::uint16_t method = 8;
-    std::string localExtra = {};
-    /// What the central entry says, where it lies.
-    std::optional<std::size_t> claimedLength = {};
-    std::optional<std::size_t> claimedPacked = {};
-};
-
-std::string archiveOf(const std::vector<Entry>& entries, const std::string& comment = "") {
-    std::string files, directory;
-    for (const auto& entry : entries) {
-        const auto packed = entry.method == 8 ? RawDeflate::deflate(entry.content) : entry.content;
-        const auto offset = files.size();
-        // Sizes are left to a data descriptor: they stand in the central directory alone.
-        files += "PK\x03\x04" + std::string(22, '\0') + number(entry.name.size(), 2) + number(entry.localExtra.size(), 2) + entry.name +
-                 entry.localExtra + packed;
-        directory += "PK\x01\x02" + std::string(6, '\0') + number(entry.method, 2) + std::string(8, '\0') +
-                     number(entry.claimedPacked.value_or(packed.size()), 4) +
-                     number(entry.claimedLength.value_or(entry.content.size()), 4) + number(entry.name.size(), 2) + std::string(12, '\0') +
-                     number(offset, 4) + entry.name;
-    }
-    return files + directory + "PK\x05\x06" + std::string(4, '\0') + number(entries.size(), 2) + number(entries.size(), 2) +
-           number(directory.size(), 4) + number(files.size(), 4) + number(comment.size(), 2) + comment;
-}
+using Entry = ArchivedFile;
 
 std::string outcomeOf(std::string_view archive) {
     const auto file = ZipReader::firstFile(archive, ".xml");
