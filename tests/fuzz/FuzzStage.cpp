@@ -1,5 +1,8 @@
-// One text stage under random bytes, in clang's libFuzzer: the first byte picks options, the rest is the
+// One stage under random bytes, in clang's libFuzzer: the first byte picks options, the rest is the
 // text. The environment variable QUERLIN_FUZZ_STAGE names the stage.
+
+#include "LegalStages.h"
+#include "Require.h"
 
 #include "chain/WholeChain.h"
 #include "cleanup/LocalFoundationEnhancer.h"
@@ -8,7 +11,6 @@
 #include "foundation/Graphemes.h"
 #include "foundation/Pattern.h"
 #include "foundation/Trimming.h"
-#include "foundation/Utf8.h"
 #include "textchain/DictationCommands.h"
 #include "textchain/DictationPreprocessor.h"
 #include "textchain/GermanNumberWords.h"
@@ -27,14 +29,6 @@
 
 namespace querlin {
 namespace {
-
-void require(bool holds, const char* what) {
-    if (holds) return;
-    std::fprintf(stderr, "Does not hold: %s\n", what);
-    std::abort();
-}
-
-void requireValid(std::string_view text) { require(isValidUtf8(text), "a stage gives well-formed text"); }
 
 namespace Stage {
 
@@ -193,6 +187,11 @@ constexpr auto targets = std::to_array<Target>({
     {"answers", Stage::answers},
     {"patterns", Stage::patterns},
     {"chain", Stage::chain},
+    {"archive", LegalStage::archive},
+    {"law", LegalStage::law},
+    {"corpus", LegalStage::corpus},
+    {"search", LegalStage::search},
+    {"insertion", LegalStage::insertion},
 });
 
 const Target& chosenTarget() {

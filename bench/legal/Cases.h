@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Corpus.h"
+#include "Report.h"
+
+namespace querlin::bench {
+
+/// What all cases share.
+struct Setting {
+    const Corpus& corpus;
+    Report& report;
+    /// Everything once and no more, to see whether ours and the peers agree.
+    bool isQuick = false;
+
+    std::size_t repetitions(std::size_t thorough) const { return isQuick ? 1 : thorough; }
+};
+
+/// Cold and warm loading, and its memory.
+void runLoadCases(const Setting& setting);
+/// Searches beside memmem, beside the bare reading of the bytes, and how often they allocate.
+void runSearchCases(const Setting& setting);
+
+} // namespace querlin::bench

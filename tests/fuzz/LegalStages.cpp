@@ -1,0 +1,132 @@
+#include "LegalStages.h"
+
+#include "Require.h"
+
+#include "foundation/TextCase.h"
+#include "foundation/Trimming.h"
+#include "legal/CorpusContainer.h"
+#include "legal/LegalCorpusFile.h"
+#include "legal/LegalLookup.h"
+#include "legal/LegalXMLParser.h"
+#include "legal/SearchIndex.h"
+#include "legal/TextBlob.h"
+#include "legal/ZipReader.h"
+#include "textchain/LawInsertion.h"
+#include "textchain/Transcript.h"
+
+#include <ranges>
+#include <vector>
+
+namespace querlin::LegalStage {
+
+void archive(std::string_view bytes, unsigned /*options*/) {
+    constexpr std::size_t mostBytesOutOfOne = 1032;
+    const auto file = ZipReader::firstFile(bytes, ".xml");
+    require(!file || file->size() <= bytes.size() * mostBytesOutOfOne, "a file is no longer than it can be");
+    require(file || !file.error().description().empty(), "a failure has words");
+}
+
+void law(std::string_view document, unsigned options) {
+    const std::vector<LegalManifestEntry::Range> ranges = {{1, options}};
+    const auto read = LegalXMLParser::parse(document, ranges);
+    if (!read) return require(!read.error().detail.empty(), "a failure has words");
+    for (const auto& section : read->sections) {
+        const auto text = section.text.view();
+        requireValid(text);
+        require(!text.empty() && trimWhitespaceAndNewlines(text) == text, "a text has words");
+        for (const std::string_view forbidden : {"\n\n\n", "  ", " \n", "\n ", "\u00A0"})
+            require(!text.contains(forbidden), "a text is in its form");
+        require(!section.label.view().empty(), "a section has a label");
+    }
+}
+
+void corpus(std::string_view bytes, unsigned options) {
+    // Every other input is a container, the others are the document in it.
+    const auto document = (options & 1U) != 0 ? CorpusContainer::inflate(bytes) : std::optional<std::string>(bytes);
+    if (!document) return;
+    const auto read = LegalCorpusFile::fromJson(*document);
+    if (!read) return require(!read.error().empty(), "a failure has words");
+    const auto again = LegalCorpusFile::fromJson(read->toJson());
+    require(again && *again == *read, "what is written is read");
+}
+
+void search(std::string_view text, unsigned options) {
+    std::vector<std::string> lines;
+    for (const auto part : std::views::split(text, '|')) lines.emplace_back(part.begin(), part.end());
+    if (lines.empty()) lines.emplace_back();
+    const auto term = lowercase(lines.front());
+    const auto count = lines.size() - 1;
+    TextBlob blob(count, text.size());
+    std::vector<LegalLaw> laws(2);
+    std::string all;
+    std::vector<std::size_t> starts;
+    for (std::size_t i = 0; i < count; ++i) {
+        blob.append(lines[i + 1]);
+        starts.push_back(all.size());
+        all += lowercase(lines[i + 1]) + "\n";
+        auto& section = laws[i < options ? 0 : 1].sections.emplace_back();
+        section.text = lines[i + 1];
+    }
+    starts.push_back(all.size());
+    std::vector<std::size_t> expected;
+    for (std::size_t i = 0; i < count && !term.empty(); ++i) {
+        const auto place = all.find(term, starts[i]);
+        if (place < starts[i + 1]) expected.push_back(i);
+    }
+    for (const auto scanning : {Scanning::portable, bestScanning()}) {
+        std::vector<std::size_t> found;
+        const auto take = [&found](std::size_t number) {
+            found.push_back(number);
+            return true;
+        };
+        blob.search(term, {0, count}, take, scanning);
+        require(found == expected, "what anyone would find is found");
+    }
+    std::size_t hits = 0;
+    const SearchIndex index(laws);
+    for (const auto& one : laws) {
+        index.matches(lines.front(), SearchIndex::Part::texts, &one, [&](const SearchIndex::Entry& entry) {
+            require(entry.law == &one, "a law restricts");
+            ++hits;
+            return true;
+        });
+    }
+    require(hits == expected.size(), "all laws together find everything");
+}
+
+namespace {
+
+/// Laws that say what they are asked for.
+class Echo final : public LegalLookup {
+public:
+    explicit Echo(std::string_view text) : text_(text) {}
+    std::optional<LegalSection> section(std::string_view id, std::string_view law) override {
+        if (law == "ZPO") return std::nullopt;
+        LegalSection section;
+        section.id = section.label = id;
+        section.title = law;
+        section.text = text_;
+        return section;
+    }
+    std::optional<LegalHit> sectionInAnyLaw(std::string_view id) override {
+        if (id == "7") return std::nullopt;
+        return LegalHit{"BGB", *section(id, "")};
+    }
+
+private:
+    SharedText text_;
+};
+
+} // namespace
+
+void insertion(std::string_view text, unsigned /*options*/) {
+    const auto spoken = normalizedTranscript(text);
+    Echo laws("(1) Eins\n(2) füge Paragraph 1 ein\n(2a) auch\n\n(3) Drei");
+    requireValid(SpokenLawReference::applyInsertCommands(spoken, laws));
+    Echo echo(spoken);
+    requireValid(SpokenLawReference::applyInsertCommands(spoken, echo));
+    NoLaws none;
+    require(SpokenLawReference::applyInsertCommands(spoken, none) == spoken, "without laws nothing changes");
+}
+
+} // namespace querlin::LegalStage

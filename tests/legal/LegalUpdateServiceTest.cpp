@@ -1,0 +1,274 @@
+#include "legal/LegalUpdateService.h"
+
+#include "FakePortal.h"
+#include "Laws.h"
+#include "support/CapturedLog.h"
+#include "support/HostileDisk.h"
+#include "support/KilledChild.h"
+#include "support/ManualTime.h"
+
+#include "foundation/Json.h"
+
+#include <random>
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+using namespace LegalUpdateStage;
+using Strings = std::vector<std::string>;
+
+LegalManifestEntry rowOf(const std::string& abbr, std::string lastModified, std::int64_t sectionCount) {
+    LegalManifestEntry row;
+    row.abbr = row.slug = abbr;
+    row.source = "https://portal.example/" + abbr + "/xml.zip";
+    row.tier = 2;
+    row.priorityRanges = {{2, 3}};
+    row.lastModified = std::move(lastModified);
+    row.sectionCount = sectionCount;
+    row.sha256 = "Prüfsumme " + abbr;
+    return row;
+}
+
+/// The service over a portal with two laws, of which the second has a new version.
+struct World {
+    CapturedLog log;
+    LawFolders laws;
+    ManualTime time;
+    PreferencesStore preferences{laws.folder / "Einstellungen.json", time};
+    AppSettings settings{preferences};
+    LegalCorpus corpus{laws.store, time};
+    FakePortal portal{time};
+    std::optional<LegalUpdateService> service;
+    std::vector<LegalUpdateService::Stage> stages;
+    Registration following;
+
+    World() {
+        laws.deliver({lawOf("BGB", {sectionOf("1", "", "Alt")}), lawOf("FamFG", {sectionOf("1", "", "Alt")})});
+        deliver({"2026-01-01", {rowOf("BGB", "Montag", 1), rowOf("FamFG", "Montag", 1)}});
+        portal.pages[address("BGB")] = {"Montag", "nicht gefragt"};
+        portal.pages[address("FamFG")] = {"Dienstag", lawArchive("Verfahren", 3, "Neu")};
+        start();
+    }
+    void deliver(const LegalManifest& manifest) {
+        writeFile(laws.folder / "Ressourcen/LegalManifest.json", Json::compact(toJson(manifest)));
+    }
+    /// As at the program's start.
+    void start() {
+        following = {};
+        service.emplace(settings, laws.store, corpus, portal, time.runtime());
+        stages.clear();
+        following = service->stage.subscribe([this](const auto& stage) { stages.push_back(stage); }, FirstValue::Skip);
+    }
+    static std::string address(const std::string& abbr) { return "https://portal.example/" + abbr + "/xml.zip"; }
+
+    LegalUpdateService::Stage check() {
+        service->checkNow();
+        time.advance(seconds(60));
+        EXPECT_FALSE(service->isRunning());
+        return service->stage.get();
+    }
+    std::string textOf(const std::string& law) {
+        const auto section = corpus.section("1", law);
+        return section ? std::string(section->text) : "nichts";
+    }
+};
+
+TEST(LegalUpdateService, FetchesWhatHasChanged) {
+    World world;
+    EXPECT_EQ(world.textOf("FamFG"), "Alt");
+    EXPECT_EQ(world.check(), LegalUpdateService::Stage(Updated{{"FamFG"}}));
+
+    const std::vector<LegalUpdateService::Stage> stages = {Checking{0, 2}, Checking{0, 2}, Checking{1, 2}, Downloading{"FamFG", 0, 1}, Applying{}, Updated{{"FamFG"}}};
+    EXPECT_TRUE(world.stages == stages);
+    const auto agent = std::string(" Querlin/") + QUERLIN_VERSION;
+    EXPECT_EQ(world.portal.requests,
+              (Strings{"HEAD https://portal.example/BGB/xml.zip" + agent, "HEAD https://portal.example/FamFG/xml.zip" + agent,
+                       "GET https://portal.example/FamFG/xml.zip" + agent}));
+    EXPECT_EQ(world.portal.timeouts, (std::vector<Duration>{std::chrono::seconds(20), std::chrono::seconds(20), std::chrono::seconds(120)}));
+    const auto lines = world.log.lines();
+    for (const auto* line : {"[gesetze] Prüfe 2 Gesetze auf neue Fassungen…", "[gesetze] FamFG: neue Fassung (Dienstag).",
+                             "[gesetze] FamFG erneuert: 3 Paragraphen.", "[gesetze] Aktualisiert: FamFG"})
+        EXPECT_EQ(std::ranges::count(lines, line), 1) << line;
+
+    EXPECT_EQ(world.textOf("FamFG"), "Neu") << "the running corpus has it at once";
+    EXPECT_EQ(world.textOf("BGB"), "Alt");
+    const auto stored = loadCorpus(world.laws.store.updatedCorpusURL())->content;
+    EXPECT_EQ(stored.generated, "2026-01-01") << "stays what it was";
+    ASSERT_EQ(stored.laws.size(), 2);
+    const auto& law = stored.laws[1];
+    EXPECT_EQ(law.name, "Verfahren");
+    EXPECT_EQ(law.tier, 2);
+    EXPECT_EQ(law.stand, "Stand Neu");
+    EXPECT_EQ(law.builddate, "20250102030405");
+    EXPECT_TRUE(!law.sections[0].priority && law.sections[1].priority) << "by the row's ranges";
+
+    auto expected = rowOf("FamFG", "Dienstag", 3);
+    expected.builddate = "20250102030405";
+    expected.stand = "Stand Neu";
+    const LegalManifest manifest{"2026-03-14", {rowOf("BGB", "Montag", 1), expected}};
+    EXPECT_EQ(world.laws.store.currentManifest(), manifest) << "the check sum too stays what it was";
+    EXPECT_EQ(world.service->laws.get(), manifest.laws);
+    EXPECT_TRUE(world.settings.lawsLastChecked.get());
+
+    EXPECT_EQ(world.check(), LegalUpdateService::Stage(UpToDate{})) << "what was fetched counts";
+    EXPECT_TRUE(world.log.has("[gesetze] Alle Gesetzesstände aktuell."));
+}
+
+TEST(LegalUpdateService, LeavesALawThatCannotBeHadAsItIs) {
+    struct Row {
+        std::function<void(World&)> change;
+        LegalUpdateService::Stage end;
+        std::string line;
+        const char* reason;
+    };
+    const auto page = [](World& world) -> FakePortal::Page& { return world.portal.pages[World::address("FamFG")]; };
+    const Failed none{"Keine der neuen Fassungen ließ sich laden."};
+    const std::vector<Row> rows = {
+        {[&](World& world) { page(world).headError = "Kein Netz."; }, UpToDate{}, "FamFG: nicht erreichbar – Kein Netz.", "nobody there"},
+        {[&](World& world) { page(world).lastModified = ""; }, UpToDate{}, "Alle Gesetzesstände aktuell.", "an answer without age"},
+        {[&](World& world) { page(world).getError = "Abgebrochen."; }, none, "FamFG fehlgeschlagen: Abgebrochen.", "broken off"},
+        {[&](World& world) { page(world).body = "<html>404</html>"; }, none, "FamFG fehlgeschlagen: Die Antwort ist kein ZIP-Archiv.", "an error page"},
+        {[&](World& world) { page(world).body.resize(page(world).body.size() / 2); }, none, "FamFG fehlgeschlagen: Die Antwort ist kein ZIP-Archiv.", "half an archive"},
+        {[&](World& world) { page(world).body = archiveOf({{"a.xml", "<a><b></a>"}}); }, none,
+         "FamFG fehlgeschlagen: Gesetzestext nicht lesbar: mismatched tag (Zeile 1)", "damaged"},
+        {[&](World& world) { page(world).body = lawArchive("X", 0, ""); }, none, "FamFG fehlgeschlagen: FamFG enthielt keine Paragraphen.", "empty"},
+        {[](World& world) {
+             auto row = rowOf("FamFG", "Montag", 1);
+             row.source = "ftp://portal.example/x";
+             world.deliver({"", {row}});
+         },
+         UpToDate{}, "Alle Gesetzesstände aktuell.", "no address"},
+        {[](World& world) { std::filesystem::remove(world.laws.folder / "Ressourcen/LegalManifest.json"); }, Failed{"Kein Gesetzesmanifest gefunden."}, "", "no manifest"},
+        {[](World& world) { writeFile(world.laws.folder / "Ressourcen/LegalCorpus.deflate", "beschädigt"); },
+         Failed{"Der vorhandene Gesetzesbestand ließ sich nicht lesen."}, "", "nothing to put the new law into"},
+    };
+    for (const auto& [change, end, line, reason] : rows) {
+        World world;
+        change(world);
+        EXPECT_EQ(world.check(), end) << reason;
+        EXPECT_TRUE(line.empty() || world.log.has("[gesetze] " + line)) << reason;
+        EXPECT_FALSE(world.laws.store.hasUpdatedCorpus()) << reason;
+        EXPECT_EQ(world.settings.lawsLastChecked.get().has_value(), end != LegalUpdateService::Stage(Failed{"Kein Gesetzesmanifest gefunden."})) << reason;
+    }
+}
+
+TEST(LegalUpdateService, TakesWhatWorks) {
+    World world;
+    world.deliver({"", {rowOf("BGB", "", 0), rowOf("FamFG", "Montag", 1), rowOf("BtOG", "", 0)}});
+    world.portal.pages[World::address("BGB")].getError = "Abgebrochen.";
+    world.portal.pages[World::address("FamFG")].getIsAgeless = true;
+    world.portal.pages[World::address("BtOG")] = {"Gestern", lawArchive("", 1, "Organisation")};
+    EXPECT_EQ(world.check(), LegalUpdateService::Stage(Updated{{"FamFG", "BtOG"}}));
+    const auto laws = world.corpus.laws();
+    ASSERT_EQ(laws.size(), 3);
+    EXPECT_EQ(laws[2].abbr, "BtOG") << "one that wasn't there comes last";
+    EXPECT_EQ(laws[2].name, "BtOG") << "a law without a name is called by its abbreviation";
+    const auto rows = world.service->laws.get();
+    EXPECT_EQ(rows[0], rowOf("BGB", "", 0)) << "unchanged, so that it is tried again";
+    EXPECT_EQ(rows[1].lastModified, "Montag") << "an answer without age leaves the row's";
+    EXPECT_EQ(rows[2].lastModified, "Gestern");
+}
+
+TEST(LegalUpdateService, ChecksByItselfWhenItIsTime) {
+    using std::chrono::days;
+    struct Row {
+        std::optional<Duration> since;
+        bool isOn;
+        std::int64_t sections;
+        bool checks;
+        const char* reason;
+    };
+    for (const auto& [since, isOn, sections, checks, reason] : {
+             Row{std::nullopt, true, 1, true, "never yet"},
+             Row{days(30), true, 1, true, "thirty days"},
+             Row{days(30) - std::chrono::seconds(1), true, 1, false, "a second less"},
+             Row{days(1), true, 0, true, "a law has never been loaded"},
+             Row{std::nullopt, false, 0, false, "switched off"},
+             Row{-days(1), true, 1, false, "the clock was set back"},
+         }) {
+        World world;
+        world.deliver({"", {rowOf("BGB", "Montag", 1), rowOf("FamFG", "Dienstag", sections)}});
+        world.settings.updateLawsAutomatically.set(isOn);
+        if (since) world.settings.lawsLastChecked.set(world.time.now() - std::chrono::duration_cast<Date::duration>(*since));
+        world.start();
+        world.service->checkIfDue();
+        world.time.advance(seconds(60));
+        EXPECT_EQ(!world.portal.requests.empty(), checks) << reason;
+        EXPECT_EQ(world.service->stage.get(), LegalUpdateService::Stage(Idle{})) << reason << ": nothing new is nothing to show";
+        EXPECT_EQ(world.log.has("[gesetze] Prüfung noch nicht fällig."), !checks && isOn) << reason;
+        EXPECT_EQ(world.log.has("[gesetze] Selbsttätige Prüfung ist abgeschaltet."), !isOn) << reason;
+        const auto asked = world.check();
+        EXPECT_TRUE(asked == LegalUpdateService::Stage(UpToDate{})) << reason << ": the user may always ask";
+    }
+}
+
+TEST(LegalUpdateService, RunsOnceAtATimeAndEndsWithItsOwner) {
+    World world;
+    world.service->checkNow();
+    world.time.advance(seconds(0.15));
+    EXPECT_TRUE(world.service->isRunning());
+    world.service->checkNow();
+    world.service->checkIfDue();
+    world.time.advance(seconds(60));
+    EXPECT_EQ(world.portal.requests.size(), 3);
+
+    for (int steps = 0; steps < 6; ++steps) {
+        world.portal.pages[World::address("FamFG")].lastModified += "!";
+        world.service->checkNow();
+        world.time.advance(seconds(0.06 * steps));
+        world.following = {};
+        world.service.reset(); // In the middle.
+        world.time.advance(seconds(60));
+        world.portal.atOnce = 0;
+        world.start();
+    }
+    world.portal.pages[World::address("FamFG")].lastModified += "!";
+    EXPECT_EQ(world.check(), LegalUpdateService::Stage(Updated{{"FamFG"}}));
+}
+
+TEST(LegalUpdateService, DiscardsThePairThatItCannotSave) {
+    World world;
+    world.check();
+    world.portal.pages[World::address("FamFG")] = {"Mittwoch", lawArchive("Verfahren", 1, "Noch neuer")};
+    {
+        const ReadOnlyFolder noRoom(world.laws.store.directory());
+        EXPECT_TRUE(std::get<Failed>(world.check()).message.starts_with("Speichern fehlgeschlagen: "));
+    }
+    EXPECT_EQ(world.textOf("FamFG"), "Neu") << "what is in memory stays";
+    const FullDisk full(10);
+    world.portal.pages[World::address("FamFG")].lastModified = "Donnerstag";
+    EXPECT_TRUE(std::get<Failed>(world.check()).message.starts_with("Speichern fehlgeschlagen: "));
+    EXPECT_FALSE(world.laws.store.hasUpdatedCorpus());
+    EXPECT_EQ(world.laws.store.currentManifest()->laws[1].lastModified, "Montag");
+    EXPECT_TRUE(fileNames(world.laws.store.directory()).empty()) << "nothing half-written is left";
+}
+
+TEST(LegalUpdateService, LeavesAWholePairWhereverItIsKilled) {
+    constexpr int kills = 200;
+    std::mt19937 random(8);
+    std::uniform_int_distribution<int> microseconds(0, 40'000);
+    const TempFolder folder;
+    int versions = 0;
+    for (int i = 0; i < kills && !testing::Test::HasFailure(); ++i) {
+        const auto told = killedAfter('u', {QUERLIN_UPDATE_CHILD, folder.path()}, std::chrono::microseconds(microseconds(random)));
+        ASSERT_TRUE(told.starts_with('u')) << "the child must begin an update";
+        const LegalCorpusStore store(folder / "Gesetze", folder / "Ressourcen");
+        const auto corpus = loadCorpus(*store.corpusURL());
+        ASSERT_TRUE(corpus) << "kill " << i << ": " << corpus.error();
+        const auto manifest = store.currentManifest();
+        ASSERT_TRUE(manifest);
+        const auto version = [&](std::size_t law) { return std::stoi(std::string(corpus->content.laws.at(law).stand.view().substr(6))); };
+        const auto known = [&](std::size_t law) { return std::stoi(manifest->laws.at(law).lastModified); };
+        EXPECT_EQ(version(0), version(1)) << "kill " << i << ": laws of one update";
+        EXPECT_EQ(known(0), known(1));
+        EXPECT_TRUE(known(0) == version(0) || known(0) + 1 == version(0)) << "the manifest is never newer";
+        EXPECT_GE(version(0), versions) << "and nothing goes back";
+        versions = version(0);
+    }
+    EXPECT_GT(versions, kills / 4) << "otherwise the kills have not met the writing";
+}
+
+} // namespace
+} // namespace querlin

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace querlin {
+
+/// Runs a program in a child process, kills it `delay` after it has told `sign` on its standard output, and
+/// gives all that it had told by then.
+std::string killedAfter(char sign, std::vector<std::string> command, std::chrono::microseconds delay);
+
+} // namespace querlin
