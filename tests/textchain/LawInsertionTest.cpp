@@ -1,0 +1,97 @@
+#include "textchain/LawInsertion.h"
+
+#include "support/CapturedLog.h"
+#include "textchain/TextStages.h"
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+/// Two laws; both have a § 5, and only the first one's sections have titles.
+class SomeLaws final : public LegalLookup {
+public:
+    std::optional<LegalSection> section(std::string_view id, std::string_view law) override {
+        for (const auto& hit : hits_) {
+            if (hit.law == law && hit.section.id == id) return hit.section;
+        }
+        return std::nullopt;
+    }
+    std::optional<LegalHit> sectionInAnyLaw(std::string_view id) override {
+        for (const auto& hit : hits_) {
+            if (hit.section.id == id) return hit;
+        }
+        return std::nullopt;
+    }
+
+private:
+    static LegalSection sectionOf(const char* id, const char* title, const char* text) {
+        LegalSection section;
+        section.id = id;
+        section.label = std::string("§ ") + id;
+        section.title = title;
+        section.text = text;
+        return section;
+    }
+    std::vector<LegalHit> hits_ = {
+        {"BGB", sectionOf("1814", "Voraussetzungen", "(1) Erster.\n\n(2) Zweiter\n1.Punkt,\n2.Punkt.\n\n(2a) Dazu.\n\n (3) Dritter.")},
+        {"BGB", sectionOf("5", "Titel", "Ohne Absatz.")},
+        {"FamFG", sectionOf("5", "", "Siehe § 1814 Absatz 2 BGB.")},
+        {"FamFG", sectionOf("278a", "", "(1) Anhörung")},
+        {"SGB XII", sectionOf("41", "", "(1) Alter")}};
+};
+
+TEST(LawInsertion, PutsTheWordingInThePlaceOfTheCommand) {
+    SomeLaws laws;
+    const std::string whole = "(1) Erster.\n\n(2) Zweiter\n1.Punkt,\n2.Punkt.\n\n(2a) Dazu.\n\n (3) Dritter.";
+    const std::string second = "§ 1814 Abs. 2 BGB – Voraussetzungen\n(2) Zweiter\n1.Punkt,\n2.Punkt.\n\n(2a) Dazu.";
+    const std::string bgb = "§ 1814 BGB – Voraussetzungen\n" + whole;
+    const std::vector<std::tuple<std::string, std::string, const char*>> rows = {
+        {"füge Paragraph 1814 BGB ein.", bgb + ".", "the plain form keeps its mark"},
+        {"Hier: Füge § 1814 Absatz 2 BGB ein, bitte.", "Hier: " + second + ", bitte.", "down to the Absatz, with (2a)"},
+        {"Füge § 1814 Absatz 2 ein", second, "from the first law that has it"},
+        {"füge 1814 Abs 3 BGB ein", "§ 1814 Abs. 3 BGB – Voraussetzungen\n(3) Dritter.", "a law makes a number a citation"},
+        {"Paragraph achtzehnhundertvierzehn Absatz eins BGB einfügen", "§ 1814 Abs. 1 BGB – Voraussetzungen\n(1) Erster.", "numbers in words"},
+        {"1814 BGB einfuegen!", bgb + "!", "the folded spelling"},
+        {"fünf FamFG einfügen", "§ 5 FamFG\nSiehe § 1814 Absatz 2 BGB.", "without a title no dash"},
+        {"§ 278 a FamFG einfügen", "§ 278a FamFG\n(1) Anhörung", "a section with a letter"},
+        {"füge Paragraph 41 SGB zwölf ein", "§ 41 SGB XII\n(1) Alter", "a book of the social code"},
+        {"füge Paragraph 1814 ZPO ein", bgb, "another law's, under its own name"},
+        {"§ 1814 Satz 2 Nummer 1 BGB einfügen", bgb, "no deeper than the Absatz"},
+        {"§ 1814 Absatz 9 BGB einfügen", bgb, "no such Absatz"},
+        {"Paragraph 5 Absatz 1 BGB einfügen", "§ 5 BGB – Titel\nOhne Absatz.", "no Absatz at all"},
+        {"(füge § 5 BGB ein)", "(§ 5 BGB – Titel\nOhne Absatz.)", "brackets stay"},
+        {"eins\nfüge § 5 BGB ein\n§ 5 FamFG einfügen zwei", "eins\n§ 5 BGB – Titel\nOhne Absatz.\n§ 5 FamFG\nSiehe § 1814 Absatz 2 BGB. zwei", "two commands"},
+        {"füge Paragraph zwölf ein", "füge Paragraph zwölf ein", "there is no § 12"},
+        {"füge Paragraph fünf ein", "§ 5 BGB – Titel\nOhne Absatz.", "\"ein\" ends the number"},
+        {"fünf einfügen", "fünf einfügen", "a number alone is no command"},
+        {"füge fünf ein", "füge fünf ein", "likewise"},
+        {"füge Paragraph 99999 BGB ein", "füge Paragraph 99999 BGB ein", "what can't be served stays"},
+        {"füge den Paragraph 5 BGB ein", "füge den Paragraph 5 BGB ein", "a word between"},
+        {"füge § 5 BGB hinzu", "füge § 5 BGB hinzu", "another verb"},
+        {"füge", "füge", "nothing behind it"},
+        {"  füge § 5 BGB ein", "  § 5 BGB – Titel\nOhne Absatz.", "white space stays"},
+        {"", "", "nothing"}};
+    for (const auto& [spoken, written, reason] : rows)
+        EXPECT_EQ(SpokenLawReference::applyInsertCommands(spoken, laws), written) << spoken << ": " << reason;
+}
+
+TEST(LawInsertion, TellsWhereAnAbsatzIsMissing) {
+    CapturedLog log;
+    SomeLaws laws;
+    SpokenLawReference::applyInsertCommands("§ 1814 Absatz 9 BGB einfügen", laws);
+    EXPECT_TRUE(log.has("[gesetz] Absatz 9 in § 1814 nicht gefunden – ganzer Paragraph eingefügt."));
+}
+
+TEST(LawInsertion, IsFollowedByTheCitations) {
+    SomeLaws laws;
+    TextChain chain(laws);
+    EXPECT_EQ(chain.processLawReferences("füge Paragraph 99999 BGB ein"), "füge § 99999 BGB ein");
+    EXPECT_EQ(chain.processLawReferences("Laut Paragraph 5 BGB: § 5 FamFG einfügen"), "Laut § 5 BGB: § 5 FamFG\nSiehe § 1814 Abs. 2 BGB.")
+        << "within inserted wording too";
+    const auto once = chain.processLawReferences("füge § 1814 BGB ein");
+    EXPECT_EQ(chain.processLawReferences(once), once) << "a second time changes nothing";
+}
+
+} // namespace
+} // namespace querlin
