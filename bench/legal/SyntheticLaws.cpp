@@ -48,7 +48,7 @@ constexpr auto months = std::to_array<std::string_view>({"Januar", "Februar", "M
                                                          "August", "September", "Oktober", "November", "Dezember"});
 
 constexpr std::size_t wordCount = 34'000;
-constexpr std::size_t phraseCount = 9'000;
+constexpr std::size_t phraseCount = 5'000;
 constexpr std::size_t lawCount = 26;
 
 /// The same numbers on every machine; the library's distributions don't promise that.
@@ -124,7 +124,7 @@ public:
     explicit Writer(Dice& dice) : dice_(dice), words_(inventedWords(dice)) {
         for (std::size_t i = 0; i < phraseCount; ++i) {
             std::string phrase;
-            for (auto left = dice.between(2, 7); left > 0; --left) phrase.append(phrase.empty() ? "" : " ").append(word());
+            for (auto left = dice.between(3, 9); left > 0; --left) phrase.append(phrase.empty() ? "" : " ").append(word());
             phrases_.push_back(std::move(phrase));
         }
     }
@@ -154,7 +154,7 @@ public:
 private:
     std::string part() {
         const auto kind = dice_.below(100);
-        if (kind < 62) return phrases_[phraseRanks_.draw(dice_)];
+        if (kind < 66) return phrase();
         if (kind < 84) return fmt::format("{} {} {}", word(), word(), word());
         if (kind < 91)
             return fmt::format("§ {} Absatz {} Satz {}", dice_.between(1, 1900), dice_.between(1, 6), dice_.between(1, 4));
@@ -162,15 +162,25 @@ private:
         if (kind < 95)
             return fmt::format("vom {}. {} {}", dice_.between(1, 28), dice_.oneOf(months), dice_.between(1961, 2025));
         if (kind < 97) return fmt::format("„{} {}“", noun(), word());
-        if (kind < 98) return fmt::format("– {} –", phrases_[phraseRanks_.draw(dice_)]);
+        if (kind < 98) return fmt::format("– {} –", phrase());
         return fmt::format("{} Euro", dice_.between(1, 250'000));
+    }
+
+    /// One phrase out of three has been used not long ago: a law keeps to its words.
+    const std::string& phrase() {
+        const bool isOld = dice_.isChance(33);
+        const auto place = isOld ? dice_.below(recent_.size()) : ++newest_ % recent_.size();
+        if (!isOld) recent_[place] = phraseRanks_.draw(dice_);
+        return phrases_[recent_[place]];
     }
 
     Dice& dice_;
     std::vector<std::string> words_;
     std::vector<std::string> phrases_;
+    std::array<std::size_t, 60> recent_{};
+    std::size_t newest_ = 0;
     Zipf wordRanks_{wordCount, 2.2, 1.03};
-    Zipf phraseRanks_{phraseCount, 12, 0.9};
+    Zipf phraseRanks_{phraseCount, 12, 1.0};
 };
 
 /// Writes one law as the portal does.
@@ -216,7 +226,7 @@ private:
         text_ += fmt::format("<enbez>§ {}</enbez><titel format=\"parat\">{}</titel></metadaten><textdaten>"
                              "<text format=\"XML\"><Content>",
                              id, writer_.title());
-        const auto wanted = std::clamp(std::exp(6.55 + 0.85 * dice_.bell()), 90.0, 30'000.0);
+        const auto wanted = std::clamp(std::exp(6.03 + 0.85 * dice_.bell()), 90.0, 30'000.0);
         const auto end = text_.size() + static_cast<std::size_t>(wanted);
         for (std::size_t number = 1; text_.size() < end; ++number) paragraph(number);
         text_ += "</Content></text><fussnoten/></textdaten></norm>\n";

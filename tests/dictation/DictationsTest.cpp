@@ -91,6 +91,7 @@ TEST(Dictations, BecomeWhatAGuardianWouldHaveWritten) {
         options.isCompact = dictation.isSearch;
         options.appliesCommands = dictation.appliesCommands;
         options.now = now;
+        options.laws = &w.laws;
         const auto outcome = runWholeChain(dictation.raw, options);
         EXPECT_EQ(outcome.discardedEverything, !dictation.expected) << dictation.title;
         EXPECT_EQ(outcome.text, dictation.expected.value_or("")) << dictation.title;

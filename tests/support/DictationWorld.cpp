@@ -78,6 +78,21 @@ std::string FakeStages::mark(std::string_view text, std::string_view sign) const
     return marks ? std::string(text) + std::string(sign) : std::string(text);
 }
 
+std::optional<LegalSection> FakeLaws::section(std::string_view id, std::string_view law) {
+    if (id != "1814" || law != "BGB") return std::nullopt;
+    LegalSection section;
+    section.id = "1814";
+    section.label = "§ 1814";
+    section.title = "Muster";
+    section.text = "(1) Der Punkt die die Betreuung trägt, folgt aus Paragraph 7 Absatz 1.\n\n(2) Zweiter Satz, 3. März 2024";
+    return section;
+}
+
+std::optional<LegalHit> FakeLaws::sectionInAnyLaw(std::string_view id) {
+    auto found = section(id, "BGB");
+    return found ? std::optional(LegalHit{"BGB", std::move(*found)}) : std::nullopt;
+}
+
 DictationCommands::Outcome FakeStages::applyCommands(std::string_view text, DictationCommands::Mode mode) {
     if (text.find("alles verwerfen") != std::string_view::npos) return {std::string(text), true, {"alles verwerfen"}};
     if (text == "streiche das") return {"", false, {"streiche das"}};
