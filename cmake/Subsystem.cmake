@@ -7,19 +7,25 @@
 # nothing else, and a target sees only its own root and those of the folders that it names in
 # DEPENDS; include paths are not passed on. So an include of a folder that is not named, or of
 # one further up, does not compile.
+#
+# A folder may lie deeper: platform/curl, from src/platform/curl, is the library querlin_platform_curl;
+# its root shows platform/curl and none of that folder's neighbours.
 
 set(QUERLIN_INCLUDE_ROOTS ${CMAKE_BINARY_DIR}/include-roots)
 
 function(querlin_include_root folder source_dir)
-  file(MAKE_DIRECTORY ${QUERLIN_INCLUDE_ROOTS}/${folder})
-  file(CREATE_LINK ${source_dir} ${QUERLIN_INCLUDE_ROOTS}/${folder}/${folder} SYMBOLIC)
+  string(REPLACE "/" "_" name ${folder})
+  cmake_path(GET folder PARENT_PATH parent)
+  file(MAKE_DIRECTORY ${QUERLIN_INCLUDE_ROOTS}/${name}/${parent})
+  file(CREATE_LINK ${source_dir} ${QUERLIN_INCLUDE_ROOTS}/${name}/${folder} SYMBOLIC)
 endfunction()
 
 # Lets `target` include the headers of the named folders and links their libraries.
 function(querlin_use target)
   foreach(folder IN LISTS ARGN)
-    target_include_directories(${target} PRIVATE ${QUERLIN_INCLUDE_ROOTS}/${folder})
-    target_link_libraries(${target} PRIVATE querlin_${folder})
+    string(REPLACE "/" "_" name ${folder})
+    target_include_directories(${target} PRIVATE ${QUERLIN_INCLUDE_ROOTS}/${name})
+    target_link_libraries(${target} PRIVATE querlin_${name})
   endforeach()
 endfunction()
 
@@ -32,12 +38,13 @@ endfunction()
 
 function(subsystem folder)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;DEPENDS;LIBRARIES")
-  set(target querlin_${folder})
+  string(REPLACE "/" "_" name ${folder})
+  set(target querlin_${name})
   querlin_include_root(${folder} ${CMAKE_CURRENT_SOURCE_DIR})
   if(arg_SOURCES)
     add_library(${target} STATIC ${arg_SOURCES})
     querlin_compile_as_ours(${target})
-    target_include_directories(${target} PRIVATE ${QUERLIN_INCLUDE_ROOTS}/${folder})
+    target_include_directories(${target} PRIVATE ${QUERLIN_INCLUDE_ROOTS}/${name})
     querlin_use(${target} ${arg_DEPENDS})
     target_link_libraries(${target} PRIVATE ${arg_LIBRARIES})
   else()

@@ -17,7 +17,9 @@ struct Setting {
 
 /// Cold and warm loading, and its memory.
 void runLoadCases(const Setting& setting);
-/// Searches beside memmem, beside the bare reading of the bytes, and how often they allocate.
+/// Searches beside memmem, an index and the bare reading of the bytes, and how often they allocate.
 void runSearchCases(const Setting& setting);
+/// The portal's archives and their XML.
+void runArchiveCases(const Setting& setting);
 
 } // namespace querlin::bench

@@ -21,10 +21,10 @@ namespace querlin::bench {
 
 namespace {
 
-constexpr auto names = std::to_array<std::pair<std::string_view, ChildWork>>(
-    {{"--child-nothing", ChildWork::nothing},
-     {"--child-ours", ChildWork::loadOurs},
-     {"--child-plain", ChildWork::loadPlainly}});
+constexpr auto names =
+    std::to_array<std::pair<std::string_view, ChildWork>>({{"--child-nothing", ChildWork::nothing},
+                                                           {"--child-ours", ChildWork::loadOurs},
+                                                           {"--child-plain", ChildWork::loadPlainly}});
 
 std::size_t peakInBytes() {
     constexpr std::string_view key = "VmHWM:";
@@ -100,8 +100,9 @@ ChildResult runChild(ChildWork work, const std::filesystem::path& folder) {
     if (failure != 0) throw std::runtime_error("posix_spawn");
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> output(::fdopen(ends[0], "r"), &std::fclose);
     ChildResult result;
-    const auto count = std::fscanf(output.get(), "%lf %zu %zu %zu", &result.seconds, &result.peakInBytes, // NOLINT
-                                   &result.sections, &result.textBytes);
+    const auto count =
+        std::fscanf(output.get(), "%lf %zu %zu %zu", &result.seconds, &result.peakInBytes, // NOLINT
+                    &result.sections, &result.textBytes);
     int status = 0;
     ::waitpid(child, &status, 0);
     if (count != 4 || status != 0) throw std::runtime_error("The child failed.");

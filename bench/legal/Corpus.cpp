@@ -46,7 +46,8 @@ Corpus corpusOf(std::string origin, std::vector<Archive> archives) {
     }
     auto document = file.toJson();
     auto container = CorpusContainer::deflate(document).value();
-    return {std::move(origin), std::move(archives), std::move(file.laws), std::move(document), std::move(container)};
+    return {std::move(origin), std::move(archives), std::move(file.laws), std::move(document),
+            std::move(container)};
 }
 
 LegalManifestEntry entryOf(std::string abbr, const std::string& slug) {
@@ -84,11 +85,11 @@ std::string Corpus::description() const {
             beyondAscii += static_cast<std::size_t>(
                 std::ranges::count_if(section.text.view(), [](char byte) { return (byte & 0x80) != 0; }));
     }
-    return fmt::format("{}: {} laws, {} sections, {:.1f} MB of JSON, {:.1f} MB packed, {:.1f} MB of text with {:.1f} % "
-                       "of its bytes beyond ASCII",
-                       origin, laws.size(), sectionCount(), inMegabytes(document.size()), inMegabytes(container.size()),
-                       inMegabytes(textBytes()),
-                       100 * static_cast<double>(beyondAscii) / static_cast<double>(textBytes()));
+    return fmt::format(
+        "{}: {} laws, {} sections, {:.1f} MB of JSON, {:.1f} MB packed, {:.1f} MB of text with {:.1f} % "
+        "of its bytes beyond ASCII",
+        origin, laws.size(), sectionCount(), inMegabytes(document.size()), inMegabytes(container.size()),
+        inMegabytes(textBytes()), 100 * static_cast<double>(beyondAscii) / static_cast<double>(textBytes()));
 }
 
 std::optional<Corpus> realCorpus(const std::filesystem::path& folder) {
@@ -102,7 +103,8 @@ std::optional<Corpus> realCorpus(const std::filesystem::path& folder) {
     for (const auto& file : files) {
         const auto slug = file.parent_path().filename().string();
         auto bytes = Files::read(file);
-        if (bytes) archives.push_back({entryOf(uppercase(slug.substr(0, slug.find('_'))), slug), std::move(*bytes)});
+        if (bytes)
+            archives.push_back({entryOf(uppercase(slug.substr(0, slug.find('_'))), slug), std::move(*bytes)});
     }
     if (archives.empty()) return std::nullopt;
     return corpusOf("Real laws", std::move(archives));

@@ -7,6 +7,7 @@
 #include "Report.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <span>
 #include <string_view>
@@ -23,8 +24,10 @@ constexpr std::size_t quickSections = 400;
 
 void runAll(const Setting& setting) {
     fmt::print("\n=== {}\n", setting.corpus.description());
+    std::fflush(stdout);
     runLoadCases(setting);
     runSearchCases(setting);
+    runArchiveCases(setting);
 }
 
 } // namespace
@@ -40,6 +43,7 @@ int main(int count, char** values) {
     Report report;
     const auto real = has("--synthetic") ? std::nullopt : realCorpus(QUERLIN_REAL_LAWS);
     if (!real) fmt::print("No real laws are used.\n");
+    if (isQuick) fmt::print("Everything is done once and with few words: the times mean nothing.\n");
     if (real) runAll({*real, report, isQuick});
     // Real ones or not: the sizes that matter are those of all laws together.
     runAll({syntheticCorpus(isQuick ? quickSections : syntheticSections), report, isQuick});

@@ -25,7 +25,8 @@ namespace {
 class FreshMemory {
 public:
     explicit FreshMemory(std::size_t bytes) :
-        bytes_(bytes), start_(::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {
+        bytes_(bytes),
+        start_(::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {
         if (start_ == MAP_FAILED) throw std::bad_alloc(); // NOLINT: the system's macro
     }
     ~FreshMemory() { ::munmap(start_, bytes_); }
@@ -74,8 +75,8 @@ void coldLoadAndMemory(const Setting& setting, const std::filesystem::path& fold
     const auto inMegabytes = [](double bytes) { return fmt::format("{:.1f} MB", bytes / 1e6); };
     const auto peak = median(peaks) - median(emptyPeaks);
     const auto plainPeak = median(plainPeaks) - median(emptyPeaks);
-    report.row("3 peak memory of it | size of the JSON", inMegabytes(peak), inMegabytes(length), peak / length,
-               Bar::atMost(3));
+    report.row("3 peak memory of it | size of the JSON", inMegabytes(peak), inMegabytes(length),
+               peak / length, Bar::atMost(3));
     report.row("  peak memory of the peer | size of the JSON", inMegabytes(plainPeak), inMegabytes(length),
                plainPeak / length, {});
 }
@@ -112,11 +113,16 @@ void warmLoad(const Setting& setting, const std::filesystem::path& folder) {
                 return 0;
             });
         });
-    if (reused != setting.corpus.document) setting.report.disagreement("the bare inflate gives another document");
+    if (reused != setting.corpus.document)
+        setting.report.disagreement("the bare inflate gives another document");
     auto& report = setting.report;
+    const auto also = [&](std::string_view place, double seconds) {
+        report.row(fmt::format("  warm load | ... {}", place), inWords(ours), inWords(seconds),
+                   ours / seconds, {});
+    };
     report.times("2 warm load | bare inflate into untouched pages", ours, fresh, Bar::atMost(2.5));
-    report.times("  warm load | bare inflate into a new allocation", ours, allocated, Bar::atMost(2.5));
-    report.times("  warm load | bare inflate into one warm buffer", ours, warm, Bar::atMost(2.5));
+    also("into a new allocation", allocated);
+    also("into one warm buffer", warm);
 }
 
 } // namespace
@@ -124,7 +130,8 @@ void warmLoad(const Setting& setting, const std::filesystem::path& folder) {
 void runLoadCases(const Setting& setting) {
     const WorkFolder folder;
     const auto file = folder.path() / LegalCorpusStore::corpusName;
-    if (!Files::writeAtomically(file, setting.corpus.container)) throw std::runtime_error("The corpus can't be written.");
+    if (!Files::writeAtomically(file, setting.corpus.container))
+        throw std::runtime_error("The corpus can't be written.");
     coldLoadAndMemory(setting, folder.path());
     warmLoad(setting, folder.path());
 }

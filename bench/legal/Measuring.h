@@ -49,10 +49,4 @@ std::array<double, sizeof...(Calls)> interleavedMedians(std::size_t repetitions,
     return medians;
 }
 
-/// Keeps the compiler from leaving out what gives a value.
-template<class Value>
-void keep(const Value& value) {
-    asm volatile("" : : "g"(&value) : "memory"); // NOLINT(hicpp-no-assembler): there is no other way
-}
-
 } // namespace querlin::bench

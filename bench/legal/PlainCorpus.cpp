@@ -1,14 +1,12 @@
 #include "PlainCorpus.h"
 
-#include <array>
+#include "Zlib.h"
+
 #include <fstream>
-#include <iterator>
-#include <stdexcept>
 
 #include <nlohmann/json.hpp>
 #include <unicode/locid.h>
 #include <unicode/unistr.h>
-#include <zlib.h>
 
 namespace querlin::bench {
 
@@ -21,21 +19,10 @@ std::string contentOf(const std::filesystem::path& file) {
     return content;
 }
 
-std::string inflated(const std::string& container) {
+std::string inflated(std::string_view container) {
     std::int64_t length = 0;
     std::memcpy(&length, container.data(), sizeof(length));
-    std::string document(static_cast<std::size_t>(length), '\0');
-    z_stream stream{};
-    constexpr int rawWindow = -15;
-    inflateInit2(&stream, rawWindow);
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(container.data() + sizeof(length))); // NOLINT: C
-    stream.avail_in = static_cast<uInt>(container.size() - sizeof(length));
-    stream.next_out = reinterpret_cast<Bytef*>(document.data()); // NOLINT: the library's bytes
-    stream.avail_out = static_cast<uInt>(document.size());
-    const auto result = inflate(&stream, Z_FINISH);
-    inflateEnd(&stream);
-    if (result != Z_STREAM_END) throw std::runtime_error("zlib");
-    return document;
+    return inflatedByZlib(container.substr(sizeof(length)), static_cast<std::size_t>(length));
 }
 
 std::vector<PlainLaw> lawsIn(const std::string& document) {

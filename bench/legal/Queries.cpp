@@ -19,10 +19,6 @@ bool isOfLetter(std::string_view text, std::size_t at) {
     return byte == 0xC3 || (at > 0 && static_cast<unsigned char>(text[at - 1]) == 0xC3);
 }
 
-std::size_t lengthInLetters(std::string_view word) {
-    return static_cast<std::size_t>(std::ranges::count_if(word, [](char byte) { return (byte & 0xC0) != 0x80; }));
-}
-
 /// All words with how often they occur, the most frequent first.
 std::vector<std::pair<std::string, std::size_t>> vocabulary(const Corpus& corpus) {
     std::unordered_map<std::string, std::size_t> counts;
@@ -40,11 +36,16 @@ std::vector<std::pair<std::string, std::size_t>> vocabulary(const Corpus& corpus
     std::ranges::sort(words, [](const auto& a, const auto& b) {
         return a.second != b.second ? a.second > b.second : a.first < b.first;
     });
-    std::erase_if(words, [](const auto& word) { return lengthInLetters(word.first) < 3; });
+    std::erase_if(words, [](const auto& word) { return lengthInScalars(word.first) < 3; });
     return words;
 }
 
 } // namespace
+
+std::size_t lengthInScalars(std::string_view text) {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(text, [](char byte) { return (byte & 0xC0) != 0x80; }));
+}
 
 std::vector<QueryMix> queryMixes(const Corpus& corpus, std::size_t terms) {
     auto words = vocabulary(corpus);

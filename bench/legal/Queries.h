@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace querlin::bench {
@@ -13,6 +14,8 @@ struct QueryMix {
     std::string name;
     std::vector<std::string> terms;
 };
+
+std::size_t lengthInScalars(std::string_view text);
 
 /// Made of the corpus's own words, the same ones at each call: its most frequent words of three letters and
 /// more; words drawn from all of its vocabulary; and what stands in the field while such words are typed,

@@ -54,13 +54,15 @@ void Report::verdict(std::string_view name, bool isReached) {
 void Report::note(std::string_view text) { print(fmt::format("  {}", text)); }
 
 void Report::disagreement(std::string_view text) {
-    hasDisagreement_ = true;
-    print(fmt::format("  THEY DISAGREE: {}", text));
+    constexpr std::size_t shown = 10;
+    if (++disagreements_ <= shown) print(fmt::format("  THEY DISAGREE: {}", text));
+    if (disagreements_ == shown) print("  More of that is not shown.");
 }
 
 std::string inWords(double seconds) {
     constexpr double milli = 1e-3;
-    return seconds >= milli ? fmt::format("{:.2f} ms", seconds * 1e3) : fmt::format("{:.1f} µs", seconds * 1e6);
+    return seconds >= milli ? fmt::format("{:.2f} ms", seconds * 1e3)
+                            : fmt::format("{:.1f} µs", seconds * 1e6);
 }
 
 } // namespace querlin::bench

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -35,10 +36,10 @@ public:
     /// Ours and a peer don't agree; makes the program fail.
     void disagreement(std::string_view text);
 
-    bool hasDisagreement() const { return hasDisagreement_; }
+    bool hasDisagreement() const { return disagreements_ > 0; }
 
 private:
-    bool hasDisagreement_ = false;
+    std::size_t disagreements_ = 0;
 };
 
 /// "12.3 ms", "456 µs"

@@ -17,35 +17,39 @@ namespace {
 
 /// The words of every sentence, roughly the most frequent first.
 constexpr auto smallWords = std::to_array<std::string_view>(
-    {"der",    "die",     "und",   "des",     "oder",  "den",    "in",    "das",   "von",    "zu",
-     "nach",   "für",     "ist",   "nicht",   "mit",   "dem",    "im",    "auf",   "eine",   "durch",
-     "wenn",   "einer",   "so",    "zur",     "kann",  "an",     "werden", "ein",  "er",     "bei",
-     "die",    "es",      "als",   "über",    "wird",  "sind",   "eines", "dies",  "zum",    "sich",
-     "nur",    "bis",     "auch",  "aus",     "dass",  "um",     "vor",   "sie",   "ihm",    "hat",
-     "unter",  "einem",   "einen", "soweit",  "gilt",  "diese",  "dieser", "alle", "gegen",  "sein",
-     "soll",   "haben",   "muss",  "innerhalb", "ob",  "ohne",   "dieses", "hier", "seiner", "dabei",
-     "wer",    "wie",     "jeder", "während", "sofern", "beim",  "vom",   "am",    "seine",  "können",
-     "müssen", "dürfen",  "darf",  "worden",  "keine", "kein",   "ihre",  "ihrer", "deren",  "dessen",
-     "gemäß",  "mehrere", "statt", "sowie",   "wegen", "anderen", "gegenüber", "zwischen", "dafür", "außer"});
+    {"der",       "die",     "und",    "des",    "oder",  "den",     "in",        "das",      "von",
+     "zu",        "nach",    "für",    "ist",    "nicht", "mit",     "dem",       "im",       "auf",
+     "eine",      "durch",   "wenn",   "einer",  "so",    "zur",     "kann",      "an",       "werden",
+     "ein",       "er",      "bei",    "die",    "es",    "als",     "über",      "wird",     "sind",
+     "eines",     "dies",    "zum",    "sich",   "nur",   "bis",     "auch",      "aus",      "dass",
+     "um",        "vor",     "sie",    "ihm",    "hat",   "unter",   "einem",     "einen",    "soweit",
+     "gilt",      "diese",   "dieser", "alle",   "gegen", "sein",    "soll",      "haben",    "muss",
+     "innerhalb", "ob",      "ohne",   "dieses", "hier",  "seiner",  "dabei",     "wer",      "wie",
+     "jeder",     "während", "sofern", "beim",   "vom",   "am",      "seine",     "können",   "müssen",
+     "dürfen",    "darf",    "worden", "keine",  "kein",  "ihre",    "ihrer",     "deren",    "dessen",
+     "gemäß",     "mehrere", "statt",  "sowie",  "wegen", "anderen", "gegenüber", "zwischen", "dafür",
+     "außer"});
 
-constexpr auto prefixes = std::to_array<std::string_view>({"", "", "", "", "be", "be", "ge", "ge", "ver", "ver",
-                                                           "er", "ent", "zer", "auf", "ab", "an", "ein", "aus",
-                                                           "vor", "nach", "um", "un", "über", "unter", "zu", "mit"});
+constexpr auto prefixes = std::to_array<std::string_view>(
+    {"be", "be",  "ge",  "ge",  "ge",  "ver",  "ver", "er",   "ent",   "zer", "auf", "ab",
+     "an", "ein", "ein", "aus", "vor", "nach", "um",  "über", "unter", "zu",  "mit", "hin"});
 constexpr auto roots = std::to_array<std::string_view>(
-    {"ral",  "mend", "sicht", "trand", "hald",  "stell", "recht", "gelt", "wald",  "stimm", "ordn", "nahm",
-     "lang", "baut", "wirt",  "forn",  "prüf",  "schotz", "förd", "klag", "lenn",  "mahn",  "pfleg", "rent",
-     "lass", "dien", "wohn",  "kind",  "werk",  "hilf",  "zahl",  "steu", "leist", "haft",  "frist", "satz",
-     "teil", "land", "bund",  "amt",   "nenn",  "greif", "schrift", "ton", "bind", "heim",  "sorg",  "trag",
-     "mess", "tell", "brau",  "kauf",  "gut",   "nutz",  "schuld", "fall", "last", "erb",   "eign",  "grund",
-     "sach", "lein", "dart",  "mier",  "folg",  "schnitt", "stand", "glied", "wend", "hor",  "ruf",   "rieg",
-     "samm", "kost", "tret",  "zieh",  "auß",   "buß",   "straf", "melt", "bart",  "firn",  "gau",   "tarn"});
-constexpr auto endings = std::to_array<std::string_view>({"en",     "ung",    "ungen",   "er",     "te",    "ten",
-                                                          "lich",   "liche",  "lichen",  "licher", "ig",    "ige",
-                                                          "igen",   "keit",   "schaft",  "nis",    "nisse", "bar",
-                                                          "baren",  "ern",    "et",      "e",      "es",    "heit",    "er",     "en",
-                                                          "mäßig", "los",    "end",    "ende",  "enden"});
-constexpr auto months = std::to_array<std::string_view>({"Januar", "Februar", "März", "April", "Mai", "Juni", "Juli",
-                                                         "August", "September", "Oktober", "November", "Dezember"});
+    {"rel",    "mend",  "sicht", "trand", "hald", "stell", "recht",  "gelt", "wesd",  "stimm",   "ordn",
+     "nehm",   "ling",  "beit",  "wirt",  "führ", "prüf",  "schetz", "förd", "klag",  "löhn",    "mein",
+     "pfleg",  "rent",  "lass",  "dien",  "wohn", "kind",  "werk",   "hilf", "zahl",  "steu",    "leist",
+     "haft",   "frist", "setz",  "teil",  "land", "bind",  "amt",    "nenn", "greif", "schrift", "ten",
+     "heim",   "serg",  "trag",  "mess",  "tell", "brin",  "kauf",   "git",  "netz",  "schild",  "fall",
+     "last",   "erb",   "eign",  "grund", "sach", "lein",  "dert",   "mier", "folg",  "schnitt", "stand",
+     "glied",  "wend",  "hir",   "ruf",   "reng", "samm",  "kost",   "tret", "zieh",  "eiß",     "bies",
+     "streif", "melt",  "bart",  "firn",  "gei",  "tern",  "gericht"});
+constexpr auto endings = std::to_array<std::string_view>(
+    {"en",    "en",     "en",  "er",   "er",    "e",      "e",      "es",  "ung", "ung",
+     "ungen", "te",     "ten", "lich", "liche", "lichen", "licher", "ig",  "ige", "igen",
+     "keit",  "schaft", "nis", "bar",  "ern",   "et",     "t",      "t",   "s",   "",
+     "",      "heit",   "los", "end",  "ende",  "enden",  "mäßig",  "ern", "ers"});
+constexpr auto months =
+    std::to_array<std::string_view>({"Januar", "Februar", "März", "April", "Mai", "Juni", "Juli", "August",
+                                     "September", "Oktober", "November", "Dezember"});
 
 constexpr std::size_t wordCount = 34'000;
 constexpr std::size_t phraseCount = 5'000;
@@ -103,15 +107,15 @@ std::string capitalized(std::string word) {
 std::vector<std::string> inventedWords(Dice& dice) {
     std::vector<std::string> words(smallWords.begin(), smallWords.end());
     std::unordered_set<std::string> known(words.begin(), words.end());
-    const auto simple = [&dice] {
-        return fmt::format("{}{}{}", dice.oneOf(prefixes), dice.oneOf(roots), dice.oneOf(endings));
+    const auto stem = [&dice] {
+        return fmt::format("{}{}", dice.isChance(40) ? dice.oneOf(prefixes) : "", dice.oneOf(roots));
     };
     while (words.size() < wordCount) {
-        auto word = simple();
         // Nouns grow together, the rarer the more.
-        const auto parts = words.size() < 2'500 ? 0 : dice.isChance(35) ? 2U : dice.isChance(80) ? 1U : 0U;
-        for (std::size_t i = 0; i < parts; ++i)
-            word = fmt::format("{}{}{}{}", dice.oneOf(prefixes), dice.oneOf(roots), dice.isChance(40) ? "s" : "", word);
+        const auto parts = words.size() < 1'500 ? 0U : dice.isChance(12) ? 2U : dice.isChance(70) ? 1U : 0U;
+        std::string word;
+        for (std::size_t i = 0; i < parts; ++i) word += stem() + (dice.isChance(30) ? "s" : "");
+        word += stem().append(dice.oneOf(endings));
         const bool isNoun = words.size() > 200 ? dice.isChance(55) : dice.isChance(30);
         if (known.insert(word).second) words.push_back(isNoun ? capitalized(word) : word);
     }
@@ -124,7 +128,8 @@ public:
     explicit Writer(Dice& dice) : dice_(dice), words_(inventedWords(dice)) {
         for (std::size_t i = 0; i < phraseCount; ++i) {
             std::string phrase;
-            for (auto left = dice.between(3, 9); left > 0; --left) phrase.append(phrase.empty() ? "" : " ").append(word());
+            for (auto left = dice.between(3, 9); left > 0; --left)
+                phrase.append(phrase.empty() ? "" : " ").append(word());
             phrases_.push_back(std::move(phrase));
         }
     }
@@ -132,13 +137,15 @@ public:
     const std::string& word() { return words_[wordRanks_.draw(dice_)]; }
     std::string noun() {
         const auto first = smallWords.size();
-        return capitalized(words_[first + (wordRanks_.draw(dice_) * 7 + dice_.below(5)) % (words_.size() - first)]);
+        return capitalized(
+            words_[first + (wordRanks_.draw(dice_) * 7 + dice_.below(5)) % (words_.size() - first)]);
     }
 
     std::string title() {
         std::string text = noun();
         for (auto left = dice_.below(4); left > 0; --left)
-            text.append(left == 2 ? ", " : " ").append(dice_.isChance(50) ? noun() : std::string(dice_.oneOf(smallWords)));
+            text.append(left == 2 ? ", " : " ")
+                .append(dice_.isChance(50) ? noun() : std::string(dice_.oneOf(smallWords)));
         return text;
     }
 
@@ -157,10 +164,13 @@ private:
         if (kind < 66) return phrase();
         if (kind < 84) return fmt::format("{} {} {}", word(), word(), word());
         if (kind < 91)
-            return fmt::format("§ {} Absatz {} Satz {}", dice_.between(1, 1900), dice_.between(1, 6), dice_.between(1, 4));
-        if (kind < 93) return fmt::format("nach den §§ {} bis {}", dice_.between(1, 900), dice_.between(901, 1900));
+            return fmt::format("§ {} Absatz {} Satz {}", dice_.between(1, 1900), dice_.between(1, 6),
+                               dice_.between(1, 4));
+        if (kind < 93)
+            return fmt::format("nach den §§ {} bis {}", dice_.between(1, 900), dice_.between(901, 1900));
         if (kind < 95)
-            return fmt::format("vom {}. {} {}", dice_.between(1, 28), dice_.oneOf(months), dice_.between(1961, 2025));
+            return fmt::format("vom {}. {} {}", dice_.between(1, 28), dice_.oneOf(months),
+                               dice_.between(1961, 2025));
         if (kind < 97) return fmt::format("„{} {}“", noun(), word());
         if (kind < 98) return fmt::format("– {} –", phrase());
         return fmt::format("{} Euro", dice_.between(1, 250'000));
@@ -186,16 +196,19 @@ private:
 /// Writes one law as the portal does.
 class LawWriter {
 public:
-    LawWriter(Dice& dice, Writer& writer, std::string abbr) : dice_(dice), writer_(writer), abbr_(std::move(abbr)) {}
+    LawWriter(Dice& dice, Writer& writer, std::string abbr) :
+        dice_(dice), writer_(writer), abbr_(std::move(abbr)) {}
 
     std::string law(std::size_t sections) {
-        text_ = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<dokumente builddate=\"20250102030405\" doknr=\"X1\">";
+        text_ = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<dokumente builddate=\"20250102030405\" "
+                "doknr=\"X1\">";
         beginNorm();
-        text_ += fmt::format("<ausfertigung-datum manuell=\"ja\">1990-01-02</ausfertigung-datum><langue>{} {}</langue>"
-                             "<standangabe checked=\"ja\"><standtyp>Stand</standtyp><standkommentar>{}</standkommentar>"
-                             "</standangabe></metadaten><textdaten><fussnoten><Content><P>{}</P></Content></fussnoten>"
-                             "</textdaten></norm>\n",
-                             writer_.noun(), writer_.title(), writer_.title(), writer_.sentence());
+        text_ += fmt::format(
+            "<ausfertigung-datum manuell=\"ja\">1990-01-02</ausfertigung-datum><langue>{} {}</langue>"
+            "<standangabe checked=\"ja\"><standtyp>Stand</standtyp><standkommentar>{}</standkommentar>"
+            "</standangabe></metadaten><textdaten><fussnoten><Content><P>{}</P></Content></fussnoten>"
+            "</textdaten></norm>\n",
+            writer_.noun(), writer_.title(), writer_.title(), writer_.sentence());
         for (std::size_t i = 0; i < sections; ++i) {
             if (i % 9 == 0) heading(i / 9);
             section(fmt::format("{}{}", i + 1, dice_.isChance(6) ? "a" : ""));
@@ -205,7 +218,8 @@ public:
 
 private:
     void beginNorm() {
-        text_ += fmt::format("<norm builddate=\"20250102030405\" doknr=\"X1\"><metadaten><jurabk>{}</jurabk>", abbr_);
+        text_ += fmt::format("<norm builddate=\"20250102030405\" doknr=\"X1\"><metadaten><jurabk>{}</jurabk>",
+                             abbr_);
     }
 
     void heading(std::size_t number) {
@@ -215,10 +229,11 @@ private:
         if (level > 0) code += fmt::format("{:03}", number / 4 % 3 + 1);
         if (level > 1) code += fmt::format("{:03}", number % 4);
         beginNorm();
-        text_ += fmt::format("<gliederungseinheit><gliederungskennzahl>{}</gliederungskennzahl><gliederungsbez>{} {}"
-                             "</gliederungsbez><gliederungstitel>{}</gliederungstitel></gliederungseinheit></metadaten>"
-                             "<textdaten><fussnoten/></textdaten></norm>\n",
-                             code, names.at(level), number + 1, writer_.title());
+        text_ += fmt::format(
+            "<gliederungseinheit><gliederungskennzahl>{}</gliederungskennzahl><gliederungsbez>{} {}"
+            "</gliederungsbez><gliederungstitel>{}</gliederungstitel></gliederungseinheit></metadaten>"
+            "<textdaten><fussnoten/></textdaten></norm>\n",
+            code, names.at(level), number + 1, writer_.title());
     }
 
     void section(std::string_view id) {
@@ -226,7 +241,7 @@ private:
         text_ += fmt::format("<enbez>§ {}</enbez><titel format=\"parat\">{}</titel></metadaten><textdaten>"
                              "<text format=\"XML\"><Content>",
                              id, writer_.title());
-        const auto wanted = std::clamp(std::exp(6.03 + 0.85 * dice_.bell()), 90.0, 30'000.0);
+        const auto wanted = std::clamp(std::exp(6.02 + 0.85 * dice_.bell()), 90.0, 30'000.0);
         const auto end = text_.size() + static_cast<std::size_t>(wanted);
         for (std::size_t number = 1; text_.size() < end; ++number) paragraph(number);
         text_ += "</Content></text><fussnoten/></textdaten></norm>\n";
@@ -243,8 +258,9 @@ private:
     void list() {
         text_ += "<DL Type=\"arabic\">";
         for (std::size_t i = 1, last = dice_.between(2, 6); i <= last; ++i)
-            text_ += fmt::format("<DT>{}.</DT><DD Font=\"normal\" Size=\"normal\"><LA Size=\"normal\">{}</LA></DD>", i,
-                                 writer_.sentence());
+            text_ += fmt::format(
+                "<DT>{}.</DT><DD Font=\"normal\" Size=\"normal\"><LA Size=\"normal\">{}</LA></DD>", i,
+                writer_.sentence());
         text_ += "</DL>";
     }
 
@@ -273,7 +289,8 @@ std::vector<SyntheticLaw> syntheticLaws(std::size_t sections) {
     std::vector<SyntheticLaw> laws;
     for (std::size_t rank = 1; rank <= lawCount; ++rank) {
         // The first is the greatest, the last have a few dozen sections each.
-        const auto count = static_cast<std::size_t>(static_cast<double>(sections) / sum / static_cast<double>(rank));
+        const auto count =
+            static_cast<std::size_t>(static_cast<double>(sections) / sum / static_cast<double>(rank));
         auto abbr = fmt::format("Q{}XG", static_cast<char>('A' + rank - 1));
         auto document = LawWriter(dice, writer, abbr).law(std::max<std::size_t>(count, 3));
         laws.push_back({std::move(abbr), std::move(document)});

@@ -2,6 +2,7 @@
 
 #include "dictation/CrashRecovery.h"
 #include "foundation/Clock.h"
+#include "legal/LegalCorpus.h"
 #include "state/AppSettings.h"
 #include "state/ApplicationPaths.h"
 #include "state/DiagnosticsLog.h"
@@ -44,12 +45,20 @@ int runProgram(std::string_view executable) {
     const auto recovered =
         CrashRecovery::rescueLeftBehind(RecordingFolder(paths.recordings), rescueFolder, notifier);
 
+    const LegalCorpusStore laws(paths.laws(), QUERLIN_RESOURCES);
+    LegalCorpus corpus(laws, clock);
+    std::size_t sections = 0;
+    const auto loadedLaws = corpus.laws();
+    for (const auto& law : loadedLaws) sections += law.sections.size();
+
     fmt::print("{} ist startklar. Mikrofon, Spracherkennung und Fenster kommen mit den nächsten Schritten.\n"
                "  Diktate bisher:        {}\n"
                "  Nach Absturz gerettet: {}{}\n"
+               "  Gesetze:               {} mit {} Paragraphen\n"
                "  Protokoll:             {}\n",
                Product::name, statistics.dictationCount.get(), recovered,
-               recovered > 0 ? " (in " + rescueFolder.path().string() + ")" : "", log.path().string());
+               recovered > 0 ? " (in " + rescueFolder.path().string() + ")" : "", loadedLaws.size(), sections,
+               log.path().string());
     DiagnosticsLog::note("app", "=== Ende ===");
     return EXIT_SUCCESS;
 }

@@ -138,23 +138,34 @@ fs::path unfinishedName(const fs::path& file) {
     return folderOf(file) / fmt::format(".{}.{}{}", file.filename().string(), newUuid(), unfinishedSuffix);
 }
 
-FileResult<std::string> read(const fs::path& file, std::size_t limitInBytes) {
+FileResult<BigText> readBig(const fs::path& file, std::size_t limitInBytes) {
     const auto in = openForReading(file);
     if (!in) return lastFailure();
     struct stat status{};
     if (::fstat(in.number(), &status) != 0) return lastFailure();
     if (!S_ISREG(status.st_mode)) return failure(ENOTSUP);
+    if (static_cast<std::size_t>(status.st_size) > limitInBytes) return failure(EFBIG);
 
-    std::string content;
-    std::array<char, 64U << 10U> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init)
+    constexpr std::size_t leastRoom = 64U << 10U;
+    // One byte more than the file is said to have tells whether it has grown.
+    auto room = static_cast<std::size_t>(status.st_size) + 1;
+    BigText content;
     while (true) {
-        const auto count = ::read(in.number(), buffer.data(), buffer.size());
+        const auto before = content.size();
+        const auto count = ::read(in.number(), content.extend(room), room);
+        content.shrink(before + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return lastFailure();
         if (count == 0) return content;
-        content.append(buffer.data(), static_cast<std::size_t>(count));
         if (content.size() > limitInBytes) return failure(EFBIG);
+        room = std::max(room - static_cast<std::size_t>(count), leastRoom);
     }
+}
+
+FileResult<std::string> read(const fs::path& file, std::size_t limitInBytes) {
+    auto content = readBig(file, limitInBytes);
+    if (!content) return std::unexpected(content.error());
+    return std::string(*content);
 }
 
 FileResult<> writeAtomically(const fs::path& file, std::string_view content, Durability durability) {

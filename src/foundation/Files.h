@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/BigText.h"
 #include "foundation/Time.h"
 
 #include <cstdint>
@@ -38,6 +39,9 @@ enum class Durability : std::uint8_t {
 /// The whole content. A file of more than `limitInBytes`, and anything that is no regular file, is
 /// refused (`file_too_large`, `not_supported`).
 FileResult<std::string> read(const std::filesystem::path& file, std::size_t limitInBytes = 256U << 20U);
+
+/// The same into memory of megabytes.
+FileResult<BigText> readBig(const std::filesystem::path& file, std::size_t limitInBytes = 256U << 20U);
 
 /// Puts a whole file in place at once: whoever reads `file` finds the old content or the new, never
 /// a part. The folder must exist.

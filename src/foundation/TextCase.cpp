@@ -1,5 +1,6 @@
 #include "foundation/TextCase.h"
 
+#include "foundation/PlainText.h"
 #include "foundation/Utf8.h"
 
 #include <cstdint>
@@ -29,7 +30,7 @@ std::string converted(const std::string& text, Convert convert) {
     return U_SUCCESS(status) ? result : text;
 }
 
-enum class Case : std::uint8_t { Upper, Lower, Fold };
+enum class Case : std::uint8_t { Upper, Fold };
 
 /// Maps one scalar of U+0080 to U+00FF that `lowercaseLatin1` doesn't see to. What it becomes takes two
 /// bytes as well.
@@ -73,7 +74,6 @@ bool mapLatin(std::string_view text, Case to, std::string& result) {
     } else {
         lowercaseLatin1(text, result.data());
     }
-    if (to == Case::Lower) return true;
     for (auto at = asciiPrefix(text); at < text.size(); at += asciiPrefix(text.substr(at))) {
         const bool isPunctuation = static_cast<unsigned char>(text[at]) >= 0xE0;
         if (!isPunctuation) mapLatin1(result.data() + at, to);
@@ -121,22 +121,12 @@ std::string uppercase(std::string_view text) {
 
 std::string lowercase(std::string_view text) {
     std::string result;
-    if (mapLatin(text, Case::Lower, result)) return result;
+    result.resize_and_overwrite(text.size(), [&](char* lower, std::size_t /*room*/) {
+        return lowercasePlainText(text, lower) ? text.size() : 0;
+    });
+    if (result.size() == text.size()) return result;
     return converted(validUtf8(text), [](icu::StringPiece source, icu::ByteSink& sink, UErrorCode& status) {
         icu::CaseMap::utf8ToLower("", 0, source, sink, nullptr, status);
-    });
-}
-
-void appendLowercase(std::string_view text, std::string& to) {
-    if (!isLatin1WithPunctuation(text)) {
-        to += lowercase(text);
-        return;
-    }
-    const auto before = to.size();
-    const auto after = before + text.size();
-    to.resize_and_overwrite(after, [&](char* bytes, std::size_t /*room*/) {
-        lowercaseLatin1(text, bytes + before);
-        return after;
     });
 }
 

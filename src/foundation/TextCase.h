@@ -11,9 +11,6 @@ namespace querlin {
 std::string uppercase(std::string_view text);
 std::string lowercase(std::string_view text);
 
-/// Adds a text in small letters, as `lowercase` gives it.
-void appendLowercase(std::string_view text, std::string& to);
-
 /// Small letters for A to Z and U+00C0 to U+00DE alone, byte for byte; all else is copied. Writes as many
 /// bytes as the text has.
 void lowercaseLatin1(std::string_view text, char* lower);

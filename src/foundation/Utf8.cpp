@@ -1,5 +1,7 @@
 #include "foundation/Utf8.h"
 
+#include "foundation/PlainText.h"
+
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -21,7 +23,7 @@ std::int32_t nextScalar(std::string_view text, std::size_t& at) {
 
 /// The position of the first ill-formed byte, or the length.
 std::size_t validPrefix(std::string_view text) {
-    if (isLatin1(text)) return text.size();
+    if (isPlainText(text)) return text.size();
     std::size_t at = 0;
     while (true) {
         at += latinPrefix(text.substr(at));

@@ -17,13 +17,13 @@ bool isAllowed(std::uint64_t length) { return length > 0 && length <= longestDoc
 
 } // namespace
 
-std::optional<std::string> inflate(std::string_view container) {
+std::optional<BigText> inflate(std::string_view container) {
     Length length = 0;
     if (container.size() <= sizeof(length)) return std::nullopt;
     std::memcpy(&length, container.data(), sizeof(length));
     // A negative one is far too great.
     if (!isAllowed(static_cast<std::uint64_t>(length))) return std::nullopt;
-    return RawDeflate::inflate(container.substr(sizeof(length)), static_cast<std::size_t>(length));
+    return RawDeflate::inflateBig(container.substr(sizeof(length)), static_cast<std::size_t>(length));
 }
 
 std::optional<std::string> deflate(std::string_view document) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/BigText.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -12,7 +14,7 @@ namespace querlin::CorpusContainer {
 inline constexpr std::size_t longestDocumentInBytes = 0x1FFF'FFFF;
 
 /// The document; nothing for what is no such file. A length that the stream can't have takes no memory.
-std::optional<std::string> inflate(std::string_view container);
+std::optional<BigText> inflate(std::string_view container);
 
 /// Nothing for a document that `inflate` wouldn't take.
 std::optional<std::string> deflate(std::string_view document);

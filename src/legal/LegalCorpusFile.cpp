@@ -266,9 +266,9 @@ void writeFields(Writer& writer, const Record& record, std::span<const Field<Rec
 
 } // namespace
 
-std::expected<LegalCorpusFile, std::string> LegalCorpusFile::fromJson(std::string document) {
+std::expected<LegalCorpusFile, std::string> LegalCorpusFile::fromJson(BigText document) {
     constexpr unsigned flags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag;
-    const auto owned = std::make_shared<std::string>(std::move(document));
+    const auto owned = std::make_shared<BigText>(std::move(document));
     rapidjson::InsituStringStream stream(owned->data());
     CorpusBuilder builder(owned);
     rapidjson::Reader reader;
@@ -311,7 +311,7 @@ std::expected<LoadedCorpus, std::string> loadCorpus(const std::filesystem::path&
     const auto failed = [](std::string_view reason) {
         return fmt::format("Laden fehlgeschlagen: {}", reason);
     };
-    auto container = Files::read(file);
+    auto container = Files::readBig(file);
     if (!container) return std::unexpected(failed(container.error().description()));
     auto document = CorpusContainer::inflate(*container);
     if (!document) return std::unexpected("Korpus liess sich nicht entpacken.");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/BigText.h"
 #include "legal/LegalLaw.h"
 
 #include <cstddef>
@@ -22,7 +23,10 @@ struct LegalCorpusFile {
     /// Reads the JSON form (RFC 8259). Every key must be there with its type, keys that aren't known are
     /// passed over, and of two of one name the last counts. The texts of the result are views into the
     /// document, which they keep. The error is a German sentence.
-    static std::expected<LegalCorpusFile, std::string> fromJson(std::string document);
+    static std::expected<LegalCorpusFile, std::string> fromJson(BigText document);
+    static std::expected<LegalCorpusFile, std::string> fromJson(std::string_view document) {
+        return fromJson(BigText(document));
+    }
     std::string toJson() const;
 };
 

@@ -47,7 +47,12 @@ enum class Element : std::uint8_t {
     cell
 };
 
-constexpr auto elementNames = std::to_array<std::pair<std::string_view, Element>>({
+struct ElementName {
+    std::string_view name;
+    Element element = Element::other;
+};
+
+constexpr auto elementNames = std::to_array<ElementName>({
     {"P", Element::paragraph},
     {"DT", Element::line},
     {"BR", Element::line},
@@ -58,10 +63,10 @@ constexpr auto elementNames = std::to_array<std::pair<std::string_view, Element>
     {"norm", Element::norm},
     {"metadaten", Element::metadaten},
     {"text", Element::text},
+    {"standangabe", Element::standangabe},
+    {"langue", Element::langue},
     {"enbez", Element::enbez},
     {"titel", Element::titel},
-    {"langue", Element::langue},
-    {"standangabe", Element::standangabe},
     {"standtyp", Element::standtyp},
     {"standkommentar", Element::standkommentar},
     {"gliederungskennzahl", Element::gliederungskennzahl},
@@ -69,9 +74,29 @@ constexpr auto elementNames = std::to_array<std::pair<std::string_view, Element>
     {"gliederungstitel", Element::gliederungstitel},
 });
 
+constexpr std::size_t placeCount = 64;
+
+/// A place of its own for each of the names, by its length and its ends.
+constexpr std::size_t placeOf(std::string_view name) {
+    const auto first = static_cast<unsigned char>(name.front());
+    const auto last = static_cast<unsigned char>(name.back());
+    return (name.size() + first + 3 * last) % placeCount;
+}
+
+constexpr auto elementsByPlace = [] {
+    std::array<ElementName, placeCount> table{};
+    for (const auto& row : elementNames) table.at(placeOf(row.name)) = row;
+    return table;
+}();
+static_assert(std::ranges::all_of(elementNames,
+                                  [](const auto& row) {
+                                      return elementsByPlace.at(placeOf(row.name)).name == row.name;
+                                  }),
+              "two names have one place");
+
 Element elementNamed(std::string_view name) {
-    const auto* found = std::ranges::find(elementNames, name, &std::pair<std::string_view, Element>::first);
-    return found == elementNames.end() ? Element::other : found->second;
+    const auto& found = elementsByPlace.at(placeOf(name)); // A name has a letter at least.
+    return found.name == name ? found.element : Element::other;
 }
 
 /// What an element puts in front of its content.
@@ -92,6 +117,9 @@ std::string_view separatorOf(Element element) {
 constexpr std::size_t deepestNesting = 256;
 
 constexpr std::string_view noBreakSpace = "\u00A0";
+
+/// Whether a run of words may end in front of a byte.
+bool mayEnd(char byte) { return byte == ' ' || byte == '\n' || byte == noBreakSpace.front(); }
 
 /// Brings the text of a section into its form: runs of blanks are one blank, none stand at a line's ends, one
 /// empty line at most stands between two lines. The tabs in front of table cells stay; those of the source
@@ -116,7 +144,8 @@ std::string cleaned(std::string_view text) {
             }
             lineFeeds = 0;
             hasBlank = false;
-            const auto length = std::min(text.find_first_of(" \n\xC2", 1), text.size());
+            std::size_t length = 1;
+            while (length < text.size() && !mayEnd(text[length])) ++length;
             result += text.substr(0, length);
             text.remove_prefix(length);
         }

@@ -19,17 +19,37 @@ constexpr int compressionLevel = 9;
 using Decompressor = std::unique_ptr<libdeflate_decompressor, Release<libdeflate_free_decompressor>>;
 using Compressor = std::unique_ptr<libdeflate_compressor, Release<libdeflate_free_compressor>>;
 
+/// Whether a stream of so many bytes can unpack to a length.
+bool isPossible(std::size_t lengthInBytes, std::string_view stream) {
+    return lengthInBytes / mostBytesOutOfOne <= stream.size();
+}
+
+bool inflateInto(std::string_view stream, char* bytes, std::size_t lengthInBytes) {
+    const Decompressor decompressor(libdeflate_alloc_decompressor());
+    if (!decompressor) throw std::bad_alloc();
+    // Told no place for the true count, the library fails unless it is the length that was asked for.
+    return libdeflate_deflate_decompress(decompressor.get(), stream.data(), stream.size(), bytes,
+                                         lengthInBytes, nullptr) == LIBDEFLATE_SUCCESS;
+}
+
 } // namespace
 
 std::optional<std::string> inflate(std::string_view stream, std::size_t lengthInBytes) {
-    if (lengthInBytes / mostBytesOutOfOne > stream.size()) return std::nullopt;
-    const Decompressor decompressor(libdeflate_alloc_decompressor());
-    if (!decompressor) throw std::bad_alloc();
-    std::string bytes(lengthInBytes, '\0');
-    // Told no place for the true count, the library fails unless it is the length that was asked for.
-    const auto result = libdeflate_deflate_decompress(decompressor.get(), stream.data(), stream.size(),
-                                                      bytes.data(), bytes.size(), nullptr);
-    return result == LIBDEFLATE_SUCCESS ? std::optional(std::move(bytes)) : std::nullopt;
+    if (!isPossible(lengthInBytes, stream)) return std::nullopt;
+    std::string bytes;
+    bool isWhole = false;
+    bytes.resize_and_overwrite(lengthInBytes, [&](char* room, std::size_t /*size*/) {
+        isWhole = inflateInto(stream, room, lengthInBytes);
+        return isWhole ? lengthInBytes : 0;
+    });
+    return isWhole ? std::optional(std::move(bytes)) : std::nullopt;
+}
+
+std::optional<BigText> inflateBig(std::string_view stream, std::size_t lengthInBytes) {
+    if (!isPossible(lengthInBytes, stream)) return std::nullopt;
+    BigText bytes(lengthInBytes);
+    if (!inflateInto(stream, bytes.data(), lengthInBytes)) return std::nullopt;
+    return bytes;
 }
 
 std::string deflate(std::string_view bytes) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/BigText.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -11,6 +13,8 @@ namespace querlin::RawDeflate {
 /// Unpacks a stream that must yield exactly so many bytes; nothing for a damaged stream, and for one that
 /// yields fewer or more. Memory for a length that no such stream can have is never asked for.
 std::optional<std::string> inflate(std::string_view stream, std::size_t lengthInBytes);
+/// The same into memory of megabytes.
+std::optional<BigText> inflateBig(std::string_view stream, std::size_t lengthInBytes);
 
 std::string deflate(std::string_view bytes);
 

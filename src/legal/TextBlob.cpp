@@ -1,11 +1,14 @@
 #include "legal/TextBlob.h"
 
+#include "foundation/PlainText.h"
 #include "foundation/TextCase.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
+#include <limits>
+#include <span>
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -21,38 +24,44 @@ constexpr auto nowhere = std::string_view::npos;
 constexpr std::string_view commonestFirst = " enirtsahdugclbomf.kz,w\xC3\xBCv1p2s3)(\xA4\n"
                                             "54\xB6\x9F-6798j0\xA7\xC2qx;y\xE2\x80:/";
 
+/// How common each byte is: half as common in the second place, a third in the third.
 constexpr auto commonness = [] {
-    std::array<std::uint8_t, 256> table{};
+    std::array<unsigned, 256> table{};
+    table.fill(1);
     for (std::size_t i = commonestFirst.size(); i > 0; --i)
-        table.at(static_cast<unsigned char>(commonestFirst[i - 1])) =
-            static_cast<std::uint8_t>(commonestFirst.size() - i + 1);
+        table.at(static_cast<unsigned char>(commonestFirst[i - 1])) = static_cast<unsigned>(1000 / i);
     return table;
 }();
 
-/// A few bytes of a term by which places that can't hold it are told at a glance: the rarest ones.
+/// The places of a term that tell most about it: where its bytes are rare, and not side by side, for letters
+/// that often follow each other tell little more than one of them ("ch", "qu").
 class Probes {
 public:
     static constexpr std::size_t count = 3;
 
     explicit Probes(std::string_view term) {
-        const auto isRarer = [term](std::size_t a, std::size_t b) {
-            return commonness.at(static_cast<unsigned char>(term[a])) <
-                   commonness.at(static_cast<unsigned char>(term[b]));
-        };
         for (std::size_t chosen = 0; chosen < count; ++chosen) {
-            std::size_t best = nowhere;
+            auto least = std::numeric_limits<unsigned>::max();
+            // Where a term has too few bytes, the first place is probed again.
+            offsets_.at(chosen) = offsets_.front();
             for (std::size_t i = 0; i < term.size(); ++i) {
-                const bool isTaken =
-                    std::find(offsets.begin(), offsets.begin() + chosen, i) != offsets.begin() + chosen;
-                if (!isTaken && (best == nowhere || isRarer(i, best))) best = i;
+                const auto known = std::span(offsets_).first(chosen);
+                if (std::ranges::count(known, i) > 0) continue;
+                const auto neighbours =
+                    std::ranges::count_if(known, [i](auto at) { return at + 1 == i || i + 1 == at; });
+                const auto said = commonness.at(static_cast<unsigned char>(term[i])) << (2 * neighbours);
+                if (said >= least) continue;
+                least = said;
+                offsets_.at(chosen) = i;
             }
-            // A term shorter than that is probed twice at one place.
-            offsets.at(chosen) = best == nowhere ? offsets.front() : best;
         }
     }
 
-    std::array<std::size_t, count> offsets{};
-    std::size_t furthest() const { return *std::ranges::max_element(offsets); }
+    const std::array<std::size_t, count>& offsets() const { return offsets_; }
+    std::size_t furthest() const { return *std::ranges::max_element(offsets_); }
+
+private:
+    std::array<std::size_t, count> offsets_{};
 };
 
 std::size_t findPortably(std::string_view text, std::string_view term, std::size_t from) {
@@ -64,45 +73,68 @@ std::size_t findPortably(std::string_view text, std::string_view term, std::size
 
 #if defined(__x86_64__)
 
-[[gnu::target("avx2")]] std::size_t findWithAvx2(std::string_view text, std::string_view term,
-                                                 const Probes& probes, std::size_t from) {
-    constexpr std::size_t width = 32;
-    const auto furthest = probes.furthest();
-    const auto [first, second, third] = probes.offsets;
-    const auto firstByte = _mm256_set1_epi8(term[first]);
-    const auto secondByte = _mm256_set1_epi8(term[second]);
-    const auto thirdByte = _mm256_set1_epi8(term[third]);
-    const auto* bytes = text.data();
-    const auto at = [bytes](std::size_t offset) __attribute__((target("avx2"))) {
-        return _mm256_loadu_si256(
-            reinterpret_cast<const __m256i*>(bytes + offset)); // NOLINT: as it is loaded
-    };
-    for (; from + width + furthest <= text.size(); from += width) {
-        const auto both = _mm256_and_si256(_mm256_cmpeq_epi8(at(from + first), firstByte),
-                                           _mm256_cmpeq_epi8(at(from + second), secondByte));
-        const auto all = _mm256_and_si256(both, _mm256_cmpeq_epi8(at(from + third), thirdByte));
-        auto candidates = static_cast<std::uint32_t>(_mm256_movemask_epi8(all));
-        for (; candidates != 0; candidates &= candidates - 1) {
-            const auto place = from + static_cast<std::size_t>(std::countr_zero(candidates));
-            if (text.size() - place >= term.size() &&
-                std::memcmp(bytes + place, term.data(), term.size()) == 0)
-                return place;
+/// Looks at four blocks at once and, where one of them might hold the term, at its bytes.
+class Avx2Finder {
+public:
+    Avx2Finder(std::string_view text, std::string_view term) : text_(text), term_(term), probes_(term) {}
+
+    [[gnu::target("avx2")]] std::size_t find(std::size_t from) const {
+        constexpr std::size_t ahead = 2048; // The processor doesn't fetch beyond a page by itself.
+        const auto furthest = probes_.furthest();
+        const std::array<Register, Probes::count> wanted = {byte(0), byte(1), byte(2)};
+        std::array<Register, blocks> candidates; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
+        for (; from + blocks * width + furthest <= text_.size(); from += blocks * width) {
+            for (std::size_t line = 0; line < blocks * width; line += cacheLine)
+                _mm_prefetch(text_.data() + from + ahead + line, _MM_HINT_T0);
+            auto any = _mm256_setzero_si256();
+            for (std::size_t i = 0; i < blocks; ++i) {
+                candidates[i] = candidatesAt(from + i * width, wanted);
+                any = _mm256_or_si256(any, candidates[i].bytes);
+            }
+            if (_mm256_testz_si256(any, any) != 0) continue;
+            for (std::size_t i = 0; i < blocks; ++i) {
+                auto places = static_cast<std::uint32_t>(_mm256_movemask_epi8(candidates[i].bytes));
+                for (; places != 0; places &= places - 1) {
+                    const auto place = from + i * width + static_cast<std::size_t>(std::countr_zero(places));
+                    if (text_.substr(place).starts_with(term_)) return place;
+                }
+            }
         }
+        return findPortably(text_, term_, from);
     }
-    return findPortably(text, term, from);
-}
+
+private:
+    static constexpr std::size_t width = 32;
+    static constexpr std::size_t blocks = 4;
+    static constexpr std::size_t cacheLine = 64;
+
+    struct Register {
+        __m256i bytes;
+    };
+
+    [[gnu::target("avx2"), gnu::always_inline]] Register byte(std::size_t probe) const {
+        return {_mm256_set1_epi8(term_[probes_.offsets()[probe]])};
+    }
+    /// Not 0 where all probes find what they look for.
+    [[gnu::target("avx2"), gnu::always_inline]] Register
+    candidatesAt(std::size_t from, const std::array<Register, Probes::count>& wanted) const {
+        auto all = _mm256_set1_epi8(-1);
+        for (std::size_t i = 0; i < Probes::count; ++i) {
+            const auto* place = text_.data() + from + probes_.offsets()[i];
+            const auto found = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(place)); // NOLINT: as it's meant
+            all = _mm256_and_si256(all, _mm256_cmpeq_epi8(found, wanted[i].bytes));
+        }
+        return {all};
+    }
+
+    std::string_view text_;
+    std::string_view term_;
+    Probes probes_;
+};
 
 #endif
 
 } // namespace
-
-Scanning bestScanning() {
-#if defined(__x86_64__)
-    static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
-    if (hasAvx2) return Scanning::avx2;
-#endif
-    return Scanning::portable;
-}
 
 /// Tells which text a byte belongs to, for bytes that come in their order.
 class TextBlob::Cursor {
@@ -133,20 +165,27 @@ TextBlob::TextBlob(std::size_t texts, std::size_t bytes) {
 }
 
 void TextBlob::append(std::string_view text) {
-    appendLowercase(text, bytes_);
-    bytes_ += '\n';
+    const auto before = bytes_.size();
+    auto* place = bytes_.extend(text.size());
+    if (!lowercasePlainText(text, place)) {
+        bytes_.shrink(before);
+        bytes_.append(lowercase(text));
+    }
+    *bytes_.extend(1) = '\n';
     starts_.push_back(static_cast<std::uint32_t>(bytes_.size()));
 }
 
-void TextBlob::search(std::string_view bytes, Range range, const Visitor& visit, Scanning scanning) const {
+void TextBlob::search(std::string_view bytes, Range range, const Visitor& visit, Registers registers) const {
     if (bytes.empty() || range.first >= range.end) return;
     // What begins in the last text may end behind it.
     const std::string_view text =
         std::string_view(bytes_).substr(0, std::min(bytes_.size(), starts_[range.end] + bytes.size() - 1));
-    const Probes probes(bytes);
+#if defined(__x86_64__)
+    const Avx2Finder finder(text, bytes);
+#endif
     const auto find = [&](std::size_t from) {
 #if defined(__x86_64__)
-        if (scanning == Scanning::avx2) return findWithAvx2(text, bytes, probes, from);
+        if (registers == Registers::avx2) return finder.find(from);
 #endif
         return findPortably(text, bytes, from);
     };

@@ -1,19 +1,15 @@
 #pragma once
 
+#include "foundation/BigText.h"
+#include "foundation/Processor.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <string>
 #include <string_view>
 #include <vector>
 
 namespace querlin {
-
-/// How a blob looks for bytes: with the processor's wide registers or without.
-enum class Scanning : std::uint8_t { portable, avx2 };
-
-/// The better one of those that this processor has.
-Scanning bestScanning();
 
 /// Many texts in small letters, one behind the other in one stretch of memory, to be searched by bytes.
 ///
@@ -37,12 +33,12 @@ public:
     /// Calls with each text of the range that holds the bytes, in their order and each once. No bytes are
     /// held by none.
     void search(std::string_view bytes, Range range, const Visitor& visit,
-                Scanning scanning = bestScanning()) const;
+                Registers registers = widestRegisters()) const;
 
 private:
     class Cursor;
 
-    std::string bytes_;
+    BigText bytes_;
     /// Where each text begins, and the length of all.
     std::vector<std::uint32_t> starts_{0};
 };

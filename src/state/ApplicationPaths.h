@@ -17,6 +17,8 @@ struct ApplicationPaths {
     /// the login and a power cut, so that a recording cut off by one can be rescued.
     std::filesystem::path recordings;
 
+    /// The law texts that updates have fetched.
+    std::filesystem::path laws() const { return support / "Gesetze"; }
     std::filesystem::path rescuedDictations() const { return support / "Gerettete Diktate"; }
     std::filesystem::path preferencesFile(std::string_view domain) const;
 

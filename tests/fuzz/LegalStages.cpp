@@ -42,9 +42,9 @@ void law(std::string_view document, unsigned options) {
 
 void corpus(std::string_view bytes, unsigned options) {
     // Every other input is a container, the others are the document in it.
-    const auto document = (options & 1U) != 0 ? CorpusContainer::inflate(bytes) : std::optional<std::string>(bytes);
+    const auto document = (options & 1U) != 0 ? CorpusContainer::inflate(bytes) : std::optional<BigText>(bytes);
     if (!document) return;
-    const auto read = LegalCorpusFile::fromJson(*document);
+    const auto read = LegalCorpusFile::fromJson(std::string_view(*document));
     if (!read) return require(!read.error().empty(), "a failure has words");
     const auto again = LegalCorpusFile::fromJson(read->toJson());
     require(again && *again == *read, "what is written is read");
@@ -73,13 +73,13 @@ void search(std::string_view text, unsigned options) {
         const auto place = all.find(term, starts[i]);
         if (place < starts[i + 1]) expected.push_back(i);
     }
-    for (const auto scanning : {Scanning::portable, bestScanning()}) {
+    for (const auto registers : {Registers::portable, widestRegisters()}) {
         std::vector<std::size_t> found;
         const auto take = [&found](std::size_t number) {
             found.push_back(number);
             return true;
         };
-        blob.search(term, {0, count}, take, scanning);
+        blob.search(term, {0, count}, take, registers);
         require(found == expected, "what anyone would find is found");
     }
     std::size_t hits = 0;

@@ -9,12 +9,12 @@
 namespace querlin {
 namespace {
 
-std::vector<std::size_t> found(const TextBlob& blob, std::string_view term, TextBlob::Range range, Scanning scanning) {
+std::vector<std::size_t> found(const TextBlob& blob, std::string_view term, TextBlob::Range range, Registers registers) {
     std::vector<std::size_t> numbers;
     blob.search(term, range, [&numbers](std::size_t number) {
         numbers.push_back(number);
         return true;
-    }, scanning);
+    }, registers);
     return numbers;
 }
 
@@ -49,8 +49,8 @@ TEST(TextBlob, FindsWhatAnyoneWouldFind) {
                 const bool begins = place != std::string::npos && place < texts[i - 1].size();
                 if (begins && !term.empty() && i > range.first && i <= range.end) expected.insert(expected.begin(), i - 1);
             }
-            EXPECT_EQ(found(blob, term, range, Scanning::portable), expected) << term;
-            EXPECT_EQ(found(blob, term, range, bestScanning()), expected) << term;
+            EXPECT_EQ(found(blob, term, range, Registers::portable), expected) << term;
+            EXPECT_EQ(found(blob, term, range, widestRegisters()), expected) << term;
         }
     }
 }

@@ -1,0 +1,52 @@
+#include "foundation/BigText.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include <sys/mman.h>
+
+namespace querlin {
+
+void BigText::Unmap::operator()(char* memory) const { ::munmap(memory, length); }
+
+BigText::Memory BigText::map(std::size_t capacity) {
+    constexpr std::size_t smallPage = 4096;
+    constexpr std::size_t largePage = 2U << 20U;
+    const auto length = (capacity + roomBehind + smallPage - 1) / smallPage * smallPage;
+    // A large page begins at a multiple of its size: one more is asked for, and what juts out is given back.
+    const auto asked = length + largePage;
+    void* start = ::mmap(nullptr, asked, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (start == MAP_FAILED) throw std::bad_alloc(); // NOLINT: the system's constant
+    void* aligned = start;
+    auto space = asked;
+    std::align(largePage, length, aligned, space);
+    auto* memory = static_cast<char*>(aligned);
+    if (asked > space) ::munmap(start, asked - space);
+    if (space > length) ::munmap(memory + length, space - length);
+    ::madvise(memory, length, MADV_HUGEPAGE); // Where there are none it does no harm.
+    return Memory(memory, Unmap{length});
+}
+
+BigText::BigText(std::size_t size) : memory_(map(size)), size_(size), capacity_(size) {}
+
+BigText::BigText(std::string_view text) : BigText(text.size()) { text.copy(data(), text.size()); }
+
+void BigText::reserve(std::size_t capacity) {
+    if (capacity <= capacity_) return;
+    auto larger = map(capacity);
+    if (size_ > 0) std::memcpy(larger.get(), memory_.get(), size_);
+    memory_ = std::move(larger);
+    capacity_ = capacity;
+}
+
+char* BigText::extend(std::size_t bytes) {
+    if (size_ + bytes > capacity_) reserve(std::max(size_ + bytes, capacity_ * 2));
+    auto* place = memory_.get() + size_;
+    size_ += bytes;
+    return place;
+}
+
+void BigText::append(std::string_view text) { text.copy(extend(text.size()), text.size()); }
+
+} // namespace querlin

@@ -1,0 +1,131 @@
+#include "foundation/PlainText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace querlin {
+
+namespace {
+
+// A register full of bytes at once. A comparison gives 0xFF where it holds and 0 elsewhere.
+
+template<std::size_t width>
+struct BlockOf;
+template<>
+struct BlockOf<16> {
+    using Type = std::uint8_t __attribute__((vector_size(16)));
+};
+template<>
+struct BlockOf<32> {
+    using Type = std::uint8_t __attribute__((vector_size(32)));
+};
+template<std::size_t width>
+using Block = BlockOf<width>::Type;
+
+/// The bytes of a block, and for each the one in front of it and the one in front of that.
+template<std::size_t width>
+struct Places {
+    Block<width> byte;
+    Block<width> before;
+    Block<width> twoBefore;
+
+    /// Reads what stands from `bytes` on, and two bytes in front of it.
+    [[gnu::always_inline]] void load(const char* bytes) {
+        std::memcpy(&byte, bytes, width);
+        std::memcpy(&before, bytes - 1, width);
+        std::memcpy(&twoBefore, bytes - 2, width);
+    }
+    /// Adds what isn't 0 where a byte can't stand.
+    [[gnu::always_inline]] void addFaults(Block<width>& faults) const {
+        using Bytes = Block<width>;
+        const auto continues = Bytes((byte & 0xC0) == 0x80);
+        const auto isSecondOfThree = Bytes(before == 0xE2);
+        const auto isAwaited = Bytes((before & 0xFE) == 0xC2) | isSecondOfThree | Bytes(twoBefore == 0xE2);
+        const auto isOther = Bytes(byte >= 0xC4) & Bytes(byte != 0xE2);
+        const auto isOverlong = Bytes((byte & 0xFE) == 0xC0);
+        const auto isLetterlike = isSecondOfThree & Bytes(byte >= 0x84); // U+2100 and up
+        faults |= (continues ^ isAwaited) | isOther | isOverlong | isLetterlike;
+    }
+    [[gnu::always_inline]] void lowercase(Block<width>& lower) const {
+        using Bytes = Block<width>;
+        const auto isCapital = Bytes(byte - 'A' < 26);
+        const auto isUmlaut = Bytes(before == 0xC3) & Bytes(byte - 0x80 < 0x1F) & Bytes(byte != 0x97);
+        lower = byte + ((isCapital | isUmlaut) & 0x20);
+    }
+};
+
+/// Calls `take` with the places of each block, where it begins and how many bytes it has. Whether all bytes
+/// may stand where they do.
+template<std::size_t width, class Take>
+[[gnu::always_inline]] inline bool walk(std::string_view text, Take take) {
+    Block<width> faults{};
+    Places<width> at;
+    for (std::size_t start = 0; start <= text.size(); start += width) {
+        const auto length = std::min(width, text.size() - start);
+        if (start > 0 && length == width) {
+            at.load(text.data() + start);
+        } else {
+            // At the ends a copy with blanks around it: what is left open at the end shows there.
+            std::array<char, width + 2> copy; // NOLINT(cppcoreguidelines-pro-type-member-init): filled next
+            copy.fill(' ');
+            const auto before = std::min<std::size_t>(start, 2);
+            std::memcpy(copy.data() + 2 - before, text.data() + start - before, before + length);
+            at.load(copy.data() + 2);
+        }
+        at.addFaults(faults);
+        take(at, start, length);
+    }
+    std::array<std::uint64_t, width / sizeof(std::uint64_t)> words{};
+    std::memcpy(words.data(), &faults, width);
+    return std::ranges::all_of(words, [](std::uint64_t word) { return word == 0; });
+}
+
+template<std::size_t width>
+[[gnu::always_inline]] inline bool check(std::string_view text) {
+    return walk<width>(text, [](const Places<width>&, std::size_t, std::size_t) {});
+}
+
+template<std::size_t width>
+[[gnu::always_inline]] inline bool lowercaseInto(std::string_view text, char* lower) {
+    return walk<width>(text, [lower](const Places<width>& at, std::size_t start, std::size_t length) {
+        Block<width> block;
+        at.lowercase(block);
+        if (length == width) {
+            std::memcpy(lower + start, &block, width);
+        } else {
+            std::memcpy(lower + start, &block, length);
+        }
+    });
+}
+
+constexpr std::size_t portableWidth = 16;
+
+#if defined(__x86_64__)
+constexpr std::size_t avx2Width = 32;
+
+[[gnu::target("avx2")]] bool checkWithAvx2(std::string_view text) { return check<avx2Width>(text); }
+[[gnu::target("avx2")]] bool lowercaseWithAvx2(std::string_view text, char* lower) {
+    return lowercaseInto<avx2Width>(text, lower);
+}
+#endif
+
+} // namespace
+
+bool isPlainText(std::string_view text, [[maybe_unused]] Registers registers) {
+#if defined(__x86_64__)
+    if (registers == Registers::avx2) return checkWithAvx2(text);
+#endif
+    return check<portableWidth>(text);
+}
+
+bool lowercasePlainText(std::string_view text, char* lower, [[maybe_unused]] Registers registers) {
+#if defined(__x86_64__)
+    if (registers == Registers::avx2) return lowercaseWithAvx2(text, lower);
+#endif
+    return lowercaseInto<portableWidth>(text, lower);
+}
+
+} // namespace querlin

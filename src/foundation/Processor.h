@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+namespace querlin {
+
+/// Which of a processor's registers a loop may use.
+enum class Registers : std::uint8_t { portable, avx2 };
+
+/// The widest ones that this processor has and that we have code for.
+inline Registers widestRegisters() {
+#if defined(__x86_64__)
+    static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
+    if (hasAvx2) return Registers::avx2;
+#endif
+    return Registers::portable;
+}
+
+} // namespace querlin
