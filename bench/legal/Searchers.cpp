@@ -5,10 +5,11 @@
 namespace querlin::bench {
 
 Searchers::Searchers(const Corpus& corpus, PlainCorpus plain) :
-    index_(corpus.laws),
-    texts_(plain.texts.starts.size(), plain.texts.bytes.size()),
+    index_(plain.texts.bytes.size()),
+    texts_(plain.texts.bytes.size()),
     plain_(std::move(plain)) {
     for (const auto& law : corpus.laws) {
+        index_.add(law.sections);
         for (const auto& section : law.sections) {
             sections_.push_back(&section);
             texts_.append(section.text);
@@ -20,7 +21,7 @@ Searchers::Searchers(const Corpus& corpus, PlainCorpus plain) :
 
 const std::vector<const LegalSection*>& Searchers::ours(std::string_view term) {
     found_.clear();
-    index_.matches(term, SearchIndex::Part::texts, nullptr, [this](const SearchIndex::Entry& entry) {
+    index_.matches(term, SearchIndex::Part::texts, std::nullopt, [this](const SearchIndex::Entry& entry) {
         found_.push_back(entry.section);
         return true;
     });

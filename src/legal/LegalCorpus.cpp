@@ -6,56 +6,55 @@
 #include "foundation/Replacing.h"
 #include "foundation/TextCase.h"
 #include "foundation/Trimming.h"
+#include "legal/CorpusIndexer.h"
 #include "legal/LegalCorpusFile.h"
-#include "legal/SearchIndex.h"
 #include "state/DiagnosticsLog.h"
 
 #include <algorithm>
+#include <map>
 #include <ranges>
 #include <set>
-#include <unordered_map>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 namespace querlin {
 
-/// One version of the laws, with all that answers need. Its members point into its laws.
+/// One version of the laws, with all that answers need.
 class LegalCorpus::Snapshot {
 public:
-    explicit Snapshot(std::vector<LegalLaw> laws) : laws_(std::move(laws)), index_(laws_) {
-        for (const auto& law : laws_) {
-            auto& sections = byNumber_[uppercase(law.abbr)];
-            sections.reserve(sections.size() + law.sections.size());
-            for (const auto& section : law.sections) sections.insert_or_assign(section.id, &section);
+    /// The index is of these laws.
+    Snapshot(std::vector<LegalLaw> laws, CorpusIndex index) :
+        laws_(std::move(laws)), index_(std::move(index)) {
+        for (std::size_t number = 0; number < laws_.size(); ++number) {
+            byName_.insert_or_assign(uppercase(laws_[number].abbr), number);
+            longestNameFirst_.push_back(number);
         }
-        for (const auto& law : laws_) longestNameFirst_.push_back(&law);
         std::ranges::stable_sort(longestNameFirst_, std::ranges::greater(),
-                                 [](const LegalLaw* law) { return graphemeCount(law->abbr); });
+                                 [this](std::size_t number) { return graphemeCount(laws_[number].abbr); });
     }
-    Snapshot(const Snapshot&) = delete;
-    Snapshot& operator=(const Snapshot&) = delete;
 
     const std::vector<LegalLaw>& laws() const { return laws_; }
-    const std::vector<const LegalLaw*>& longestNameFirst() const { return longestNameFirst_; }
-    const SearchIndex& index() const { return index_; }
+    /// The numbers of the laws, those with the longest names first.
+    const std::vector<std::size_t>& longestNameFirst() const { return longestNameFirst_; }
+    const SearchIndex& words() const { return index_.words; }
 
-    /// By the id in small letters.
-    const LegalSection* section(std::string_view id, std::string_view law) const {
-        const auto sections = byNumber_.find(uppercase(law));
-        if (sections == byNumber_.end()) return nullptr;
-        const auto found = sections->second.find(id);
-        return found == sections->second.end() ? nullptr : found->second;
+    /// By the law's number and the id in small letters; null if there is none.
+    const LegalSection* section(std::size_t law, std::string_view id) const {
+        const auto found = index_.numbers[law].find(id);
+        return found == index_.numbers[law].end() ? nullptr : found->second;
+    }
+    const LegalSection* section(std::string_view law, std::string_view id) const {
+        const auto number = byName_.find(uppercase(law));
+        return number == byName_.end() ? nullptr : section(number->second, id);
     }
 
 private:
-    using ById = std::unordered_map<std::string_view, const LegalSection*>;
-
     std::vector<LegalLaw> laws_;
-    /// By the abbreviation in capital letters, which several laws may share.
-    std::unordered_map<std::string, ById> byNumber_;
-    std::vector<const LegalLaw*> longestNameFirst_;
-    SearchIndex index_;
+    CorpusIndex index_;
+    /// By the abbreviation in capital letters.
+    std::map<std::string, std::size_t> byName_;
+    std::vector<std::size_t> longestNameFirst_;
 };
 
 namespace {
@@ -120,17 +119,25 @@ LegalCorpus::SnapshotPointer LegalCorpus::loaded() {
         return nullptr;
     }
     const auto started = clock_.instant();
-    auto corpus = loadCorpus(*file);
-    if (!corpus) {
-        note(corpus.error());
+    auto document = readCorpusDocument(*file);
+    if (!document) {
+        note(document.error());
+        return nullptr;
+    }
+    const auto length = static_cast<double>(document->size());
+    LegalCorpusFile content;
+    CorpusIndexer indexer(document->size()); // Ends before the content does.
+    const auto read = LegalCorpusFile::readJson(std::move(*document), content,
+                                                [&indexer](auto sections) { indexer.add(sections); });
+    if (!read) {
+        note(loadFailure(read.error()));
         return nullptr;
     }
     constexpr double bytesInMegabyte = 1'048'576;
     DiagnosticsLog::trace("legal",
                           fmt::format("Korpus entpackt und gelesen in {:.2f} s ({:.1f} MB)",
-                                      inSeconds(clock_.instant() - started),
-                                      static_cast<double>(corpus->documentLengthInBytes) / bytesInMegabyte));
-    auto snapshot = std::make_shared<const Snapshot>(std::move(corpus->content.laws));
+                                      inSeconds(clock_.instant() - started), length / bytesInMegabyte));
+    const auto snapshot = std::make_shared<const Snapshot>(std::move(content.laws), indexer.finish());
     {
         const std::scoped_lock guard(lock_);
         // An update came meanwhile: these may be the texts of before.
@@ -153,7 +160,7 @@ std::vector<LegalLaw> LegalCorpus::laws() {
 
 std::optional<LegalSection> LegalCorpus::section(std::string_view id, std::string_view law) {
     const auto snapshot = loaded();
-    const auto* found = snapshot ? snapshot->section(lowercase(id), law) : nullptr;
+    const auto* found = snapshot ? snapshot->section(law, lowercase(id)) : nullptr;
     return found ? std::optional(*found) : std::nullopt;
 }
 
@@ -161,8 +168,9 @@ std::optional<LegalHit> LegalCorpus::sectionInAnyLaw(std::string_view id) {
     const auto snapshot = loaded();
     if (!snapshot) return std::nullopt;
     const auto key = lowercase(id);
-    for (const auto& law : snapshot->laws()) {
-        if (const auto* found = snapshot->section(key, law.abbr)) return LegalHit{law.abbr, *found};
+    const auto& laws = snapshot->laws();
+    for (std::size_t law = 0; law < laws.size(); ++law) {
+        if (const auto* found = snapshot->section(law, key)) return LegalHit{laws[law].abbr, *found};
     }
     return std::nullopt;
 }
@@ -185,30 +193,31 @@ std::vector<LegalHit> LegalCorpus::search(std::string_view query, std::size_t li
     if (!snapshot || wanted.empty()) return {};
 
     // A law by its name, wherever it stands.
-    const LegalLaw* only = nullptr;
+    const auto& laws = snapshot->laws();
+    std::optional<std::size_t> only;
     std::string rest(wanted);
-    for (const auto* law : snapshot->longestNameFirst()) {
-        const auto name = findIgnoringCase(wanted, law->abbr);
+    for (const auto law : snapshot->longestNameFirst()) {
+        const auto name = findIgnoringCase(wanted, laws[law].abbr);
         if (!name) continue;
         only = law;
         rest.erase(static_cast<std::size_t>(name->data() - wanted.data()), name->size());
-        rest = trimWhitespaceAndNewlines(rest);
+        rest = std::string(trimWhitespaceAndNewlines(rest));
         break;
     }
-    const std::span<const LegalLaw> laws =
-        only ? std::span(only, 1) : std::span<const LegalLaw>(snapshot->laws());
+    const auto first = only.value_or(0);
+    const auto end = only ? *only + 1 : laws.size();
     Hits hits(limit);
 
     const auto bare = replacingAll(rest, "§", "");
     const auto number = lowercase(trimWhitespaceAndNewlines(bare));
     if (isNumeric(std::string_view(number))) {
-        for (const auto& law : laws) {
-            if (const auto* section = snapshot->section(number, law.abbr)) hits.add(law, *section);
+        for (auto law = first; law < end; ++law) {
+            if (const auto* section = snapshot->section(law, number)) hits.add(laws[law], *section);
         }
-        for (const auto& law : laws) {
-            for (const auto& section : law.sections) {
+        for (auto law = first; law < end; ++law) {
+            for (const auto& section : laws[law].sections) {
                 if (hits.isFull()) return hits.take();
-                if (section.id.view().starts_with(number)) hits.add(law, section);
+                if (section.id.view().starts_with(number)) hits.add(laws[law], section);
             }
         }
     }
@@ -217,8 +226,8 @@ std::vector<LegalHit> LegalCorpus::search(std::string_view query, std::size_t li
     if (firstGraphemes(term, 1).size() == term.size()) return hits.take();
     for (const auto part : {SearchIndex::Part::titles, SearchIndex::Part::texts}) {
         if (hits.isFull()) break;
-        snapshot->index().matches(term, part, only, [&hits](const SearchIndex::Entry& entry) {
-            hits.add(*entry.law, *entry.section);
+        snapshot->words().matches(term, part, only, [&](const SearchIndex::Entry& entry) {
+            hits.add(laws[entry.law], *entry.section);
             return !hits.isFull();
         });
     }

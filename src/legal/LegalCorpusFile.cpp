@@ -48,6 +48,9 @@ constexpr auto fileFields =
 constexpr std::string_view sectionsKey = "sections";
 constexpr std::string_view lawsKey = "laws";
 
+/// Most laws have fewer; those that have more move once or twice while they are read.
+constexpr std::size_t usualSectionCount = 512;
+
 /// Takes the events of an object: which field comes next, and which have been there.
 template<class Record>
 class FieldReader {
@@ -74,7 +77,11 @@ public:
     }
     bool isList() const { return current_ == list; }
     bool isKnown() const { return current_ != unknown; }
-    void sawList() { seen_ |= 1U << fields_.size(); }
+    /// False for a second list: what was handed on of the first can't be taken back.
+    bool sawList() {
+        const auto bit = 1U << fields_.size();
+        return (std::exchange(seen_, seen_ | bit) & bit) == 0;
+    }
 
     /// False if the field has another type.
     template<class Value>
@@ -107,7 +114,9 @@ private:
 /// Builds the laws from the reader's events; false ends the reading.
 class CorpusBuilder {
 public:
-    explicit CorpusBuilder(std::shared_ptr<const void> document) : document_(std::move(document)) {}
+    CorpusBuilder(std::shared_ptr<const void> document, LegalCorpusFile& file,
+                  const LegalCorpusFile::OnLaw& onLaw) :
+        document_(std::move(document)), file_(file), onLaw_(onLaw) {}
 
     bool Null() {
         return plain([](auto& reader) { return !reader.isKnown(); });
@@ -159,6 +168,7 @@ public:
     bool EndObject(rapidjson::SizeType) {
         if (unknownDepth_ > 0) return endUnknown();
         const bool isComplete = visit([](auto& reader) { return reader.isComplete(); });
+        if (isComplete && place_ == Place::law) onLaw_(file_.laws.back().sections);
         place_ = place_ == Place::section ? Place::sections
                  : place_ == Place::law   ? Place::laws
                                           : Place::nowhere;
@@ -168,15 +178,12 @@ public:
         if (unknownDepth_ > 0) return skipDeeper();
         if (place_ == Place::file && fileReader_.isList()) {
             place_ = Place::laws;
-            fileReader_.sawList();
-            file_.laws.clear();
-            return true;
+            return fileReader_.sawList();
         }
         if (place_ == Place::law && lawReader_.isList()) {
             place_ = Place::sections;
-            lawReader_.sawList();
-            file_.laws.back().sections.clear();
-            return true;
+            file_.laws.back().sections.reserve(usualSectionCount);
+            return lawReader_.sawList();
         }
         return beginUnknown();
     }
@@ -185,8 +192,6 @@ public:
         place_ = place_ == Place::sections ? Place::law : Place::file;
         return true;
     }
-
-    LegalCorpusFile take() { return std::move(file_); }
 
 private:
     /// Where the events come from: within the document, its list of laws, a law, its list of sections, or a
@@ -232,7 +237,8 @@ private:
     }
 
     std::shared_ptr<const void> document_;
-    LegalCorpusFile file_;
+    LegalCorpusFile& file_;
+    const LegalCorpusFile::OnLaw& onLaw_;
     Place place_ = Place::nowhere;
     std::size_t unknownDepth_ = 0;
     FieldReader<LegalCorpusFile> fileReader_{fileFields, lawsKey};
@@ -266,20 +272,28 @@ void writeFields(Writer& writer, const Record& record, std::span<const Field<Rec
 
 } // namespace
 
-std::expected<LegalCorpusFile, std::string> LegalCorpusFile::fromJson(BigText document) {
+std::expected<void, std::string> LegalCorpusFile::readJson(BigText document, LegalCorpusFile& content,
+                                                           const OnLaw& onLaw) {
     constexpr unsigned flags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag;
     const auto owned = std::make_shared<BigText>(std::move(document));
     rapidjson::InsituStringStream stream(owned->data());
-    CorpusBuilder builder(owned);
+    CorpusBuilder builder(owned, content, onLaw);
     rapidjson::Reader reader;
     const auto result = reader.Parse<flags>(stream, builder);
     // The library ends at a zero byte, wherever it stands.
-    if (!result.IsError() && stream.Tell() == owned->size()) return builder.take();
+    if (!result.IsError() && stream.Tell() == owned->size()) return {};
     const bool isRefused = result.Code() == rapidjson::kParseErrorTermination;
     return std::unexpected(fmt::format(
         "Der Gesetzesbestand ist kein {} (Byte {}).",
         isRefused ? "vollständiger Bestand: Eine Angabe fehlt oder ist von falscher Art" : "gültiges JSON",
         result.IsError() ? result.Offset() : stream.Tell()));
+}
+
+std::expected<LegalCorpusFile, std::string> LegalCorpusFile::fromJson(BigText document) {
+    LegalCorpusFile content;
+    if (auto read = readJson(std::move(document), content, [](auto) {}); !read)
+        return std::unexpected(std::move(read.error()));
+    return content;
 }
 
 std::string LegalCorpusFile::toJson() const {
@@ -307,19 +321,22 @@ std::string LegalCorpusFile::toJson() const {
     return std::move(stream.text);
 }
 
-std::expected<LoadedCorpus, std::string> loadCorpus(const std::filesystem::path& file) {
-    const auto failed = [](std::string_view reason) {
-        return fmt::format("Laden fehlgeschlagen: {}", reason);
-    };
-    auto container = Files::readBig(file);
-    if (!container) return std::unexpected(failed(container.error().description()));
+std::string loadFailure(std::string_view reason) { return fmt::format("Laden fehlgeschlagen: {}", reason); }
+
+std::expected<BigText, std::string> readCorpusDocument(const std::filesystem::path& file) {
+    const auto container = Files::readBig(file);
+    if (!container) return std::unexpected(loadFailure(container.error().description()));
     auto document = CorpusContainer::inflate(*container);
     if (!document) return std::unexpected("Korpus liess sich nicht entpacken.");
-    *container = {}; // The memory is wanted elsewhere.
-    const auto length = document->size();
+    return std::move(*document);
+}
+
+std::expected<LegalCorpusFile, std::string> loadCorpus(const std::filesystem::path& file) {
+    auto document = readCorpusDocument(file);
+    if (!document) return std::unexpected(std::move(document.error()));
     auto content = LegalCorpusFile::fromJson(std::move(*document));
-    if (!content) return std::unexpected(failed(content.error()));
-    return LoadedCorpus{std::move(*content), length};
+    if (!content) return std::unexpected(loadFailure(content.error()));
+    return content;
 }
 
 } // namespace querlin

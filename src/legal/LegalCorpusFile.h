@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <expected>
 #include <filesystem>
+#include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -20,9 +22,16 @@ struct LegalCorpusFile {
 
     bool operator==(const LegalCorpusFile&) const = default;
 
+    using OnLaw = std::function<void(std::span<const LegalSection>)>;
+
     /// Reads the JSON form (RFC 8259). Every key must be there with its type, keys that aren't known are
-    /// passed over, and of two of one name the last counts. The texts of the result are views into the
-    /// document, which they keep. The error is a German sentence.
+    /// passed over, and of two of one name the last counts, unless they are lists. The texts are views into
+    /// the document, which they keep. The error is a German sentence.
+    ///
+    /// `onLaw` is called with the sections of each law as soon as all of them are read. From then on they
+    /// stay where they are, also when `content` is moved; after an error too `content` holds them.
+    static std::expected<void, std::string> readJson(BigText document, LegalCorpusFile& content,
+                                                     const OnLaw& onLaw);
     static std::expected<LegalCorpusFile, std::string> fromJson(BigText document);
     static std::expected<LegalCorpusFile, std::string> fromJson(std::string_view document) {
         return fromJson(BigText(document));
@@ -30,13 +39,13 @@ struct LegalCorpusFile {
     std::string toJson() const;
 };
 
-/// A corpus as it comes from its file.
-struct LoadedCorpus {
-    LegalCorpusFile content;
-    std::size_t documentLengthInBytes = 0;
-};
+/// Reads the JSON document out of a container on disk. The error is a German sentence, as the log has it.
+std::expected<BigText, std::string> readCorpusDocument(const std::filesystem::path& file);
 
-/// Reads a container from disk. The error is a German sentence, as the log has it.
-std::expected<LoadedCorpus, std::string> loadCorpus(const std::filesystem::path& file);
+/// Reads a whole corpus from disk; likewise.
+std::expected<LegalCorpusFile, std::string> loadCorpus(const std::filesystem::path& file);
+
+/// How the log tells why a corpus couldn't be loaded.
+std::string loadFailure(std::string_view reason);
 
 } // namespace querlin

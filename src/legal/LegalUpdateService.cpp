@@ -101,7 +101,7 @@ Task<LegalUpdateService::Stage> LegalUpdateService::update(Initiator initiator) 
     };
     auto present = co_await background(runtime_, std::move(load));
     if (!present) co_return Failed{"Der vorhandene Gesetzesbestand ließ sich nicht lesen."};
-    LegalPair pair{std::move(present->content), std::move(*manifest)};
+    LegalPair pair{std::move(*present), std::move(*manifest)};
 
     auto updated = co_await download(std::move(changed), pair);
     if (updated.empty()) co_return Failed{"Keine der neuen Fassungen ließ sich laden."};

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -14,15 +15,20 @@ namespace querlin {
 /// Finds sections by the words of their titles and texts. Letters are compared in small form, and byte for
 /// byte otherwise: umlauts, "ß" and punctuation count.
 ///
-/// Built once from laws that stay where they are and outlive it. Any thread.
+/// The sections stay where they are and outlive it. Once all laws are there, any thread may search.
 class SearchIndex {
 public:
-    explicit SearchIndex(std::span<const LegalLaw> laws);
-    SearchIndex(const SearchIndex&) = delete;
-    SearchIndex& operator=(const SearchIndex&) = delete;
+    /// Room for texts of so many bytes in all.
+    explicit SearchIndex(std::size_t expectedBytes) : texts_(expectedBytes) {}
+    SearchIndex(SearchIndex&&) = default;
+    SearchIndex& operator=(SearchIndex&&) = default;
+
+    /// Adds the sections of the next law.
+    void add(std::span<const LegalSection> sections);
 
     struct Entry {
-        const LegalLaw* law = nullptr;
+        /// The law's number, in the order in which they came.
+        std::size_t law = 0;
         const LegalSection* section = nullptr;
     };
     enum class Part : std::uint8_t { titles, texts };
@@ -30,16 +36,15 @@ public:
     /// Takes an entry; false ends the search.
     using Visitor = std::function<bool(const Entry&)>;
 
-    /// Calls with every section that holds the term there, in the order of the laws, each once. `law` is one
-    /// of those that the index was built from, or null for all.
-    void matches(std::string_view term, Part part, const LegalLaw* law, const Visitor& visit) const;
+    /// Calls with every section that holds the term there, in the order of the laws, each once.
+    void matches(std::string_view term, Part part, std::optional<std::size_t> onlyLaw,
+                 const Visitor& visit) const;
 
 private:
-    std::span<const LegalLaw> laws_;
     std::vector<Entry> entries_;
     /// The number of each law's first entry, and the number of entries.
-    std::vector<std::size_t> lawStarts_;
-    TextBlob titles_;
+    std::vector<std::size_t> lawStarts_{0};
+    TextBlob titles_{0};
     TextBlob texts_;
 };
 

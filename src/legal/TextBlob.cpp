@@ -82,7 +82,8 @@ public:
         constexpr std::size_t ahead = 2048; // The processor doesn't fetch beyond a page by itself.
         const auto furthest = probes_.furthest();
         const std::array<Register, Probes::count> wanted = {byte(0), byte(1), byte(2)};
-        std::array<Register, blocks> candidates; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
+        std::array<Register, blocks>
+            candidates; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
         for (; from + blocks * width + furthest <= text_.size(); from += blocks * width) {
             for (std::size_t line = 0; line < blocks * width; line += cacheLine)
                 _mm_prefetch(text_.data() + from + ahead + line, _MM_HINT_T0);
@@ -121,7 +122,8 @@ private:
         auto all = _mm256_set1_epi8(-1);
         for (std::size_t i = 0; i < Probes::count; ++i) {
             const auto* place = text_.data() + from + probes_.offsets()[i];
-            const auto found = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(place)); // NOLINT: as it's meant
+            const auto found =
+                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(place)); // NOLINT: as it's meant
             all = _mm256_and_si256(all, _mm256_cmpeq_epi8(found, wanted[i].bytes));
         }
         return {all};
@@ -158,11 +160,6 @@ private:
     const std::vector<std::uint32_t>& starts_;
     std::size_t at_;
 };
-
-TextBlob::TextBlob(std::size_t texts, std::size_t bytes) {
-    starts_.reserve(texts + 1);
-    bytes_.reserve(bytes);
-}
 
 void TextBlob::append(std::string_view text) {
     const auto before = bytes_.size();

@@ -94,7 +94,7 @@ TEST(LegalUpdateService, FetchesWhatHasChanged) {
 
     EXPECT_EQ(world.textOf("FamFG"), "Neu") << "the running corpus has it at once";
     EXPECT_EQ(world.textOf("BGB"), "Alt");
-    const auto stored = loadCorpus(world.laws.store.updatedCorpusURL())->content;
+    const auto stored = loadCorpus(world.laws.store.updatedCorpusURL()).value();
     EXPECT_EQ(stored.generated, "2026-01-01") << "stays what it was";
     ASSERT_EQ(stored.laws.size(), 2);
     const auto& law = stored.laws[1];
@@ -259,7 +259,7 @@ TEST(LegalUpdateService, LeavesAWholePairWhereverItIsKilled) {
         ASSERT_TRUE(corpus) << "kill " << i << ": " << corpus.error();
         const auto manifest = store.currentManifest();
         ASSERT_TRUE(manifest);
-        const auto version = [&](std::size_t law) { return std::stoi(std::string(corpus->content.laws.at(law).stand.view().substr(6))); };
+        const auto version = [&](std::size_t law) { return std::stoi(std::string(corpus->laws.at(law).stand.view().substr(6))); };
         const auto known = [&](std::size_t law) { return std::stoi(manifest->laws.at(law).lastModified); };
         EXPECT_EQ(version(0), version(1)) << "kill " << i << ": laws of one update";
         EXPECT_EQ(known(0), known(1));

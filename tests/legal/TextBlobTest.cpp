@@ -31,7 +31,7 @@ TEST(TextBlob, FindsWhatAnyoneWouldFind) {
     for (int round = 0; round < 300; ++round) {
         std::vector<std::string> texts(number(12));
         for (auto& one : texts) one = text(round % 10 == 0 ? 400 : 60);
-        TextBlob blob(texts.size(), 100);
+        TextBlob blob(100);
         for (auto& one : texts) {
             blob.append(one);
             one = lowercase(one) + "\n";
@@ -56,7 +56,7 @@ TEST(TextBlob, FindsWhatAnyoneWouldFind) {
 }
 
 TEST(TextBlob, StopsWhenTold) {
-    TextBlob blob(3, 10);
+    TextBlob blob(10);
     for (const auto* text : {"ja", "nein", "ja"}) blob.append(text);
     int calls = 0;
     blob.search("ja", {0, 3}, [&calls](std::size_t) { return ++calls < 1; });
