@@ -241,7 +241,7 @@ private:
         text_ += fmt::format("<enbez>§ {}</enbez><titel format=\"parat\">{}</titel></metadaten><textdaten>"
                              "<text format=\"XML\"><Content>",
                              id, writer_.title());
-        const auto wanted = std::clamp(std::exp(6.02 + 0.85 * dice_.bell()), 90.0, 30'000.0);
+        const auto wanted = std::clamp(std::exp(6.05 + 0.85 * dice_.bell()), 90.0, 30'000.0);
         const auto end = text_.size() + static_cast<std::size_t>(wanted);
         for (std::size_t number = 1; text_.size() < end; ++number) paragraph(number);
         text_ += "</Content></text><fussnoten/></textdaten></norm>\n";

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstring>
 #include <limits>
 #include <map>
 #include <memory>
@@ -118,38 +119,49 @@ constexpr std::size_t deepestNesting = 256;
 
 constexpr std::string_view noBreakSpace = "\u00A0";
 
-/// Whether a run of words may end in front of a byte.
-bool mayEnd(char byte) { return byte == ' ' || byte == '\n' || byte == noBreakSpace.front(); }
+/// Sixteen bytes that `cleaned` leaves as they are: no line feed, nothing that may begin a no-break space, no
+/// blank behind a blank of any kind or a line feed. `bytes` has one in front of it.
+bool isClean(const char* bytes) {
+    using Block = char __attribute__((vector_size(16)));
+    Block block;
+    Block before;
+    std::memcpy(&block, bytes, sizeof(block));
+    std::memcpy(&before, bytes - 1, sizeof(before));
+    const auto unclean =
+        (block == '\n') | (block == noBreakSpace.front()) |
+        ((block == ' ') & ((before == ' ') | (before == '\n') | (before == noBreakSpace.back())));
+    std::array<std::uint64_t, 2> words{};
+    std::memcpy(words.data(), &unclean, sizeof(unclean));
+    return (words[0] | words[1]) == 0;
+}
 
 /// Brings the text of a section into its form: runs of blanks are one blank, none stand at a line's ends, one
 /// empty line at most stands between two lines. The tabs in front of table cells stay; those of the source
 /// have become blanks before.
 std::string cleaned(std::string_view text) {
+    constexpr std::size_t block = 16;
     std::string result;
-    result.reserve(text.size());
-    std::size_t lineFeeds = 0;
-    bool hasBlank = false;
-    while (!text.empty()) {
-        if (text.front() == '\n') {
-            ++lineFeeds;
-            text.remove_prefix(1);
-        } else if (text.front() == ' ' || text.starts_with(noBreakSpace)) {
-            hasBlank = true;
-            text.remove_prefix(text.front() == ' ' ? 1 : noBreakSpace.size());
-        } else {
-            if (lineFeeds > 0) {
-                result.append(std::min<std::size_t>(lineFeeds, 2), '\n');
-            } else if (hasBlank) {
-                result += ' ';
+    result.resize_and_overwrite(text.size(), [text](char* start, std::size_t /*room*/) {
+        auto* end = start;
+        const auto endsIn = [&](char byte) { return end > start && end[-1] == byte; };
+        for (std::size_t at = 0; at < text.size();) {
+            if (at > 0 && text.size() - at >= block && isClean(text.data() + at)) {
+                end += text.copy(end, block, at);
+                at += block;
+            } else if (text[at] == '\n') {
+                while (endsIn(' ')) --end;
+                const bool isSecondEmpty = endsIn('\n') && end - start > 1 && end[-2] == '\n';
+                if (!isSecondEmpty) *end++ = '\n';
+                ++at;
+            } else if (text[at] == ' ' || text.substr(at).starts_with(noBreakSpace)) {
+                if (!endsIn(' ') && !endsIn('\n')) *end++ = ' ';
+                at += text[at] == ' ' ? 1 : noBreakSpace.size();
+            } else {
+                *end++ = text[at++];
             }
-            lineFeeds = 0;
-            hasBlank = false;
-            std::size_t length = 1;
-            while (length < text.size() && !mayEnd(text[length])) ++length;
-            result += text.substr(0, length);
-            text.remove_prefix(length);
         }
-    }
+        return static_cast<std::size_t>(end - start);
+    });
     return std::string(trimWhitespaceAndNewlines(result));
 }
 

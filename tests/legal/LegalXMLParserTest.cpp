@@ -69,6 +69,7 @@ TEST(LegalXMLParser, BringsTextIntoItsForm) {
              Row{"<tr><td>a</td><td></td><td>c</td></tr>", "a\t\tc", "an empty cell keeps its place"},
              Row{"Lang<BR/>sam<BR/> und <I>schräg</I>", "Lang\nsam\nund schräg", "inner elements join"},
              Row{"a&#xA0;&#xA0;b &#x2003; c", "a b \u2003 c", "no-break blanks fold, others stay"},
+             Row{"lang und länger&#xA0; als sechzehn &#xA0;Zeichen  \n  und so&#xA0;\n", "lang und länger als sechzehn Zeichen\nund so", "at any place"},
              Row{"&lt;&amp;&gt;", "<&>", "the five entities of XML"},
              Row{"<![CDATA[a <b> c]]>", "a <b> c", "character data"},
              Row{"zwei\r\nZeilen", "zwei\nZeilen", "line ends of all kinds"},
