@@ -1,4 +1,4 @@
-#include "Laws.h"
+#include "support/Laws.h"
 
 #include "foundation/Json.h"
 #include "state/JsonRecord.h"

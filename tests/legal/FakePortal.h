@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Archives.h"
+#include "support/Archives.h"
 
 #include "foundation/Waiting.h"
 #include "legal/HttpClient.h"

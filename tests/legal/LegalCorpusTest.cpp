@@ -1,6 +1,6 @@
 #include "legal/LegalCorpus.h"
 
-#include "Laws.h"
+#include "support/Laws.h"
 #include "support/CapturedLog.h"
 #include "support/ManualTime.h"
 

@@ -1,7 +1,7 @@
 #include "legal/LegalUpdateService.h"
 
 #include "FakePortal.h"
-#include "Laws.h"
+#include "support/Laws.h"
 #include "support/CapturedLog.h"
 #include "support/HostileDisk.h"
 #include "support/KilledChild.h"

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "FakePortal.h"
-#include "Laws.h"
+#include "support/Laws.h"
 
 #include "foundation/Json.h"
 #include "legal/LegalUpdateService.h"

@@ -1,5 +1,5 @@
 #include "legal/ZipReader.h"
-#include "Archives.h"
+#include "support/Archives.h"
 
 #include <filesystem>
 #include <fstream>

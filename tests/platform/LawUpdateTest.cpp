@@ -1,0 +1,106 @@
+// A whole update of the laws: the real service and client, a server on this machine's loopback in place of the
+// portal, and the portal's own archives where this machine has them.
+
+#include "foundation/Json.h"
+#include "foundation/RunLoop.h"
+#include "foundation/ThreadPool.h"
+#include "legal/LegalUpdateService.h"
+#include "platform/curl/CurlHttpClient.h"
+#include "support/Archives.h"
+#include "support/CapturedLog.h"
+#include "support/Laws.h"
+#include "support/LoopbackServer.h"
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+namespace fs = std::filesystem;
+
+class LawUpdateTest : public ::testing::Test {
+protected:
+    LegalManifestEntry rowOf(const std::string& abbr) const {
+        LegalManifestEntry row;
+        row.abbr = row.slug = abbr;
+        row.source = server.address("/" + abbr + "/xml.zip");
+        return row;
+    }
+    void serve(const std::string& abbr, LoopbackServer::Answer answer) {
+        answer.headers.emplace_back("Last-Modified", "Mon, 01 Jan 2024 00:00:00 GMT");
+        server.set("/" + abbr + "/xml.zip", std::move(answer));
+    }
+    void deliver(const std::vector<std::string>& abbrs) {
+        LegalManifest manifest;
+        for (const auto& abbr : abbrs) manifest.laws.push_back(rowOf(abbr));
+        laws.deliver({});
+        writeFile(laws.folder / "Ressourcen/LegalManifest.json", Json::compact(toJson(manifest)));
+    }
+    LegalUpdateService::Stage check() {
+        RunLoop loop;
+        ThreadPool pool(1);
+        SystemClock clock;
+        PreferencesStore preferences(laws.folder / "Einstellungen.json", clock);
+        AppSettings settings(preferences);
+        CurlHttpClient client(loop);
+        LegalUpdateService service(settings, laws.store, corpus, client, {loop, clock, pool});
+        const auto end = service.stage.subscribe(
+            [&](const auto&) {
+                if (!service.isRunning()) loop.quit();
+            },
+            FirstValue::Skip);
+        const auto limit = loop.after(std::chrono::minutes(1), [&loop] { loop.quit(); });
+        loop.post([&service] { service.checkNow(); });
+        loop.run();
+        return service.stage.get();
+    }
+
+    CapturedLog log;
+    LawFolders laws;
+    SystemClock time;
+    LegalCorpus corpus{laws.store, time};
+    LoopbackServer server;
+};
+
+TEST_F(LawUpdateTest, SurvivesAllThatAPortalMayDo) {
+    const auto archive = archiveOf({{"M.xml", contentOf(fs::path(QUERLIN_TEST_LAWS) / "mbtg.xml")}});
+    serve("gut", {.body = archive});
+    serve("langsam", {.body = archive, .framing = LoopbackServer::Framing::chunks, .pieceInBytes = 200, .pause = std::chrono::milliseconds(2)});
+    server.set("/umgezogen/xml.zip", LoopbackServer::redirect(server.address("/gut/xml.zip"), 301));
+    serve("halb", {.body = archive.substr(0, archive.size() / 2), .claimedLength = archive.size()});
+    serve("kaputt", {.status = 500, .body = "<html>Fehler</html>"});
+    serve("weg", {.fault = LoopbackServer::Fault::close});
+    deliver({"gut", "langsam", "umgezogen", "halb", "kaputt", "fehlt", "weg"});
+
+    EXPECT_TRUE(check() == LegalUpdateService::Stage(LegalUpdateStage::Updated{{"gut", "langsam", "umgezogen"}}));
+    for (const auto* line : {"[gesetze] gut erneuert: 4 Paragraphen.", "[gesetze] halb fehlgeschlagen: Die Verbindung ist abgebrochen.",
+                             "[gesetze] kaputt fehlgeschlagen: Die Antwort ist kein ZIP-Archiv.",
+                             "[gesetze] weg: nicht erreichbar – Die Verbindung ist abgebrochen."})
+        EXPECT_TRUE(log.has(line)) << line;
+    EXPECT_EQ(corpus.section("1a", "umgezogen")->title, "Listen");
+    for (const auto& request : server.requests())
+        EXPECT_EQ(request.header("User-Agent"), std::string("Querlin/") + QUERLIN_VERSION);
+
+    serve("halb", {.body = archive});
+    EXPECT_TRUE(check() == LegalUpdateService::Stage(LegalUpdateStage::Updated{{"halb"}})) << "what failed is tried again, and nothing else";
+    EXPECT_EQ(corpus.laws().size(), 4);
+}
+
+TEST_F(LawUpdateTest, LoadsTheRealLaws) {
+    const fs::path archives = QUERLIN_LAWS;
+    if (!fs::is_directory(archives)) GTEST_SKIP() << "no real laws in " << archives;
+    std::vector<std::string> slugs;
+    for (const auto& folder : fs::directory_iterator(archives)) slugs.push_back(folder.path().filename());
+    std::ranges::sort(slugs);
+    for (const auto& slug : slugs) serve(slug, {.body = contentOf(archives / slug / "xml.zip")});
+    deliver(slugs);
+    EXPECT_TRUE(check() == LegalUpdateService::Stage(LegalUpdateStage::Updated{slugs}));
+    EXPECT_TRUE(check() == LegalUpdateService::Stage(LegalUpdateStage::UpToDate{}));
+    EXPECT_EQ(corpus.section("1814", "bgb")->title, "Voraussetzungen");
+    const auto hits = corpus.search("1814 bgb");
+    ASSERT_FALSE(hits.empty());
+    EXPECT_EQ(hits[0].id(), "bgb-1814");
+}
+
+} // namespace
+} // namespace querlin
