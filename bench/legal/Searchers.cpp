@@ -5,9 +5,7 @@
 namespace querlin::bench {
 
 Searchers::Searchers(const Corpus& corpus, PlainCorpus plain) :
-    index_(plain.texts.bytes.size()),
-    texts_(plain.texts.bytes.size()),
-    plain_(std::move(plain)) {
+    index_(plain.texts.bytes.size()), texts_(plain.texts.bytes.size()), plain_(std::move(plain)) {
     for (const auto& law : corpus.laws) {
         index_.add(law.sections);
         for (const auto& section : law.sections) {

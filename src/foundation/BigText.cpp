@@ -13,7 +13,10 @@ void BigText::Unmap::operator()(char* memory) const { ::munmap(memory, length); 
 BigText::Memory BigText::map(std::size_t capacity) {
     constexpr std::size_t smallPage = 4096;
     constexpr std::size_t largePage = 2U << 20U;
-    const auto length = (capacity + roomBehind + smallPage - 1) / smallPage * smallPage;
+    const auto needed = capacity + roomBehind;
+    // What is left over is worth a large page of its own if it fills half of it.
+    const auto page = needed % largePage > largePage / 2 ? largePage : smallPage;
+    const auto length = (needed + page - 1) / page * page;
     // A large page begins at a multiple of its size: one more is asked for, and what juts out is given back.
     const auto asked = length + largePage;
     void* start = ::mmap(nullptr, asked, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -38,6 +41,11 @@ void BigText::reserve(std::size_t capacity) {
     if (size_ > 0) std::memcpy(larger.get(), memory_.get(), size_);
     memory_ = std::move(larger);
     capacity_ = capacity;
+}
+
+void BigText::makeReady() {
+    // Older systems don't know this; then it is done bit by bit.
+    if (capacity_ > 0) ::madvise(memory_.get(), capacity_, MADV_POPULATE_WRITE);
 }
 
 char* BigText::extend(std::size_t bytes) {

@@ -26,6 +26,8 @@ public:
 
     /// So much can be added before it moves.
     void reserve(std::size_t capacity);
+    /// Has the system make all that is reserved ready now, not page by page when it is first written.
+    void makeReady();
     /// Adds so many bytes, of any value, and gives their place.
     char* extend(std::size_t bytes);
     void append(std::string_view text);

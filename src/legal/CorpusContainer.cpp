@@ -17,13 +17,20 @@ bool isAllowed(std::uint64_t length) { return length > 0 && length <= longestDoc
 
 } // namespace
 
-std::optional<BigText> inflate(std::string_view container) {
+std::optional<std::size_t> documentLength(std::string_view container) {
     Length length = 0;
     if (container.size() <= sizeof(length)) return std::nullopt;
     std::memcpy(&length, container.data(), sizeof(length));
-    // A negative one is far too great.
-    if (!isAllowed(static_cast<std::uint64_t>(length))) return std::nullopt;
-    return RawDeflate::inflateBig(container.substr(sizeof(length)), static_cast<std::size_t>(length));
+    const auto bytes = static_cast<std::size_t>(length); // A negative one is far too great.
+    return isAllowed(bytes) && RawDeflate::isPossible(bytes, container.substr(sizeof(length)))
+               ? std::optional(bytes)
+               : std::nullopt;
+}
+
+std::optional<BigText> inflate(std::string_view container) {
+    const auto length = documentLength(container);
+    if (!length) return std::nullopt;
+    return RawDeflate::inflateBig(container.substr(sizeof(Length)), *length);
 }
 
 std::optional<std::string> deflate(std::string_view document) {

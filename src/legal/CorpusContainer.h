@@ -13,6 +13,9 @@ namespace querlin::CorpusContainer {
 
 inline constexpr std::size_t longestDocumentInBytes = 0x1FFF'FFFF;
 
+/// The length that the container claims for its document; nothing if it can't be.
+std::optional<std::size_t> documentLength(std::string_view container);
+
 /// The document; nothing for what is no such file. A length that the stream can't have takes no memory.
 std::optional<BigText> inflate(std::string_view container);
 

@@ -119,25 +119,20 @@ LegalCorpus::SnapshotPointer LegalCorpus::loaded() {
         return nullptr;
     }
     const auto started = clock_.instant();
-    auto document = readCorpusDocument(*file);
-    if (!document) {
-        note(document.error());
-        return nullptr;
-    }
-    const auto length = static_cast<double>(document->size());
+    std::size_t length = 0;
     LegalCorpusFile content;
-    CorpusIndexer indexer(document->size()); // Ends before the content does.
-    const auto read = LegalCorpusFile::readJson(std::move(*document), content,
-                                                [&indexer](auto sections) { indexer.add(sections); });
+    std::optional<CorpusIndexer> indexer; // Ends before the content does.
+    const auto begin = [&](std::size_t bytes) { indexer.emplace(length = bytes); };
+    const auto read = loadCorpus(*file, content, begin, [&](auto sections) { indexer->add(sections); });
     if (!read) {
-        note(loadFailure(read.error()));
+        note(read.error());
         return nullptr;
     }
     constexpr double bytesInMegabyte = 1'048'576;
-    DiagnosticsLog::trace("legal",
-                          fmt::format("Korpus entpackt und gelesen in {:.2f} s ({:.1f} MB)",
-                                      inSeconds(clock_.instant() - started), length / bytesInMegabyte));
-    const auto snapshot = std::make_shared<const Snapshot>(std::move(content.laws), indexer.finish());
+    DiagnosticsLog::trace("legal", fmt::format("Korpus entpackt und gelesen in {:.2f} s ({:.1f} MB)",
+                                               inSeconds(clock_.instant() - started),
+                                               static_cast<double>(length) / bytesInMegabyte));
+    const auto snapshot = std::make_shared<const Snapshot>(std::move(content.laws), indexer->finish());
     {
         const std::scoped_lock guard(lock_);
         // An update came meanwhile: these may be the texts of before.

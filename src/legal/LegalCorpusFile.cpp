@@ -321,21 +321,27 @@ std::string LegalCorpusFile::toJson() const {
     return std::move(stream.text);
 }
 
-std::string loadFailure(std::string_view reason) { return fmt::format("Laden fehlgeschlagen: {}", reason); }
-
-std::expected<BigText, std::string> readCorpusDocument(const std::filesystem::path& file) {
-    const auto container = Files::readBig(file);
-    if (!container) return std::unexpected(loadFailure(container.error().description()));
+std::expected<void, std::string> loadCorpus(const std::filesystem::path& file, LegalCorpusFile& content,
+                                            const std::function<void(std::size_t)>& onLength,
+                                            const LegalCorpusFile::OnLaw& onLaw) {
+    const auto failed = [](std::string_view reason) {
+        return std::unexpected(fmt::format("Laden fehlgeschlagen: {}", reason));
+    };
+    auto container = Files::readBig(file);
+    if (!container) return failed(container.error().description());
+    if (const auto length = CorpusContainer::documentLength(*container)) onLength(*length);
     auto document = CorpusContainer::inflate(*container);
     if (!document) return std::unexpected("Korpus liess sich nicht entpacken.");
-    return std::move(*document);
+    *container = {}; // The memory is wanted elsewhere.
+    const auto read = LegalCorpusFile::readJson(std::move(*document), content, onLaw);
+    if (!read) return failed(read.error());
+    return {};
 }
 
 std::expected<LegalCorpusFile, std::string> loadCorpus(const std::filesystem::path& file) {
-    auto document = readCorpusDocument(file);
-    if (!document) return std::unexpected(std::move(document.error()));
-    auto content = LegalCorpusFile::fromJson(std::move(*document));
-    if (!content) return std::unexpected(loadFailure(content.error()));
+    LegalCorpusFile content;
+    auto loaded = loadCorpus(file, content, [](auto) {}, [](auto) {});
+    if (!loaded) return std::unexpected(std::move(loaded.error()));
     return content;
 }
 

@@ -39,13 +39,12 @@ struct LegalCorpusFile {
     std::string toJson() const;
 };
 
-/// Reads the JSON document out of a container on disk. The error is a German sentence, as the log has it.
-std::expected<BigText, std::string> readCorpusDocument(const std::filesystem::path& file);
-
-/// Reads a whole corpus from disk; likewise.
+/// Reads a whole corpus from disk. `onLength` is told the length of its document before that is unpacked, and
+/// `onLaw` as above. The error is a German sentence, as the log has it; after one too `content` holds what
+/// was read.
+std::expected<void, std::string> loadCorpus(const std::filesystem::path& file, LegalCorpusFile& content,
+                                            const std::function<void(std::size_t)>& onLength,
+                                            const LegalCorpusFile::OnLaw& onLaw);
 std::expected<LegalCorpusFile, std::string> loadCorpus(const std::filesystem::path& file);
-
-/// How the log tells why a corpus couldn't be loaded.
-std::string loadFailure(std::string_view reason);
 
 } // namespace querlin

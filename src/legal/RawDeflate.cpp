@@ -19,11 +19,6 @@ constexpr int compressionLevel = 9;
 using Decompressor = std::unique_ptr<libdeflate_decompressor, Release<libdeflate_free_decompressor>>;
 using Compressor = std::unique_ptr<libdeflate_compressor, Release<libdeflate_free_compressor>>;
 
-/// Whether a stream of so many bytes can unpack to a length.
-bool isPossible(std::size_t lengthInBytes, std::string_view stream) {
-    return lengthInBytes / mostBytesOutOfOne <= stream.size();
-}
-
 bool inflateInto(std::string_view stream, char* bytes, std::size_t lengthInBytes) {
     const Decompressor decompressor(libdeflate_alloc_decompressor());
     if (!decompressor) throw std::bad_alloc();
@@ -33,6 +28,10 @@ bool inflateInto(std::string_view stream, char* bytes, std::size_t lengthInBytes
 }
 
 } // namespace
+
+bool isPossible(std::size_t lengthInBytes, std::string_view stream) {
+    return lengthInBytes / mostBytesOutOfOne <= stream.size();
+}
 
 std::optional<std::string> inflate(std::string_view stream, std::size_t lengthInBytes) {
     if (!isPossible(lengthInBytes, stream)) return std::nullopt;

@@ -16,8 +16,11 @@ namespace querlin {
 /// Each text ends with a line feed. Once filled it never changes; then any thread may search it.
 class TextBlob {
 public:
-    /// Room for so many bytes.
-    explicit TextBlob(std::size_t bytes) { bytes_.reserve(bytes); }
+    /// Room for so many bytes, ready to be filled.
+    explicit TextBlob(std::size_t bytes) {
+        bytes_.reserve(bytes);
+        bytes_.makeReady();
+    }
 
     void append(std::string_view text);
     std::size_t count() const { return starts_.size() - 1; }
