@@ -7,11 +7,12 @@ namespace querlin::bench {
 Searchers::Searchers(const Corpus& corpus, PlainCorpus plain) :
     index_(plain.texts.bytes.size()), texts_(plain.texts.bytes.size()), plain_(std::move(plain)) {
     for (const auto& law : corpus.laws) {
-        index_.add(law.sections);
         for (const auto& section : law.sections) {
             sections_.push_back(&section);
             texts_.append(section.text);
+            index_.addTexts({section.title, section.text});
         }
+        index_.addLaw(law.sections);
     }
     found_.reserve(sections_.size());
     numbers_.reserve(sections_.size());

@@ -150,6 +150,7 @@ FileResult<BigText> readBig(const fs::path& file, std::size_t limitInBytes) {
     // One byte more than the file is said to have tells whether it has grown.
     auto room = static_cast<std::size_t>(status.st_size) + 1;
     BigText content;
+    content.reserve(room + leastRoom);
     while (true) {
         const auto before = content.size();
         const auto count = ::read(in.number(), content.extend(room), room);

@@ -1,10 +1,13 @@
 #include "foundation/PlainText.h"
 
+#include "foundation/Utf8.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 namespace querlin {
 
@@ -57,27 +60,32 @@ struct Places {
     }
 };
 
-/// Calls `take` with the places of each block, where it begins and how many bytes it has. Whether all bytes
-/// may stand where they do.
+/// Calls `take` with the places of each block, where it begins, and its length: `width`, or less in the last.
+/// Whether all bytes may stand where they do.
 template<std::size_t width, class Take>
 [[gnu::always_inline]] inline bool walk(std::string_view text, Take take) {
     Block<width> faults{};
-    Places<width> at;
-    for (std::size_t start = 0; start <= text.size(); start += width) {
+    // At both ends a copy with blanks around it: what is left open at the end shows there.
+    const auto takeCopy = [&](std::size_t start) {
+        const auto before = std::min<std::size_t>(start, 2);
         const auto length = std::min(width, text.size() - start);
-        if (start > 0 && length == width) {
-            at.load(text.data() + start);
-        } else {
-            // At the ends a copy with blanks around it: what is left open at the end shows there.
-            std::array<char, width + 2> copy; // NOLINT(cppcoreguidelines-pro-type-member-init): filled next
-            copy.fill(' ');
-            const auto before = std::min<std::size_t>(start, 2);
-            std::memcpy(copy.data() + 2 - before, text.data() + start - before, before + length);
-            at.load(copy.data() + 2);
-        }
+        std::array<char, width + 2> copy; // NOLINT(cppcoreguidelines-pro-type-member-init): filled next
+        copy.fill(' ');
+        text.copy(copy.data() + 2 - before, before + length, start - before);
+        Places<width> at;
+        at.load(copy.data() + 2);
         at.addFaults(faults);
         take(at, start, length);
+    };
+    takeCopy(0);
+    auto start = width;
+    for (; start + width <= text.size(); start += width) {
+        Places<width> at;
+        at.load(text.data() + start);
+        at.addFaults(faults);
+        take(at, start, std::integral_constant<std::size_t, width>());
     }
+    if (start <= text.size()) takeCopy(start);
     std::array<std::uint64_t, width / sizeof(std::uint64_t)> words{};
     std::memcpy(words.data(), &faults, width);
     return std::ranges::all_of(words, [](std::uint64_t word) { return word == 0; });
@@ -90,14 +98,10 @@ template<std::size_t width>
 
 template<std::size_t width>
 [[gnu::always_inline]] inline bool lowercaseInto(std::string_view text, char* lower) {
-    return walk<width>(text, [lower](const Places<width>& at, std::size_t start, std::size_t length) {
+    return walk<width>(text, [lower](const Places<width>& at, std::size_t start, auto length) {
         Block<width> block;
         at.lowercase(block);
-        if (length == width) {
-            std::memcpy(lower + start, &block, width);
-        } else {
-            std::memcpy(lower + start, &block, length);
-        }
+        if (length > 0) std::memcpy(lower + start, &block, length);
     });
 }
 
@@ -115,6 +119,8 @@ constexpr std::size_t avx2Width = 32;
 } // namespace
 
 bool isPlainText(std::string_view text, [[maybe_unused]] Registers registers) {
+    constexpr std::size_t shortText = 32;
+    if (text.size() < shortText && asciiPrefix(text) == text.size()) return true;
 #if defined(__x86_64__)
     if (registers == Registers::avx2) return checkWithAvx2(text);
 #endif

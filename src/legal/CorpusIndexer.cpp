@@ -2,22 +2,41 @@
 
 namespace querlin {
 
-CorpusIndexer::CorpusIndexer(std::size_t expectedBytes) :
-    thread_([this, expectedBytes] { work(expectedBytes); }) {}
+namespace {
+
+/// So many that waking the thread costs little, and so few that it is never far behind.
+constexpr std::size_t sectionsInABatch = 64;
+
+} // namespace
 
 CorpusIndexer::~CorpusIndexer() { end(); }
 
-void CorpusIndexer::add(std::span<const LegalSection> sections) {
-    {
-        const std::scoped_lock guard(mutex_);
-        waiting_.push_back(sections);
-    }
-    wakeUp_.notify_one();
+void CorpusIndexer::willUnpack(std::size_t documentLengthInBytes) {
+    documentLengthInBytes_ = documentLengthInBytes;
+    thread_ = std::jthread([this] { work(); });
+}
+
+void CorpusIndexer::didRead(const LegalSection& section) {
+    next_.texts.push_back({section.title, section.text});
+    if (next_.texts.size() == sectionsInABatch) handOver(std::exchange(next_, {}));
+}
+
+void CorpusIndexer::didReadLaw(std::span<const LegalSection> sections) {
+    next_.law = sections;
+    handOver(std::exchange(next_, {}));
 }
 
 CorpusIndex CorpusIndexer::finish() {
     end();
     return std::move(index_);
+}
+
+void CorpusIndexer::handOver(Batch batch) {
+    {
+        const std::scoped_lock guard(mutex_);
+        waiting_.push_back(std::move(batch));
+    }
+    wakeUp_.notify_one();
 }
 
 void CorpusIndexer::end() {
@@ -29,21 +48,26 @@ void CorpusIndexer::end() {
     if (thread_.joinable()) thread_.join();
 }
 
-void CorpusIndexer::work(std::size_t expectedBytes) {
-    index_.words = SearchIndex(expectedBytes);
+void CorpusIndexer::work() {
+    index_.words = SearchIndex(documentLengthInBytes_);
     while (true) {
         std::unique_lock guard(mutex_);
         wakeUp_.wait(guard, [this] { return isComplete_ || !waiting_.empty(); });
         if (waiting_.empty()) return;
-        const auto sections = waiting_.front();
+        const auto batch = std::move(waiting_.front());
         waiting_.pop_front();
         guard.unlock();
-
-        index_.words.add(sections);
-        auto& byId = index_.numbers.emplace_back();
-        byId.reserve(sections.size());
-        for (const auto& section : sections) byId.insert_or_assign(section.id, &section);
+        take(batch);
     }
+}
+
+void CorpusIndexer::take(const Batch& batch) {
+    for (const auto& texts : batch.texts) index_.words.addTexts(texts);
+    if (!batch.law) return;
+    index_.words.addLaw(*batch.law);
+    auto& byId = index_.numbers.emplace_back();
+    byId.reserve(batch.law->size());
+    for (const auto& section : *batch.law) byId.insert_or_assign(section.id, &section);
 }
 
 } // namespace querlin

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "legal/LegalCorpusFile.h"
 #include "legal/SearchIndex.h"
 
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <mutex>
 #include <span>
@@ -19,32 +21,45 @@ struct CorpusIndex {
     using ById = std::unordered_map<std::string_view, const LegalSection*>;
 
     std::vector<ById> numbers;
-    SearchIndex words{0};
+    SearchIndex words;
 };
 
-/// Makes the index of laws while they are still being read: on a thread of its own, which ends with it.
+/// Makes the index of a corpus while that is still being read: on a thread of its own, which ends with it.
 ///
-/// The sections must stay where they are, and be there for as long as this and the index are.
-class CorpusIndexer {
+/// What is read outlives this and the index.
+class CorpusIndexer final : public CorpusReading {
 public:
-    /// Room for texts of so many bytes in all.
-    explicit CorpusIndexer(std::size_t expectedBytes);
-    ~CorpusIndexer();
+    CorpusIndexer() = default;
+    ~CorpusIndexer() override;
     CorpusIndexer(const CorpusIndexer&) = delete;
     CorpusIndexer& operator=(const CorpusIndexer&) = delete;
 
-    /// Hands over the sections of the next law.
-    void add(std::span<const LegalSection> sections);
-    /// Waits for the index of all of them.
+    void willUnpack(std::size_t documentLengthInBytes) override;
+    void didRead(const LegalSection& section) override;
+    void didReadLaw(std::span<const LegalSection> sections) override;
+
+    /// Waits for the index of all that has been read.
     CorpusIndex finish();
+    /// What `willUnpack` was told.
+    std::size_t documentLengthInBytes() const { return documentLengthInBytes_; }
 
 private:
-    void work(std::size_t expectedBytes);
+    /// What is handed over at once: the texts of some sections and, behind the last of a law, its sections.
+    struct Batch {
+        std::vector<SearchIndex::Texts> texts;
+        std::optional<std::span<const LegalSection>> law;
+    };
+
+    void handOver(Batch batch);
+    void work();
+    void take(const Batch& batch);
     void end();
 
+    std::size_t documentLengthInBytes_ = 0;
+    Batch next_;
     std::mutex mutex_;
     std::condition_variable wakeUp_;
-    std::deque<std::span<const LegalSection>> waiting_; // Under the lock, like the next.
+    std::deque<Batch> waiting_; // Under the lock, like the next.
     bool isComplete_ = false;
     CorpusIndex index_; // The thread's own until it has ended.
     std::jthread thread_;

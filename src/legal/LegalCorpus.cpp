@@ -119,20 +119,19 @@ LegalCorpus::SnapshotPointer LegalCorpus::loaded() {
         return nullptr;
     }
     const auto started = clock_.instant();
-    std::size_t length = 0;
     LegalCorpusFile content;
-    std::optional<CorpusIndexer> indexer; // Ends before the content does.
-    const auto begin = [&](std::size_t bytes) { indexer.emplace(length = bytes); };
-    const auto read = loadCorpus(*file, content, begin, [&](auto sections) { indexer->add(sections); });
+    CorpusIndexer indexer; // Ends before the content does.
+    const auto read = loadCorpus(*file, content, indexer);
     if (!read) {
         note(read.error());
         return nullptr;
     }
     constexpr double bytesInMegabyte = 1'048'576;
-    DiagnosticsLog::trace("legal", fmt::format("Korpus entpackt und gelesen in {:.2f} s ({:.1f} MB)",
-                                               inSeconds(clock_.instant() - started),
-                                               static_cast<double>(length) / bytesInMegabyte));
-    const auto snapshot = std::make_shared<const Snapshot>(std::move(content.laws), indexer->finish());
+    DiagnosticsLog::trace(
+        "legal", fmt::format("Korpus entpackt und gelesen in {:.2f} s ({:.1f} MB)",
+                             inSeconds(clock_.instant() - started),
+                             static_cast<double>(indexer.documentLengthInBytes()) / bytesInMegabyte));
+    const auto snapshot = std::make_shared<const Snapshot>(std::move(content.laws), indexer.finish());
     {
         const std::scoped_lock guard(lock_);
         // An update came meanwhile: these may be the texts of before.

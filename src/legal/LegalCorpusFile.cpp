@@ -114,9 +114,8 @@ private:
 /// Builds the laws from the reader's events; false ends the reading.
 class CorpusBuilder {
 public:
-    CorpusBuilder(std::shared_ptr<const void> document, LegalCorpusFile& file,
-                  const LegalCorpusFile::OnLaw& onLaw) :
-        document_(std::move(document)), file_(file), onLaw_(onLaw) {}
+    CorpusBuilder(std::shared_ptr<const void> document, LegalCorpusFile& file, CorpusReading& reading) :
+        document_(std::move(document)), file_(file), reading_(reading) {}
 
     bool Null() {
         return plain([](auto& reader) { return !reader.isKnown(); });
@@ -168,7 +167,8 @@ public:
     bool EndObject(rapidjson::SizeType) {
         if (unknownDepth_ > 0) return endUnknown();
         const bool isComplete = visit([](auto& reader) { return reader.isComplete(); });
-        if (isComplete && place_ == Place::law) onLaw_(file_.laws.back().sections);
+        if (isComplete && place_ == Place::section) reading_.didRead(file_.laws.back().sections.back());
+        if (isComplete && place_ == Place::law) reading_.didReadLaw(file_.laws.back().sections);
         place_ = place_ == Place::section ? Place::sections
                  : place_ == Place::law   ? Place::laws
                                           : Place::nowhere;
@@ -238,7 +238,7 @@ private:
 
     std::shared_ptr<const void> document_;
     LegalCorpusFile& file_;
-    const LegalCorpusFile::OnLaw& onLaw_;
+    CorpusReading& reading_;
     Place place_ = Place::nowhere;
     std::size_t unknownDepth_ = 0;
     FieldReader<LegalCorpusFile> fileReader_{fileFields, lawsKey};
@@ -273,11 +273,11 @@ void writeFields(Writer& writer, const Record& record, std::span<const Field<Rec
 } // namespace
 
 std::expected<void, std::string> LegalCorpusFile::readJson(BigText document, LegalCorpusFile& content,
-                                                           const OnLaw& onLaw) {
+                                                           CorpusReading& reading) {
     constexpr unsigned flags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag;
     const auto owned = std::make_shared<BigText>(std::move(document));
     rapidjson::InsituStringStream stream(owned->data());
-    CorpusBuilder builder(owned, content, onLaw);
+    CorpusBuilder builder(owned, content, reading);
     rapidjson::Reader reader;
     const auto result = reader.Parse<flags>(stream, builder);
     // The library ends at a zero byte, wherever it stands.
@@ -291,7 +291,8 @@ std::expected<void, std::string> LegalCorpusFile::readJson(BigText document, Leg
 
 std::expected<LegalCorpusFile, std::string> LegalCorpusFile::fromJson(BigText document) {
     LegalCorpusFile content;
-    if (auto read = readJson(std::move(document), content, [](auto) {}); !read)
+    CorpusReading nobody;
+    if (auto read = readJson(std::move(document), content, nobody); !read)
         return std::unexpected(std::move(read.error()));
     return content;
 }
@@ -322,25 +323,25 @@ std::string LegalCorpusFile::toJson() const {
 }
 
 std::expected<void, std::string> loadCorpus(const std::filesystem::path& file, LegalCorpusFile& content,
-                                            const std::function<void(std::size_t)>& onLength,
-                                            const LegalCorpusFile::OnLaw& onLaw) {
+                                            CorpusReading& reading) {
     const auto failed = [](std::string_view reason) {
         return std::unexpected(fmt::format("Laden fehlgeschlagen: {}", reason));
     };
     auto container = Files::readBig(file);
     if (!container) return failed(container.error().description());
-    if (const auto length = CorpusContainer::documentLength(*container)) onLength(*length);
+    if (const auto length = CorpusContainer::documentLength(*container)) reading.willUnpack(*length);
     auto document = CorpusContainer::inflate(*container);
     if (!document) return std::unexpected("Korpus liess sich nicht entpacken.");
     *container = {}; // The memory is wanted elsewhere.
-    const auto read = LegalCorpusFile::readJson(std::move(*document), content, onLaw);
+    const auto read = LegalCorpusFile::readJson(std::move(*document), content, reading);
     if (!read) return failed(read.error());
     return {};
 }
 
 std::expected<LegalCorpusFile, std::string> loadCorpus(const std::filesystem::path& file) {
     LegalCorpusFile content;
-    auto loaded = loadCorpus(file, content, [](auto) {}, [](auto) {});
+    CorpusReading nobody;
+    auto loaded = loadCorpus(file, content, nobody);
     if (!loaded) return std::unexpected(std::move(loaded.error()));
     return content;
 }

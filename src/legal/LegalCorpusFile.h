@@ -6,12 +6,23 @@
 #include <cstddef>
 #include <expected>
 #include <filesystem>
-#include <functional>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace querlin {
+
+/// Follows the reading of a corpus, to do something with it meanwhile. Called on the thread that reads.
+class CorpusReading {
+public:
+    virtual ~CorpusReading() = default;
+    /// The length of the document, before it is unpacked.
+    virtual void willUnpack(std::size_t /*documentLengthInBytes*/) {}
+    /// A section is whole; it may still move, but its texts stay where they are.
+    virtual void didRead(const LegalSection& /*section*/) {}
+    /// All sections of a law are there. They move no more, nor when the content that they are in is moved.
+    virtual void didReadLaw(std::span<const LegalSection> /*sections*/) {}
+};
 
 /// The whole document of the corpus.
 struct LegalCorpusFile {
@@ -22,16 +33,12 @@ struct LegalCorpusFile {
 
     bool operator==(const LegalCorpusFile&) const = default;
 
-    using OnLaw = std::function<void(std::span<const LegalSection>)>;
-
     /// Reads the JSON form (RFC 8259). Every key must be there with its type, keys that aren't known are
     /// passed over, and of two of one name the last counts, unless they are lists. The texts are views into
-    /// the document, which they keep. The error is a German sentence.
-    ///
-    /// `onLaw` is called with the sections of each law as soon as all of them are read. From then on they
-    /// stay where they are, also when `content` is moved; after an error too `content` holds them.
+    /// the document, which they keep. The error is a German sentence; after one `content` holds what was
+    /// read.
     static std::expected<void, std::string> readJson(BigText document, LegalCorpusFile& content,
-                                                     const OnLaw& onLaw);
+                                                     CorpusReading& reading);
     static std::expected<LegalCorpusFile, std::string> fromJson(BigText document);
     static std::expected<LegalCorpusFile, std::string> fromJson(std::string_view document) {
         return fromJson(BigText(document));
@@ -39,12 +46,10 @@ struct LegalCorpusFile {
     std::string toJson() const;
 };
 
-/// Reads a whole corpus from disk. `onLength` is told the length of its document before that is unpacked, and
-/// `onLaw` as above. The error is a German sentence, as the log has it; after one too `content` holds what
-/// was read.
+/// Reads a whole corpus from disk. The error is a German sentence, as the log has it; after one `content`
+/// holds what was read.
 std::expected<void, std::string> loadCorpus(const std::filesystem::path& file, LegalCorpusFile& content,
-                                            const std::function<void(std::size_t)>& onLength,
-                                            const LegalCorpusFile::OnLaw& onLaw);
+                                            CorpusReading& reading);
 std::expected<LegalCorpusFile, std::string> loadCorpus(const std::filesystem::path& file);
 
 } // namespace querlin

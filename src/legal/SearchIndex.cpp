@@ -4,13 +4,24 @@
 
 namespace querlin {
 
-void SearchIndex::add(std::span<const LegalSection> sections) {
+namespace {
+
+/// Titles take far less than this part of a corpus.
+constexpr std::size_t bytesForAByteOfTitles = 16;
+
+} // namespace
+
+SearchIndex::SearchIndex(std::size_t expectedBytes) :
+    titles_(expectedBytes / bytesForAByteOfTitles), texts_(expectedBytes) {}
+
+void SearchIndex::addTexts(const Texts& texts) {
+    titles_.append(texts.title);
+    texts_.append(texts.text);
+}
+
+void SearchIndex::addLaw(std::span<const LegalSection> sections) {
     const auto law = lawStarts_.size() - 1;
-    for (const auto& section : sections) {
-        entries_.push_back({law, &section});
-        titles_.append(section.title);
-        texts_.append(section.text);
-    }
+    for (const auto& section : sections) entries_.push_back({law, &section});
     lawStarts_.push_back(entries_.size());
 }
 

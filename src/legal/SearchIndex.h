@@ -19,12 +19,17 @@ namespace querlin {
 class SearchIndex {
 public:
     /// Room for texts of so many bytes in all.
-    explicit SearchIndex(std::size_t expectedBytes) : texts_(expectedBytes) {}
-    SearchIndex(SearchIndex&&) = default;
-    SearchIndex& operator=(SearchIndex&&) = default;
+    explicit SearchIndex(std::size_t expectedBytes = 0);
 
-    /// Adds the sections of the next law.
-    void add(std::span<const LegalSection> sections);
+    /// What is searched of a section.
+    struct Texts {
+        std::string_view title;
+        std::string_view text;
+    };
+    /// Adds the texts of the next section; they need not stay.
+    void addTexts(const Texts& texts);
+    /// Says whose texts have been added since the last law: those of these sections, one by one.
+    void addLaw(std::span<const LegalSection> sections);
 
     struct Entry {
         /// The law's number, in the order in which they came.
@@ -44,7 +49,7 @@ private:
     std::vector<Entry> entries_;
     /// The number of each law's first entry, and the number of entries.
     std::vector<std::size_t> lawStarts_{0};
-    TextBlob titles_{0};
+    TextBlob titles_;
     TextBlob texts_;
 };
 

@@ -84,7 +84,10 @@ void search(std::string_view text, unsigned options) {
     }
     std::size_t hits = 0;
     SearchIndex index(text.size());
-    for (const auto& one : laws) index.add(one.sections);
+    for (const auto& one : laws) {
+        for (const auto& section : one.sections) index.addTexts({section.title, section.text});
+        index.addLaw(one.sections);
+    }
     for (const std::size_t law : {0U, 1U}) {
         index.matches(lines.front(), SearchIndex::Part::texts, law, [&](const SearchIndex::Entry& entry) {
             require(entry.law == law, "a law restricts");
