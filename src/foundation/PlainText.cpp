@@ -60,35 +60,45 @@ struct Places {
     }
 };
 
-/// Calls `take` with the places of each block, where it begins, and its length: `width`, or less in the last.
-/// Whether all bytes may stand where they do.
+/// Whether a scalar begins in the last bytes and has no end.
+bool endsOpen(std::string_view text) {
+    return static_cast<unsigned char>(text.back()) >= 0xC0 || text[text.size() - 2] == '\xE2';
+}
+
+/// Calls `take` with the places of each block, where it begins, and its length: `width`, or less in a short
+/// text. Some bytes may come twice. Whether all of them may stand where they do.
 template<std::size_t width, class Take>
 [[gnu::always_inline]] inline bool walk(std::string_view text, Take take) {
+    constexpr std::integral_constant<std::size_t, width> whole;
+    const auto size = text.size();
     Block<width> faults{};
-    // At both ends a copy with blanks around it: what is left open at the end shows there.
-    const auto takeCopy = [&](std::size_t start) {
-        const auto before = std::min<std::size_t>(start, 2);
-        const auto length = std::min(width, text.size() - start);
-        std::array<char, width + 2> copy; // NOLINT(cppcoreguidelines-pro-type-member-init): filled next
+    Places<width> at;
+    std::array<char, width + 2>
+        copy; // NOLINT(cppcoreguidelines-pro-type-member-init): filled where it is used
+    if (size < width) {
+        // With blanks around it: what is left open at the end shows in front of one.
         copy.fill(' ');
-        text.copy(copy.data() + 2 - before, before + length, start - before);
-        Places<width> at;
+        text.copy(copy.data() + 2, size);
         at.load(copy.data() + 2);
         at.addFaults(faults);
-        take(at, start, length);
-    };
-    takeCopy(0);
-    auto start = width;
-    for (; start + width <= text.size(); start += width) {
-        Places<width> at;
-        at.load(text.data() + start);
+        take(at, 0, size);
+    } else {
+        copy[0] = copy[1] = ' ';
+        std::memcpy(copy.data() + 2, text.data(), width);
+        at.load(copy.data() + 2);
         at.addFaults(faults);
-        take(at, start, std::integral_constant<std::size_t, width>());
+        take(at, 0, whole);
+        for (auto start = width; start < size; start += width) {
+            start = std::min(start, size - width);
+            at.load(text.data() + start);
+            at.addFaults(faults);
+            take(at, start, whole);
+        }
     }
-    if (start <= text.size()) takeCopy(start);
     std::array<std::uint64_t, width / sizeof(std::uint64_t)> words{};
     std::memcpy(words.data(), &faults, width);
-    return std::ranges::all_of(words, [](std::uint64_t word) { return word == 0; });
+    return std::ranges::all_of(words, [](std::uint64_t word) { return word == 0; }) &&
+           (size < width || !endsOpen(text));
 }
 
 template<std::size_t width>

@@ -16,9 +16,10 @@ void CorpusIndexer::willUnpack(std::size_t documentLengthInBytes) {
     thread_ = std::jthread([this] { work(); });
 }
 
-void CorpusIndexer::didRead(const LegalSection& section) {
+bool CorpusIndexer::didRead(const LegalSection& section) {
     next_.texts.push_back({section.title, section.text});
     if (next_.texts.size() == sectionsInABatch) handOver(std::exchange(next_, {}));
+    return true; // It will be seen when they are made small.
 }
 
 void CorpusIndexer::didReadLaw(std::span<const LegalSection> sections) {
@@ -26,9 +27,9 @@ void CorpusIndexer::didReadLaw(std::span<const LegalSection> sections) {
     handOver(std::exchange(next_, {}));
 }
 
-CorpusIndex CorpusIndexer::finish() {
+std::optional<CorpusIndex> CorpusIndexer::finish() {
     end();
-    return std::move(index_);
+    return isWellFormed_ ? std::optional(std::move(index_)) : std::nullopt;
 }
 
 void CorpusIndexer::handOver(Batch batch) {
@@ -62,7 +63,7 @@ void CorpusIndexer::work() {
 }
 
 void CorpusIndexer::take(const Batch& batch) {
-    for (const auto& texts : batch.texts) index_.words.addTexts(texts);
+    for (const auto& texts : batch.texts) isWellFormed_ &= index_.words.addTexts(texts);
     if (!batch.law) return;
     index_.words.addLaw(*batch.law);
     auto& byId = index_.numbers.emplace_back();

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <deque>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <thread>
@@ -35,11 +36,11 @@ public:
     CorpusIndexer& operator=(const CorpusIndexer&) = delete;
 
     void willUnpack(std::size_t documentLengthInBytes) override;
-    void didRead(const LegalSection& section) override;
+    bool didRead(const LegalSection& section) override;
     void didReadLaw(std::span<const LegalSection> sections) override;
 
-    /// Waits for the index of all that has been read.
-    CorpusIndex finish();
+    /// Waits for the index of all that has been read; nothing if one of the texts is ill-formed.
+    std::optional<CorpusIndex> finish();
     /// What `willUnpack` was told.
     std::size_t documentLengthInBytes() const { return documentLengthInBytes_; }
 
@@ -61,7 +62,8 @@ private:
     std::condition_variable wakeUp_;
     std::deque<Batch> waiting_; // Under the lock, like the next.
     bool isComplete_ = false;
-    CorpusIndex index_; // The thread's own until it has ended.
+    CorpusIndex index_; // The thread's own until it has ended, like the next.
+    bool isWellFormed_ = true;
     std::jthread thread_;
 };
 

@@ -122,8 +122,10 @@ LegalCorpus::SnapshotPointer LegalCorpus::loaded() {
     LegalCorpusFile content;
     CorpusIndexer indexer; // Ends before the content does.
     const auto read = loadCorpus(*file, content, indexer);
-    if (!read) {
-        note(read.error());
+    auto index = indexer.finish();
+    if (!read || !index) {
+        note(read ? "Laden fehlgeschlagen: Der Gesetzesbestand enthält Text, der kein UTF-8 ist."
+                  : read.error());
         return nullptr;
     }
     constexpr double bytesInMegabyte = 1'048'576;
@@ -131,7 +133,7 @@ LegalCorpus::SnapshotPointer LegalCorpus::loaded() {
         "legal", fmt::format("Korpus entpackt und gelesen in {:.2f} s ({:.1f} MB)",
                              inSeconds(clock_.instant() - started),
                              static_cast<double>(indexer.documentLengthInBytes()) / bytesInMegabyte));
-    const auto snapshot = std::make_shared<const Snapshot>(std::move(content.laws), indexer.finish());
+    const auto snapshot = std::make_shared<const Snapshot>(std::move(content.laws), std::move(*index));
     {
         const std::scoped_lock guard(lock_);
         // An update came meanwhile: these may be the texts of before.

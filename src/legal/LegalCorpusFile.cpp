@@ -20,20 +20,25 @@ namespace {
 
 // The keys of the three kinds of object, and what they stand for.
 
+/// Whether a text is looked at as soon as it is read, or by whoever follows the reading.
+enum class Check : std::uint8_t { now, later };
+
 template<class Record>
 struct Field {
     std::string_view key;
     std::variant<SharedText Record::*, std::int64_t Record::*, bool Record::*> member;
+    Check check = Check::now;
 };
 
-constexpr auto sectionFields = std::to_array<Field<LegalSection>>({{"id", &LegalSection::id},
-                                                                   {"number", &LegalSection::number},
-                                                                   {"suffix", &LegalSection::suffix},
-                                                                   {"label", &LegalSection::label},
-                                                                   {"title", &LegalSection::title},
-                                                                   {"path", &LegalSection::path},
-                                                                   {"text", &LegalSection::text},
-                                                                   {"priority", &LegalSection::priority}});
+constexpr auto sectionFields =
+    std::to_array<Field<LegalSection>>({{"id", &LegalSection::id},
+                                        {"number", &LegalSection::number},
+                                        {"suffix", &LegalSection::suffix},
+                                        {"label", &LegalSection::label},
+                                        {"title", &LegalSection::title, Check::later},
+                                        {"path", &LegalSection::path},
+                                        {"text", &LegalSection::text, Check::later},
+                                        {"priority", &LegalSection::priority}});
 /// Besides its sections, which come behind.
 constexpr auto lawFields = std::to_array<Field<LegalLaw>>({{"abbr", &LegalLaw::abbr},
                                                            {"name", &LegalLaw::name},
@@ -77,6 +82,9 @@ public:
     }
     bool isList() const { return current_ == list; }
     bool isKnown() const { return current_ != unknown; }
+    bool isCheckedLater() const {
+        return current_ < fields_.size() && fields_[current_].check == Check::later;
+    }
     /// False for a second list: what was handed on of the first can't be taken back.
     bool sawList() {
         const auto bit = 1U << fields_.size();
@@ -129,7 +137,8 @@ public:
     bool RawNumber(const char*, rapidjson::SizeType, bool) { return false; }
     bool String(const char* text, rapidjson::SizeType length, bool) {
         const std::string_view view(text, length);
-        if (!isValidUtf8(view)) return false;
+        const bool isCheckedLater = visit([](auto& reader) { return reader.isCheckedLater(); });
+        if (!isCheckedLater && !isValidUtf8(view)) return false;
         return plain(
             [&](auto& reader) { return !reader.isKnown() || reader.put(SharedText(document_, view)); });
     }
@@ -167,12 +176,13 @@ public:
     bool EndObject(rapidjson::SizeType) {
         if (unknownDepth_ > 0) return endUnknown();
         const bool isComplete = visit([](auto& reader) { return reader.isComplete(); });
-        if (isComplete && place_ == Place::section) reading_.didRead(file_.laws.back().sections.back());
+        const bool isAccepted =
+            isComplete && (place_ != Place::section || reading_.didRead(file_.laws.back().sections.back()));
         if (isComplete && place_ == Place::law) reading_.didReadLaw(file_.laws.back().sections);
         place_ = place_ == Place::section ? Place::sections
                  : place_ == Place::law   ? Place::laws
                                           : Place::nowhere;
-        return isComplete;
+        return isAccepted;
     }
     bool StartArray() {
         if (unknownDepth_ > 0) return skipDeeper();
@@ -272,9 +282,14 @@ void writeFields(Writer& writer, const Record& record, std::span<const Field<Rec
 
 } // namespace
 
+bool CorpusReading::didRead(const LegalSection& section) {
+    return isValidUtf8(section.title) && isValidUtf8(section.text);
+}
+
 std::expected<void, std::string> LegalCorpusFile::readJson(BigText document, LegalCorpusFile& content,
                                                            CorpusReading& reading) {
-    constexpr unsigned flags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag;
+    // The library goes down a level by calling itself; the builder refuses to go deep.
+    constexpr unsigned flags = rapidjson::kParseInsituFlag;
     const auto owned = std::make_shared<BigText>(std::move(document));
     rapidjson::InsituStringStream stream(owned->data());
     CorpusBuilder builder(owned, content, reading);

@@ -18,8 +18,9 @@ public:
     virtual ~CorpusReading() = default;
     /// The length of the document, before it is unpacked.
     virtual void willUnpack(std::size_t /*documentLengthInBytes*/) {}
-    /// A section is whole; it may still move, but its texts stay where they are.
-    virtual void didRead(const LegalSection& /*section*/) {}
+    /// A section is whole; it may still move, but its texts stay where they are. Its title and text have not
+    /// been looked at yet: false means that one of them is ill-formed, and ends the reading.
+    virtual bool didRead(const LegalSection& section);
     /// All sections of a law are there. They move no more, nor when the content that they are in is moved.
     virtual void didReadLaw(std::span<const LegalSection> /*sections*/) {}
 };

@@ -14,9 +14,9 @@ constexpr std::size_t bytesForAByteOfTitles = 16;
 SearchIndex::SearchIndex(std::size_t expectedBytes) :
     titles_(expectedBytes / bytesForAByteOfTitles), texts_(expectedBytes) {}
 
-void SearchIndex::addTexts(const Texts& texts) {
-    titles_.append(texts.title);
-    texts_.append(texts.text);
+bool SearchIndex::addTexts(const Texts& texts) {
+    const bool hasGoodTitle = titles_.append(texts.title);
+    return texts_.append(texts.text) && hasGoodTitle;
 }
 
 void SearchIndex::addLaw(std::span<const LegalSection> sections) {

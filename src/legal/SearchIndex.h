@@ -26,8 +26,8 @@ public:
         std::string_view title;
         std::string_view text;
     };
-    /// Adds the texts of the next section; they need not stay.
-    void addTexts(const Texts& texts);
+    /// Adds the texts of the next section; they need not stay. False if they are not well-formed UTF-8.
+    bool addTexts(const Texts& texts);
     /// Says whose texts have been added since the last law: those of these sections, one by one.
     void addLaw(std::span<const LegalSection> sections);
 

@@ -2,6 +2,7 @@
 
 #include "foundation/PlainText.h"
 #include "foundation/TextCase.h"
+#include "foundation/Utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -163,15 +164,16 @@ private:
     std::size_t at_;
 };
 
-void TextBlob::append(std::string_view text) {
+bool TextBlob::append(std::string_view text) {
     const auto before = bytes_.size();
-    auto* place = bytes_.extend(text.size());
-    if (!lowercasePlainText(text, place)) {
+    const bool isPlain = lowercasePlainText(text, bytes_.extend(text.size()));
+    if (!isPlain) {
         bytes_.shrink(before);
         bytes_.append(lowercase(text));
     }
     *bytes_.extend(1) = '\n';
     starts_.push_back(static_cast<std::uint32_t>(bytes_.size()));
+    return isPlain || isValidUtf8(text);
 }
 
 void TextBlob::search(std::string_view bytes, Range range, const Visitor& visit, Registers registers) const {

@@ -22,7 +22,8 @@ public:
         bytes_.makeReady();
     }
 
-    void append(std::string_view text);
+    /// False if it isn't well-formed UTF-8; then it is there with U+FFFD for what can't be read.
+    bool append(std::string_view text);
     std::size_t count() const { return starts_.size() - 1; }
 
     /// The numbers of texts, from and behind the last.

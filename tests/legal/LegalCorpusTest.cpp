@@ -108,7 +108,9 @@ TEST(LegalCorpus, StaysEmptyUntilItCanBeLoaded) {
     for (const auto& [content, line] : std::vector<Row>{
              {"kurz", "[legal] Korpus liess sich nicht entpacken."},
              {*CorpusContainer::deflate("{}"), "[legal] Laden fehlgeschlagen: Der Gesetzesbestand ist kein vollständiger Bestand"},
-             {*CorpusContainer::deflate("x"), "[legal] Laden fehlgeschlagen: Der Gesetzesbestand ist kein gültiges JSON"}}) {
+             {*CorpusContainer::deflate("x"), "[legal] Laden fehlgeschlagen: Der Gesetzesbestand ist kein gültiges JSON"},
+             {*CorpusContainer::deflate(LegalCorpusFile{"", {lawOf("A", {sectionOf("1", "", "kaputt \xFF")})}}.toJson()),
+              "[legal] Laden fehlgeschlagen: Der Gesetzesbestand enthält Text, der kein UTF-8 ist."}}) {
         writeFile(file, content);
         EXPECT_FALSE(world.corpus.loadIfNeeded());
         EXPECT_FALSE(world.corpus.section("1", "BGB"));
