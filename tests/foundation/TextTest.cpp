@@ -4,6 +4,7 @@
 #include "foundation/Collation.h"
 #include "foundation/GermanFormat.h"
 #include "foundation/Graphemes.h"
+#include "foundation/PlainText.h"
 #include "foundation/TextCase.h"
 #include "foundation/Trimming.h"
 #include "foundation/Utf8.h"
@@ -146,6 +147,55 @@ TEST(TextCase, AgreesWithIcuScalarByScalar) {
         EXPECT_TRUE(equalIgnoringCase(text, foldedText)) << text;
         EXPECT_TRUE(equalIgnoringCase("ж" + text, "Ж" + foldedText)) << text << " by way of ICU";
         EXPECT_EQ(isNfc(text), normalizer->isNormalized(wide, status) != 0) << text;
+    }
+}
+
+TEST(PlainText, IsTakenManyBytesAtOnceAndMeansTheSame) {
+    // Pieces that are plain, pieces that aren't, and pieces of pieces, in texts of all lengths around those of
+    // the registers.
+    const std::vector<std::string> pieces = {"a", "Z", "@", "[", " ", "ä", "Ö", "ß", "×", "÷", "Þ", "§", "\u00A0", "–", "„", "€",
+                                             "\u2080", "\u20FF", "\u2100", "Ⅷ", "Ω", "č", "𝄞", "\xC3", "\xA4", "\xE2", "\xE2\x80", "\xC0", "\xFF"};
+    std::mt19937 random(3);
+    const auto number = [&random](std::size_t most) { return std::uniform_int_distribution<std::size_t>(0, most)(random); };
+    int plain = 0;
+    for (int round = 0; round < 20'000; ++round) {
+        const auto kinds = round % 3 == 0 ? pieces.size() - 1 : 16;
+        std::string text;
+        for (auto left = number(90); left > 0; --left) text += pieces[number(kinds)];
+        const auto isIt = isPlainText(text, Registers::portable);
+        plain += isIt ? 1 : 0;
+        ASSERT_EQ(isIt, std::ranges::all_of(Graphemes(text), [](std::string_view character) {
+            const auto scalar = firstScalar(character);
+            return isValidUtf8(character) && (scalar < 0x100 || (scalar >= 0x2000 && scalar < 0x2100));
+        })) << text;
+        std::string lower(text.size(), '?');
+        ASSERT_EQ(lowercasePlainText(text, lower.data(), Registers::portable), isIt) << text;
+        ASSERT_EQ(isPlainText(text), isIt) << text;
+        if (!isIt) continue;
+        icu::UnicodeString expected = icu::UnicodeString::fromUTF8(text).toLower("");
+        std::string expectedText;
+        expected.toUTF8String(expectedText);
+        ASSERT_EQ(lower, expectedText);
+        ASSERT_TRUE(lowercasePlainText(text, lower.data())) << text;
+        ASSERT_EQ(lower, expectedText) << "with the widest registers too";
+    }
+    EXPECT_GT(plain, 10'000);
+}
+
+TEST(TextCase, FindsIgnoringCase) {
+    const std::vector<std::tuple<const char*, const char*, const char*, const char*>> rows = {
+        {"§ 5 bgb x", "BGB", "bgb", "in the middle"},
+        {"SGB XII", "SGB XII", "SGB XII", "all of it"},
+        {"STRASSE", "straße", "STRASSE", "what folds to more"},
+        {"Maße", "ss", "ß", "what stands for it"},
+        {"Maße", "s", nullptr, "half a scalar isn't found"},
+        {"äöü", "Ö", "ö", "umlauts"},
+        {"abc", "", nullptr, "nothing is nowhere"},
+        {"", "a", nullptr, "nor anything in nothing"},
+        {"\xFFx", "X", "x", "ill-formed bytes are no hindrance"}};
+    for (const auto& [text, wanted, found, reason] : rows) {
+        const auto place = findIgnoringCase(text, wanted);
+        EXPECT_EQ(place.value_or("(nichts)"), found ? found : "(nichts)") << reason;
     }
 }
 
