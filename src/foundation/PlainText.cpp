@@ -71,17 +71,20 @@ template<std::size_t width, class Take>
 [[gnu::always_inline]] inline bool walk(std::string_view text, Take take) {
     constexpr std::integral_constant<std::size_t, width> whole;
     const auto size = text.size();
+    const bool isShort = size < width + 2;
     Block<width> faults{};
     Places<width> at;
-    std::array<char, width + 2>
-        copy; // NOLINT(cppcoreguidelines-pro-type-member-init): filled where it is used
-    if (size < width) {
+    std::array<char, 2 * width + 2>
+        copy; // NOLINT(cppcoreguidelines-pro-type-member-init): filled as it is used
+    if (isShort) {
         // With blanks around it: what is left open at the end shows in front of one.
         copy.fill(' ');
         text.copy(copy.data() + 2, size);
-        at.load(copy.data() + 2);
-        at.addFaults(faults);
-        take(at, 0, size);
+        for (std::size_t start = 0; start <= size; start += width) {
+            at.load(copy.data() + 2 + start);
+            at.addFaults(faults);
+            take(at, start, std::min(width, size - start));
+        }
     } else {
         copy[0] = copy[1] = ' ';
         std::memcpy(copy.data() + 2, text.data(), width);
@@ -98,7 +101,7 @@ template<std::size_t width, class Take>
     std::array<std::uint64_t, width / sizeof(std::uint64_t)> words{};
     std::memcpy(words.data(), &faults, width);
     return std::ranges::all_of(words, [](std::uint64_t word) { return word == 0; }) &&
-           (size < width || !endsOpen(text));
+           (isShort || !endsOpen(text));
 }
 
 template<std::size_t width>
