@@ -107,7 +107,7 @@ void allocations(const Setting& setting, Searchers& searchers, const Mixes& mixe
     setting.report.section("Memory during a search");
     const auto allocated = [&](std::string_view term, std::size_t& occurrences) {
         const auto before = allocationCount();
-        searchers.index().matches(term, SearchIndex::Part::texts, std::nullopt,
+        searchers.index().matches(term, SearchIndex::Part::texts, searchers.index().allLaws(),
                                   [&occurrences](const SearchIndex::Entry&) { return ++occurrences > 0; });
         return allocationCount() - before;
     };

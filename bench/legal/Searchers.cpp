@@ -20,7 +20,7 @@ Searchers::Searchers(const Corpus& corpus, PlainCorpus plain) :
 
 const std::vector<const LegalSection*>& Searchers::ours(std::string_view term) {
     found_.clear();
-    index_.matches(term, SearchIndex::Part::texts, std::nullopt, [this](const SearchIndex::Entry& entry) {
+    index_.matches(term, SearchIndex::Part::texts, index_.allLaws(), [this](const SearchIndex::Entry& entry) {
         found_.push_back(entry.section);
         return true;
     });

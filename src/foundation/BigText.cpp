@@ -28,7 +28,7 @@ BigText::Memory BigText::map(std::size_t capacity) {
     if (asked > space) ::munmap(start, asked - space);
     if (space > length) ::munmap(memory + length, space - length);
     ::madvise(memory, length, MADV_HUGEPAGE); // Where there are none it does no harm.
-    return Memory(memory, Unmap{length});
+    return {memory, Unmap{length}};
 }
 
 BigText::BigText(std::size_t size) : memory_(map(size)), size_(size), capacity_(size) {}

@@ -73,9 +73,10 @@ template<std::size_t width, class Take>
     const auto size = text.size();
     const bool isShort = size < width + 2;
     Block<width> faults{};
+    // NOLINTBEGIN(cppcoreguidelines-pro-type-member-init): filled as they are used
     Places<width> at;
-    std::array<char, 2 * width + 2>
-        copy; // NOLINT(cppcoreguidelines-pro-type-member-init): filled as it is used
+    std::array<char, (2 * width) + 2> copy;
+    // NOLINTEND(cppcoreguidelines-pro-type-member-init)
     if (isShort) {
         // With blanks around it: what is left open at the end shows in front of one.
         copy.fill(' ');
@@ -93,7 +94,7 @@ template<std::size_t width, class Take>
         take(at, 0, whole);
         for (auto start = width; start < size; start += width) {
             start = std::min(start, size - width);
-            at.load(text.data() + start);
+            at.load(&text[start]);
             at.addFaults(faults);
             take(at, start, whole);
         }

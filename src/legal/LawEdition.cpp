@@ -18,7 +18,7 @@ std::expected<LegalLaw, std::string> lawFromArchive(const LegalManifestEntry& en
         return std::unexpected(LegalUpdateError{LegalUpdateError::Kind::empty, entry.abbr}.description());
     LegalLaw law;
     law.abbr = entry.abbr;
-    law.name = parsed->name.empty() ? entry.abbr : std::move(parsed->name);
+    law.name = parsed->name.empty() ? entry.abbr : parsed->name;
     law.tier = entry.tier;
     law.slug = entry.slug;
     law.stand = std::move(parsed->stand);

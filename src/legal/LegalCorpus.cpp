@@ -20,43 +20,6 @@
 
 namespace querlin {
 
-/// One version of the laws, with all that answers need.
-class LegalCorpus::Snapshot {
-public:
-    /// The index is of these laws.
-    Snapshot(std::vector<LegalLaw> laws, CorpusIndex index) :
-        laws_(std::move(laws)), index_(std::move(index)) {
-        for (std::size_t number = 0; number < laws_.size(); ++number) {
-            byName_.insert_or_assign(uppercase(laws_[number].abbr), number);
-            longestNameFirst_.push_back(number);
-        }
-        std::ranges::stable_sort(longestNameFirst_, std::ranges::greater(),
-                                 [this](std::size_t number) { return graphemeCount(laws_[number].abbr); });
-    }
-
-    const std::vector<LegalLaw>& laws() const { return laws_; }
-    /// The numbers of the laws, those with the longest names first.
-    const std::vector<std::size_t>& longestNameFirst() const { return longestNameFirst_; }
-    const SearchIndex& words() const { return index_.words; }
-
-    /// By the law's number and the id in small letters; null if there is none.
-    const LegalSection* section(std::size_t law, std::string_view id) const {
-        const auto found = index_.numbers[law].find(id);
-        return found == index_.numbers[law].end() ? nullptr : found->second;
-    }
-    const LegalSection* section(std::string_view law, std::string_view id) const {
-        const auto number = byName_.find(uppercase(law));
-        return number == byName_.end() ? nullptr : section(number->second, id);
-    }
-
-private:
-    std::vector<LegalLaw> laws_;
-    CorpusIndex index_;
-    /// By the abbreviation in capital letters.
-    std::map<std::string, std::size_t> byName_;
-    std::vector<std::size_t> longestNameFirst_;
-};
-
 namespace {
 
 /// The hits of one search, each section once.
@@ -81,6 +44,81 @@ private:
 };
 
 } // namespace
+
+/// One version of the laws, with all that answers need.
+class LegalCorpus::Snapshot {
+public:
+    /// The index is of these laws.
+    Snapshot(std::vector<LegalLaw> laws, CorpusIndex index) :
+        laws_(std::move(laws)), index_(std::move(index)) {
+        for (std::size_t number = 0; number < laws_.size(); ++number) {
+            byName_.insert_or_assign(uppercase(laws_[number].abbr), number);
+            longestNameFirst_.push_back(number);
+        }
+        std::ranges::stable_sort(longestNameFirst_, std::ranges::greater(),
+                                 [this](std::size_t number) { return graphemeCount(laws_[number].abbr); });
+    }
+
+    const std::vector<LegalLaw>& laws() const { return laws_; }
+
+    /// By the law's number and the id in small letters; null if there is none.
+    const LegalSection* section(std::size_t law, std::string_view id) const {
+        const auto found = index_.numbers[law].find(id);
+        return found == index_.numbers[law].end() ? nullptr : found->second;
+    }
+    const LegalSection* section(std::string_view law, std::string_view id) const {
+        const auto number = byName_.find(uppercase(law));
+        return number == byName_.end() ? nullptr : section(number->second, id);
+    }
+
+    using Laws = SearchIndex::Laws;
+    struct Query {
+        std::string term;
+        Laws laws;
+    };
+    /// Takes a law's name, wherever it stands, out of a query: "1814 BGB". Of two that fit it is the longer.
+    Query understood(std::string_view query) const {
+        for (const auto law : longestNameFirst_) {
+            const auto name = findIgnoringCase(query, laws_[law].abbr);
+            if (!name) continue;
+            std::string rest(query);
+            rest.erase(static_cast<std::size_t>(name->data() - query.data()), name->size());
+            return {std::string(trimWhitespaceAndNewlines(rest)), {law, law + 1}};
+        }
+        return {std::string(query), {0, laws_.size()}};
+    }
+
+    /// The sections with this number, then those whose number begins with it.
+    void addNumbers(std::string_view number, Laws laws, Hits& hits) const {
+        for (auto law = laws.first; law < laws.end; ++law) {
+            if (const auto* found = section(law, number)) hits.add(laws_[law], *found);
+        }
+        for (auto law = laws.first; law < laws.end; ++law) {
+            for (const auto& section : laws_[law].sections) {
+                if (hits.isFull()) return;
+                if (section.id.view().starts_with(number)) hits.add(laws_[law], section);
+            }
+        }
+    }
+
+    /// Those with the words in their titles, then those with the words in their texts.
+    void addWords(std::string_view words, Laws laws, Hits& hits) const {
+        for (const auto part : {SearchIndex::Part::titles, SearchIndex::Part::texts}) {
+            if (hits.isFull()) return;
+            index_.words.matches(words, part, laws, [&](const SearchIndex::Entry& entry) {
+                hits.add(laws_[entry.law], *entry.section);
+                return !hits.isFull();
+            });
+        }
+    }
+
+private:
+    std::vector<LegalLaw> laws_;
+    CorpusIndex index_;
+    /// By the abbreviation in capital letters.
+    std::map<std::string, std::size_t> byName_;
+    std::vector<std::size_t> longestNameFirst_;
+};
 
 LegalCorpus::LegalCorpus(const LegalCorpusStore& store, const Clock& clock) : store_(store), clock_(clock) {}
 LegalCorpus::~LegalCorpus() = default;
@@ -188,45 +226,14 @@ std::vector<LegalHit> LegalCorpus::search(std::string_view query, std::size_t li
     const auto wanted = trimWhitespaceAndNewlines(query);
     if (!snapshot || wanted.empty()) return {};
 
-    // A law by its name, wherever it stands.
-    const auto& laws = snapshot->laws();
-    std::optional<std::size_t> only;
-    std::string rest(wanted);
-    for (const auto law : snapshot->longestNameFirst()) {
-        const auto name = findIgnoringCase(wanted, laws[law].abbr);
-        if (!name) continue;
-        only = law;
-        rest.erase(static_cast<std::size_t>(name->data() - wanted.data()), name->size());
-        rest = std::string(trimWhitespaceAndNewlines(rest));
-        break;
-    }
-    const auto first = only.value_or(0);
-    const auto end = only ? *only + 1 : laws.size();
+    const auto [term, laws] = snapshot->understood(wanted);
     Hits hits(limit);
-
-    const auto bare = replacingAll(rest, "§", "");
+    const auto bare = replacingAll(term, "§", "");
     const auto number = lowercase(trimWhitespaceAndNewlines(bare));
-    if (isNumeric(std::string_view(number))) {
-        for (auto law = first; law < end; ++law) {
-            if (const auto* section = snapshot->section(law, number)) hits.add(laws[law], *section);
-        }
-        for (auto law = first; law < end; ++law) {
-            for (const auto& section : laws[law].sections) {
-                if (hits.isFull()) return hits.take();
-                if (section.id.view().starts_with(number)) hits.add(laws[law], section);
-            }
-        }
-    }
-
-    const auto term = rest.empty() ? wanted : std::string_view(rest);
-    if (firstGraphemes(term, 1).size() == term.size()) return hits.take();
-    for (const auto part : {SearchIndex::Part::titles, SearchIndex::Part::texts}) {
-        if (hits.isFull()) break;
-        snapshot->words().matches(term, part, only, [&](const SearchIndex::Entry& entry) {
-            hits.add(laws[entry.law], *entry.section);
-            return !hits.isFull();
-        });
-    }
+    if (isNumeric(std::string_view(number))) snapshot->addNumbers(number, laws, hits);
+    // Of a query that is a law's name alone, the name is looked for.
+    const auto words = term.empty() ? wanted : std::string_view(term);
+    if (firstGraphemes(words, 1).size() < words.size()) snapshot->addWords(words, laws, hits);
     return hits.take();
 }
 

@@ -179,9 +179,7 @@ public:
         const bool isAccepted =
             isComplete && (place_ != Place::section || reading_.didRead(file_.laws.back().sections.back()));
         if (isComplete && place_ == Place::law) reading_.didReadLaw(file_.laws.back().sections);
-        place_ = place_ == Place::section ? Place::sections
-                 : place_ == Place::law   ? Place::laws
-                                          : Place::nowhere;
+        leaveObject();
         return isAccepted;
     }
     bool StartArray() {
@@ -207,6 +205,14 @@ private:
     /// Where the events come from: within the document, its list of laws, a law, its list of sections, or a
     /// section.
     enum class Place : std::uint8_t { nowhere, file, laws, law, sections, section };
+
+    void leaveObject() {
+        if (place_ == Place::section) {
+            place_ = Place::sections;
+        } else {
+            place_ = place_ == Place::law ? Place::laws : Place::nowhere;
+        }
+    }
 
     /// Calls with the reader of the object whose members come; false where a list's elements come.
     template<class Call>

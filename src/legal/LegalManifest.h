@@ -37,6 +37,9 @@ struct LegalManifestEntry {
     bool operator==(const LegalManifestEntry&) const = default;
 };
 
+JsonValue toJson(const LegalManifestEntry& entry);
+std::optional<LegalManifestEntry> readJson(const JsonValue& json, const LegalManifestEntry* tag);
+
 /// Which laws there are, and which version of each.
 struct LegalManifest {
     /// The day of delivery, or of the last update, "2026-03-14".

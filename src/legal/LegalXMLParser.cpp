@@ -81,7 +81,7 @@ constexpr std::size_t placeCount = 64;
 constexpr std::size_t placeOf(std::string_view name) {
     const auto first = static_cast<unsigned char>(name.front());
     const auto last = static_cast<unsigned char>(name.back());
-    return (name.size() + first + 3 * last) % placeCount;
+    return (name.size() + first + (std::size_t{3} * last)) % placeCount;
 }
 
 constexpr auto elementsByPlace = [] {
@@ -119,49 +119,75 @@ constexpr std::size_t deepestNesting = 256;
 
 constexpr std::string_view noBreakSpace = "\u00A0";
 
-/// Sixteen bytes that `cleaned` leaves as they are: no line feed, nothing that may begin a no-break space, no
-/// blank behind a blank of any kind or a line feed. `bytes` has one in front of it.
-bool isClean(const char* bytes) {
-    using Block = char __attribute__((vector_size(16)));
-    Block block;
-    Block before;
-    std::memcpy(&block, bytes, sizeof(block));
-    std::memcpy(&before, bytes - 1, sizeof(before));
-    const auto unclean =
-        (block == '\n') | (block == noBreakSpace.front()) |
-        ((block == ' ') & ((before == ' ') | (before == '\n') | (before == noBreakSpace.back())));
-    std::array<std::uint64_t, 2> words{};
-    std::memcpy(words.data(), &unclean, sizeof(unclean));
-    return (words[0] | words[1]) == 0;
-}
-
 /// Brings the text of a section into its form: runs of blanks are one blank, none stand at a line's ends, one
 /// empty line at most stands between two lines. The tabs in front of table cells stay; those of the source
 /// have become blanks before.
-std::string cleaned(std::string_view text) {
-    constexpr std::size_t block = 16;
-    std::string result;
-    result.resize_and_overwrite(text.size(), [text](char* start, std::size_t /*room*/) {
-        auto* end = start;
-        const auto endsIn = [&](char byte) { return end > start && end[-1] == byte; };
-        for (std::size_t at = 0; at < text.size();) {
-            if (at > 0 && text.size() - at >= block && isClean(text.data() + at)) {
-                end += text.copy(end, block, at);
-                at += block;
-            } else if (text[at] == '\n') {
-                while (endsIn(' ')) --end;
-                const bool isSecondEmpty = endsIn('\n') && end - start > 1 && end[-2] == '\n';
-                if (!isSecondEmpty) *end++ = '\n';
-                ++at;
-            } else if (text[at] == ' ' || text.substr(at).starts_with(noBreakSpace)) {
-                if (!endsIn(' ') && !endsIn('\n')) *end++ = ' ';
-                at += text[at] == ' ' ? 1 : noBreakSpace.size();
-            } else {
-                *end++ = text[at++];
-            }
+class Cleaner {
+public:
+    /// Writes into memory of the text's length.
+    Cleaner(std::string_view text, char* result) : text_(text), start_(result), end_(result) {}
+
+    /// The length of the result.
+    std::size_t run() {
+        for (std::size_t at = 0; at < text_.size();) at += step(at);
+        return static_cast<std::size_t>(end_ - start_);
+    }
+
+private:
+    static constexpr std::size_t block = 16;
+
+    /// Takes some of the text from a place on, and tells how much.
+    std::size_t step(std::size_t at) {
+        if (at > 0 && text_.size() - at >= block && isClean(&text_[at])) {
+            end_ += text_.copy(end_, block, at);
+            return block;
         }
-        return static_cast<std::size_t>(end - start);
-    });
+        if (text_[at] == '\n') {
+            lineFeed();
+            return 1;
+        }
+        const bool isBlank = text_[at] == ' ';
+        if (isBlank || text_.substr(at).starts_with(noBreakSpace)) {
+            if (!endsIn(' ') && !endsIn('\n')) *end_++ = ' ';
+            return isBlank ? 1 : noBreakSpace.size();
+        }
+        *end_++ = text_[at];
+        return 1;
+    }
+
+    void lineFeed() {
+        while (endsIn(' ')) --end_;
+        const bool isSecondEmpty = endsIn('\n') && end_ - start_ > 1 && end_[-2] == '\n';
+        if (!isSecondEmpty) *end_++ = '\n';
+    }
+
+    bool endsIn(char byte) const { return end_ > start_ && end_[-1] == byte; }
+
+    /// A block that stays as it is: no line feed, nothing that may begin a no-break space, no blank behind a
+    /// blank of any kind or a line feed. `bytes` has one in front of it.
+    static bool isClean(const char* bytes) {
+        using Block = char __attribute__((vector_size(block)));
+        Block here{};
+        Block before{};
+        std::memcpy(&here, bytes, block);
+        std::memcpy(&before, bytes - 1, block);
+        const auto isBehindBlank = (before == ' ') | (before == '\n') | (before == noBreakSpace.back());
+        const auto unclean =
+            (here == '\n') | (here == noBreakSpace.front()) | ((here == ' ') & isBehindBlank);
+        std::array<std::uint64_t, 2> words{};
+        std::memcpy(words.data(), &unclean, block);
+        return (words[0] | words[1]) == 0;
+    }
+
+    std::string_view text_;
+    char* start_;
+    char* end_;
+};
+
+std::string cleaned(std::string_view text) {
+    std::string result;
+    result.resize_and_overwrite(
+        text.size(), [text](char* room, std::size_t /*size*/) { return Cleaner(text, room).run(); });
     return std::string(trimWhitespaceAndNewlines(result));
 }
 
@@ -253,13 +279,16 @@ std::expected<Result, ParseError> Reader::read(std::string_view document) {
         static_cast<Reader*>(self)->refuse("unbekannte Entität");
     });
 
+    constexpr std::size_t largestPiece = std::numeric_limits<int>::max() / 2;
     auto status = XML_STATUS_OK;
-    do {
-        constexpr std::size_t largestPiece = std::numeric_limits<int>::max() / 2;
+    bool isLast = false;
+    while (status == XML_STATUS_OK && !isLast) {
         const auto piece = document.substr(0, largestPiece);
         document.remove_prefix(piece.size());
-        status = XML_Parse(parser, piece.data(), static_cast<int>(piece.size()), document.empty() ? 1 : 0);
-    } while (status == XML_STATUS_OK && !document.empty());
+        isLast = document.empty();
+        // NOLINTNEXTLINE(bugprone-suspicious-stringview-data-usage): its length stands beside it
+        status = XML_Parse(parser, piece.data(), static_cast<int>(piece.size()), isLast ? 1 : 0);
+    }
     if (status == XML_STATUS_OK) return std::move(result_);
     if (!refusal_.empty()) return std::unexpected(ParseError{std::move(refusal_)});
     const auto* words = XML_ErrorString(XML_GetErrorCode(parser));

@@ -9,13 +9,11 @@
 #include <string_view>
 #include <vector>
 
-namespace querlin {
-
 /// Reads one law as the federal law portal writes it (XML 1.0, the portal's own vocabulary, in German).
 ///
 /// Nothing but the given bytes is ever read: a document that declares entities of its own, or uses one that
 /// it doesn't declare, is refused, for its text would be another than it says. Any thread.
-namespace LegalXMLParser {
+namespace querlin::LegalXMLParser {
 
 struct Result {
     /// Of the law, in full.
@@ -41,6 +39,4 @@ struct ParseError {
 std::expected<Result, ParseError> parse(std::string_view document,
                                         std::span<const LegalManifestEntry::Range> priorityRanges);
 
-} // namespace LegalXMLParser
-
-} // namespace querlin
+} // namespace querlin::LegalXMLParser

@@ -2,6 +2,8 @@
 
 #include "foundation/TextCase.h"
 
+#include <algorithm>
+
 namespace querlin {
 
 namespace {
@@ -9,10 +11,14 @@ namespace {
 /// Titles take far less than this part of a corpus.
 constexpr std::size_t bytesForAByteOfTitles = 16;
 
+/// More than all laws have. Whatever a file claims, no more is made ready before it is there.
+constexpr std::size_t mostBytesAtOnce = 32U << 20U;
+
 } // namespace
 
 SearchIndex::SearchIndex(std::size_t expectedBytes) :
-    titles_(expectedBytes / bytesForAByteOfTitles), texts_(expectedBytes) {}
+    titles_(std::min(expectedBytes, mostBytesAtOnce) / bytesForAByteOfTitles),
+    texts_(std::min(expectedBytes, mostBytesAtOnce)) {}
 
 bool SearchIndex::addTexts(const Texts& texts) {
     const bool hasGoodTitle = titles_.append(texts.title);
@@ -25,10 +31,8 @@ void SearchIndex::addLaw(std::span<const LegalSection> sections) {
     lawStarts_.push_back(entries_.size());
 }
 
-void SearchIndex::matches(std::string_view term, Part part, std::optional<std::size_t> onlyLaw,
-                          const Visitor& visit) const {
-    const TextBlob::Range range = onlyLaw ? TextBlob::Range{lawStarts_[*onlyLaw], lawStarts_[*onlyLaw + 1]}
-                                          : TextBlob::Range{0, entries_.size()};
+void SearchIndex::matches(std::string_view term, Part part, Laws laws, const Visitor& visit) const {
+    const TextBlob::Range range{lawStarts_[laws.first], lawStarts_[laws.end]};
     const auto& blob = part == Part::titles ? titles_ : texts_;
     blob.search(lowercase(term), range, [&](std::size_t number) { return visit(entries_[number]); });
 }

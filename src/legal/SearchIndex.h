@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -41,9 +40,15 @@ public:
     /// Takes an entry; false ends the search.
     using Visitor = std::function<bool(const Entry&)>;
 
-    /// Calls with every section that holds the term there, in the order of the laws, each once.
-    void matches(std::string_view term, Part part, std::optional<std::size_t> onlyLaw,
-                 const Visitor& visit) const;
+    /// The numbers of laws, from and behind the last.
+    struct Laws {
+        std::size_t first = 0;
+        std::size_t end = 0;
+    };
+    Laws allLaws() const { return {0, lawStarts_.size() - 1}; }
+
+    /// Calls with every section of these laws that holds the term there, in their order, each once.
+    void matches(std::string_view term, Part part, Laws laws, const Visitor& visit) const;
 
 private:
     std::vector<Entry> entries_;

@@ -85,21 +85,21 @@ public:
         constexpr std::size_t ahead = 4096; // The processor doesn't fetch beyond a page by itself.
         const auto furthest = probes_.furthest();
         const std::array<Register, Probes::count> wanted = {byte(0), byte(1), byte(2)};
-        std::array<Register, blocks>
-            candidates; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
+        std::array<Register, blocks> candidates{};
         for (; from + blocks * width + furthest <= text_.size(); from += blocks * width) {
             for (std::size_t line = 0; line < blocks * width; line += cacheLine)
                 _mm_prefetch(text_.data() + from + ahead + line, _MM_HINT_T0);
             auto any = _mm256_setzero_si256();
             for (std::size_t i = 0; i < blocks; ++i) {
-                candidates[i] = candidatesAt(from + i * width, wanted);
+                candidates[i] = candidatesAt(from + (i * width), wanted);
                 any = _mm256_or_si256(any, candidates[i].bytes);
             }
             if (_mm256_testz_si256(any, any) != 0) continue;
             for (std::size_t i = 0; i < blocks; ++i) {
                 auto places = static_cast<std::uint32_t>(_mm256_movemask_epi8(candidates[i].bytes));
                 for (; places != 0; places &= places - 1) {
-                    const auto place = from + i * width + static_cast<std::size_t>(std::countr_zero(places));
+                    const auto place =
+                        from + (i * width) + static_cast<std::size_t>(std::countr_zero(places));
                     if (text_.substr(place).starts_with(term_)) return place;
                 }
             }
@@ -176,7 +176,8 @@ bool TextBlob::append(std::string_view text) {
     return isPlain || isValidUtf8(text);
 }
 
-void TextBlob::search(std::string_view bytes, Range range, const Visitor& visit, Registers registers) const {
+void TextBlob::search(std::string_view bytes, Range range, const Visitor& visit,
+                      [[maybe_unused]] Registers registers) const {
     if (bytes.empty() || range.first >= range.end) return;
     // What begins in the last text may end behind it.
     const std::string_view text =

@@ -5,9 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace querlin {
-
-namespace SpokenLawReference {
+namespace querlin::SpokenLawReference {
 
 /// Puts the wording of a law in the place of the command to insert it: "füge Paragraph 1814 Absatz 2 BGB ein"
 /// and "Paragraph 1814 BGB einfügen" -> "§ 1814 Abs. 2 BGB – Voraussetzungen\n(2) …". Of a section the text
@@ -17,6 +15,4 @@ namespace SpokenLawReference {
 /// served stays in words.
 std::string applyInsertCommands(std::string_view text, LegalLookup& laws);
 
-} // namespace SpokenLawReference
-
-} // namespace querlin
+} // namespace querlin::SpokenLawReference

@@ -89,7 +89,7 @@ void search(std::string_view text, unsigned options) {
         index.addLaw(one.sections);
     }
     for (const std::size_t law : {0U, 1U}) {
-        index.matches(lines.front(), SearchIndex::Part::texts, law, [&](const SearchIndex::Entry& entry) {
+        index.matches(lines.front(), SearchIndex::Part::texts, {law, law + 1}, [&](const SearchIndex::Entry& entry) {
             require(entry.law == law, "a law restricts");
             ++hits;
             return true;

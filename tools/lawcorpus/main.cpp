@@ -51,7 +51,7 @@ class ShownLog final : public LogSink {
 public:
     void write(std::string_view category, std::string_view message) override {
         if (category == "gesetze") fmt::print("{}\n", message);
-        std::fflush(stdout);
+        (void)std::fflush(stdout);
     }
     void clear() override {}
 };
