@@ -88,7 +88,7 @@ template<std::size_t width, class Take>
         }
     } else {
         copy[0] = copy[1] = ' ';
-        std::memcpy(copy.data() + 2, text.data(), width);
+        std::memcpy(copy.data() + 2, &text.front(), width);
         at.load(copy.data() + 2);
         at.addFaults(faults);
         take(at, 0, whole);

@@ -10,7 +10,7 @@ enum class Registers : std::uint8_t { portable, avx2 };
 /// The widest ones that this processor has and that we have code for.
 inline Registers widestRegisters() {
 #if defined(__x86_64__)
-    static const bool hasAvx2 = static_cast<bool>(__builtin_cpu_supports("avx2"));
+    static const bool hasAvx2 = __builtin_cpu_supports("avx2");
     if (hasAvx2) return Registers::avx2;
 #endif
     return Registers::portable;

@@ -210,8 +210,8 @@ std::optional<SectionNumber> sectionNumber(const std::string& designation) {
 /// 0 if it doesn't fit.
 std::int64_t valueOf(std::string_view digits) {
     std::int64_t value = 0;
-    const auto* end = digits.data() + digits.size();
-    const auto [behind, error] = std::from_chars(digits.data(), end, value);
+    const auto* end = digits.data() + digits.size(); // The pattern has found one at least.
+    const auto [behind, error] = std::from_chars(&digits.front(), end, value);
     return error == std::errc() && behind == end ? value : 0;
 }
 
