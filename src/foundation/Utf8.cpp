@@ -23,7 +23,6 @@ std::int32_t nextScalar(std::string_view text, std::size_t& at) {
 
 /// The position of the first ill-formed byte, or the length.
 std::size_t validPrefix(std::string_view text) {
-    if (isPlainText(text)) return text.size();
     std::size_t at = 0;
     while (true) {
         at += latinPrefix(text.substr(at));
@@ -103,10 +102,10 @@ void appendScalar(std::string& text, char32_t scalar) {
     }
 }
 
-bool isValidUtf8(std::string_view text) { return validPrefix(text) == text.size(); }
+bool isValidUtf8(std::string_view text) { return isPlainText(text) || validPrefix(text) == text.size(); }
 
 std::string validUtf8(std::string_view text) {
-    auto valid = validPrefix(text);
+    auto valid = isPlainText(text) ? text.size() : validPrefix(text);
     std::string repaired(text.substr(0, valid));
     while (valid < text.size()) {
         text.remove_prefix(valid);
