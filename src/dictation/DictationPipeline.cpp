@@ -17,6 +17,7 @@ using Kind = DictationPhase::Kind;
 namespace {
 
 constexpr Duration overlayAfterDelivery = std::chrono::milliseconds(250);
+constexpr std::string_view soundOnly = "(nur Tonaufnahme – die Spracherkennung ist ausgefallen)";
 
 std::string joined(const std::vector<std::string>& names) {
     return fmt::format("{}", fmt::join(names, ", "));
@@ -75,7 +76,11 @@ Task<DictationController::RunEnd> DictationController::processAndDeliver(RunPoin
         co_return RunEnd::Undelivered;
     }
     if (transcript->empty()) {
-        nothingHeard(*run);
+        if (run->wasInterrupted) {
+            recognitionFailed(*run, "Die Spracherkennung ist ausgefallen.");
+        } else {
+            nothingHeard(*run);
+        }
         co_return RunEnd::Undelivered;
     }
     keepText(*run, normalizedTranscript(*transcript));
@@ -127,6 +132,7 @@ Task<std::expected<std::string, TranscriptionError>> DictationController::transc
         co_return std::unexpected(std::move(error));
     }
     auto result = co_await transcriber->finish();
+    run->wasInterrupted = transcriber->wasInterrupted();
     run->transcriber.reset();
     co_return result;
 }
@@ -215,6 +221,7 @@ void DictationController::book(DictationRun& run, const PipelineTimes& times) {
                              keepsAudio ? std::optional(run.recording->audio()) : std::nullopt);
     }
     if (settings.learnFromCorrections.get()) with_.correctionWatcher.watch(run.text, run.context.appName);
+    if (run.wasInterrupted) with_.rescue.keepIncomplete(run.text, std::exchange(run.recording, std::nullopt));
     discardRecording(run);
     DiagnosticsLog::note(
         "timing", fmt::format("Erkennung {:.2f}s · deterministisch {:.3f}s · gesamt {:.2f}s ({}) → {} [{}]",
@@ -227,9 +234,10 @@ void DictationController::book(DictationRun& run, const PipelineTimes& times) {
 }
 
 void DictationController::recognitionFailed(DictationRun& run, const std::string& message) {
-    if (!run.partialText.empty() && !run.isCancelled) {
-        // No transcript, but words there were.
-        with_.rescue.rescue(run.partialText, std::exchange(run.recording, std::nullopt), message);
+    // No transcript, but words there were, or sound that nobody has listened to.
+    if (!run.isCancelled && (!run.partialText.empty() || run.wasInterrupted)) {
+        with_.rescue.rescue(run.partialText.empty() ? soundOnly : run.partialText,
+                            std::exchange(run.recording, std::nullopt), message);
     }
     discardRecording(run);
     if (isNewest(run)) fail(message);

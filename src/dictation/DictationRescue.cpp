@@ -19,6 +19,15 @@ RescueFolder::Result DictationRescue::rescue(std::string_view text, std::optiona
     return result;
 }
 
+void DictationRescue::keepIncomplete(std::string_view text, std::optional<RecordingFile> recording) {
+    constexpr std::string_view reason = "Die Spracherkennung ist mitten im Diktat ausgefallen";
+    const auto result = folder_.keep(text, std::move(recording));
+    RescueReport::writeToLog(text, reason, result);
+    notifier_.post("Diktat vielleicht unvollständig",
+                   fmt::format("{}. Bitte den Text prüfen.{}", reason,
+                               result.audioFile ? " Die Tonaufnahme liegt im Rettungsordner." : ""));
+}
+
 namespace RescueReport {
 
 namespace {

@@ -21,6 +21,10 @@ public:
     RescueFolder::Result rescue(std::string_view text, std::optional<RecordingFile> recording,
                                 std::string_view reason);
 
+    /// For a text that was delivered though the recogniser gave out on the way: text and recording go into
+    /// the folder, and the user is told to look at it again.
+    void keepIncomplete(std::string_view text, std::optional<RecordingFile> recording);
+
     bool hasEntries() const { return folder_.hasEntries(); }
 
 private:

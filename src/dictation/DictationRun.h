@@ -27,6 +27,8 @@ struct DictationRun {
     // From the key release on
     std::optional<RecordingFile> recording;
     double recordingSeconds = 0;
+    /// The recogniser gave out before it had heard everything.
+    bool wasInterrupted = false;
     /// The best text there is: the transcript, then what the stages made of it.
     std::string text;
     TextTreatment treatment;

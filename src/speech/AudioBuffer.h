@@ -9,6 +9,9 @@ struct AudioFormat {
     double sampleRate = 0;
     std::uint32_t channelCount = 0;
 
+    /// Whether sound can have this format; an input that is missing has none.
+    bool isUsable() const { return sampleRate > 0 && channelCount > 0; }
+
     bool operator==(const AudioFormat&) const = default;
 };
 

@@ -43,6 +43,9 @@ public:
     virtual Task<std::expected<std::string, TranscriptionError>> finish() = 0;
     /// Gives up; a `finish` under way ends with the empty text. Main thread.
     virtual void cancel() = 0;
+    /// Whether the recogniser gave out before all that was said was recognised: a short or empty text
+    /// then doesn't mean that little was said. Main thread, after `finish`.
+    virtual bool wasInterrupted() const = 0;
 };
 
 } // namespace querlin

@@ -18,16 +18,15 @@ TEST(Controller, AHoldGoesThroughAllPhasesToDelivery) {
     EXPECT_TRUE(w.windows.overlayIsVisible);
     EXPECT_EQ(w.takeSounds(), Sounds{start});
     w.services.transcriber->partial("Hallo");
-    w.recorder.onLevel(0.5F);
+    w.audio.deliver(std::vector(2048, 1.0F));
     w.wait(seconds(0.5));
     EXPECT_EQ(w.controller.livePartialText().get(), "Hallo");
-    EXPECT_EQ(w.controller.inputLevel().get(), 0.5F);
-    w.recorder.onBuffer({});
+    EXPECT_EQ(w.controller.inputLevel().get(), 1.0F);
     EXPECT_EQ(w.services.transcriber->appendedBuffers, 1);
+    w.audio.deliver(std::vector(2048, 1.0F)); // its level is on its way when the key goes up
     w.release();
-    w.recorder.onLevel(0.9F); // was on its way
     EXPECT_EQ(w.phase(), Kind::transcribing);
-    EXPECT_FALSE(w.recorder.onBuffer);
+    EXPECT_EQ(w.services.transcriber->appendedBuffers, 2);
     w.wait(seconds(0.4));
     EXPECT_EQ(w.phase(), Kind::inserting) << "without the model there is no enhancing";
     EXPECT_EQ(w.controller.inputLevel().get(), 0.0F);
@@ -55,7 +54,7 @@ TEST(Controller, RefusalsShowTheirTextForTwoSeconds) {
          "password field"},
         {[](auto& w) { w.services.script.beginError = TranscriptionError{TranscriptionError::Kind::unavailable, "kein Modell"}; },
          "Spracherkennung nicht verfügbar: kein Modell", 0, "recogniser"},
-        {[](auto& w) { w.recorder.nextStartError = AudioRecorderError{AudioRecorderError::Kind::noInputDevice, {}}; },
+        {[](auto& w) { w.audio.format = {}; },
          "Kein Mikrofon gefunden.", 0, "recorder"},
     };
     for (const auto& row : rows) {
@@ -66,7 +65,6 @@ TEST(Controller, RefusalsShowTheirTextForTwoSeconds) {
         EXPECT_EQ(w.takeSounds(), Sounds{failure}) << row.reason;
         EXPECT_TRUE(w.windows.overlayIsVisible) << row.reason;
         EXPECT_EQ(w.windows.onboardings, row.onboardings) << row.reason;
-        EXPECT_FALSE(w.recorder.onBuffer) << row.reason;
         EXPECT_FALSE(w.recorder.isRecording()) << row.reason;
         w.wait(seconds(1.2));
         EXPECT_EQ(w.phase(), Kind::idle) << row.reason;
@@ -76,7 +74,7 @@ TEST(Controller, RefusalsShowTheirTextForTwoSeconds) {
 
 TEST(Controller, AFailedRecorderCancelsTheRecogniserAFailedRecogniserNot) {
     DictationWorld w;
-    w.recorder.nextStartError = AudioRecorderError{AudioRecorderError::Kind::engineFailed, "belegt"};
+    w.audio.nextStartError = "belegt";
     w.press();
     EXPECT_EQ(w.errorText(), "Audio-Engine konnte nicht starten: belegt");
     EXPECT_TRUE(w.services.transcriber->isCancelled);
@@ -169,6 +167,9 @@ TEST(Controller, ElapsedTimeWarningAndLimit) {
 
 TEST(Controller, ChoosesTheRecogniserAndItsWords) {
     DictationWorld w;
+    writeFile(w.folder.path() / VocabularyProvider::fileName,
+              R"({"generated": "", "total": 1, "priorityCount": 0, "contextualCount": 1, "terms": [],
+                  "contextual": ["Betreuungsgericht"]})");
     w.settings.userDictionary.set({"Nießbrauch", "Querulanz", "Sorge"});
     w.settings.language.set(DictationLanguage::english);
     w.dictate("a");
@@ -229,7 +230,9 @@ TEST(Controller, PassesSettingsOn) {
     w.settings.hotkey.set(combo);
     EXPECT_EQ(w.hotkey.config, combo);
     w.settings.inputDeviceUID.set("usb-1");
-    EXPECT_EQ(w.recorder.preferredDevice, "usb-1");
+    w.press();
+    EXPECT_EQ(w.audio.engines.front()->device, 7U);
+    w.release();
     w.dictate("Alter Eintrag");
     w.wait(std::chrono::days(8));
     w.settings.historyRetentionDays.set(7);

@@ -104,20 +104,18 @@ TEST(Interruption, AnInterruptedSilenceIsNothingHeard) {
 }
 
 TEST(Interruption, MicrophoneChangesEndTheRecordingButPasteAsUsual) {
-    using Change = ConfigurationChange::Kind;
     struct Row {
-        Change kind;
-        const char* text;
+        AudioFormat format;
         const char* line;
         bool ends;
     };
     for (const auto& row :
-         {Row{Change::resumed, "Headset", "[audio] Eingang gewechselt (Headset) – gleiches Format, Aufnahme läuft weiter.", false},
-          Row{Change::formatChanged, "USB", "[audio] Eingang gewechselt (USB) – anderes Format, Diktat wird hier beendet.", true},
-          Row{Change::failed, "weg", "[audio] Nach dem Gerätewechsel kein Eingang: weg", true}}) {
+         {Row{{48000, 1}, "[audio] Eingang gewechselt (Headset) – gleiches Format, Aufnahme läuft weiter.", false},
+          Row{{44100, 1}, "[audio] Eingang gewechselt (Headset) – anderes Format, Diktat wird hier beendet.", true},
+          Row{{}, "[audio] Nach dem Gerätewechsel kein Eingang: Kein Eingang mehr verfügbar.", true}}) {
         DictationWorld w;
         bringTo(w, Kind::recording);
-        w.recorder.onChange({row.kind, row.text});
+        w.audio.change(row.format);
         w.time.settle();
         EXPECT_TRUE(w.log.has(row.line));
         EXPECT_EQ(w.phase(), row.ends ? Kind::transcribing : Kind::recording);
@@ -167,7 +165,7 @@ TEST(Shutdown, WithoutPartialTextThePlaceholderStandsForTheAudio) {
     EXPECT_EQ(recording.rescuedTexts(), placeholder);
 
     DictationWorld afterFailedStart;
-    afterFailedStart.recorder.nextStartError = AudioRecorderError{};
+    afterFailedStart.audio.nextStartError = "belegt";
     afterFailedStart.press();
     afterFailedStart.controller.shutdown();
     EXPECT_EQ(afterFailedStart.rescuedTexts(), placeholder);

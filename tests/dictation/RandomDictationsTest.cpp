@@ -28,7 +28,8 @@ public:
         w.enhancer.fails = chance(0.1);
         w.stages.lawStageThrows = chance(0.02);
         w.permissions.microphone = chance(0.02) ? PermissionState::denied : PermissionState::granted;
-        if (chance(0.03)) w.recorder.nextStartError = AudioRecorderError{};
+        w.audio.format = chance(0.02) ? AudioFormat{} : AudioFormat{48000, 1};
+        if (chance(0.03)) w.audio.nextStartError = "belegt";
         w.model.delay = seconds(between(0, 3));
         w.model.next = chance(0.1) ? LanguageModel::State::loading : LanguageModel::State::available;
         w.model.fault = chance(0.2) ? std::optional("kaputt") : std::nullopt;
@@ -84,6 +85,7 @@ private:
     RecognitionScript script(int number) {
         RecognitionScript script;
         script.delay = seconds(between(0, 2));
+        script.interrupted = chance(0.1);
         if (chance(0.05)) script.beginError = TranscriptionError{};
         if (chance(0.1)) {
             script.result = TranscriptionError{TranscriptionError::Kind::failed, "weg"};
@@ -121,9 +123,7 @@ private:
             w.signals.send(pick({SystemSignal::willSleep, SystemSignal::sessionResigned, SystemSignal::screenLocked}));
             break;
         case 4:
-            w.recorder.onChange(
-                {pick({ConfigurationChange::Kind::resumed, ConfigurationChange::Kind::formatChanged, ConfigurationChange::Kind::failed}),
-                 "Gerät"});
+            w.audio.change(pick({w.audio.format, AudioFormat{44100, 2}, AudioFormat{}}));
             break;
         case 5:
             w.controller.insertLegalText("§ 1814");

@@ -31,26 +31,6 @@ void FakeTranscriber::cancel() {
     cancelled_.sender().send(true);
 }
 
-// FakeRecorder
-
-std::expected<void, AudioRecorderError> FakeRecorder::start(WriteToDisk) {
-    if (isRecording()) return {};
-    discardRecording();
-    recording_ = folder_.begin().value();
-    writeFile(recording_->audio(), "caff-Ton");
-    if (nextStartError) {
-        AudioRecorderError error = *std::exchange(nextStartError, std::nullopt);
-        return std::unexpected(std::move(error));
-    }
-    startedAt_ = clock_.instant();
-    return {};
-}
-
-void FakeRecorder::discardRecording() {
-    if (recording_) recording_->discard();
-    recording_.reset();
-}
-
 // FakeInserter
 
 Task<InsertResult> FakeInserter::insert(std::string text) {
@@ -162,12 +142,6 @@ std::shared_ptr<StreamingTranscriber> FakeServices::make(TranscriptionEngine eng
     return transcriber;
 }
 
-std::vector<std::string> FakeServices::contextualStrings(const std::vector<std::string>& terms, std::int64_t) {
-    auto all = terms;
-    all.emplace_back("Betreuungsgericht");
-    return all;
-}
-
 // FakeSurroundings
 
 DictationCollaborators FakeSurroundings::collaborators() {
@@ -185,9 +159,9 @@ DictationCollaborators FakeSurroundings::collaborators() {
             .correctionWatcher = watcher,
             .systemSignals = signals,
             .recorder = recorder,
-            .audioDevices = services,
+            .audioDevices = devices,
             .transcribers = services,
-            .vocabulary = services,
+            .vocabulary = vocabulary,
             .textStages = work == TextWork::real ? static_cast<TextStages&>(realStages) : stages,
             .ruleBasedEnhancer = rules(),
             .enhancement = coordinator};

@@ -5,6 +5,7 @@
 #include "foundation/OneShot.h"
 #include "legal/LegalLookup.h"
 #include "support/CapturedLog.h"
+#include "support/FakeAudio.h"
 #include "support/ManualTime.h"
 #include "support/TempFolder.h"
 
@@ -20,6 +21,8 @@ struct RecognitionScript {
     std::optional<TranscriptionError> beginError;
     std::variant<std::string, TranscriptionError> result = "Hallo Welt";
     Duration delay = seconds(0.4);
+    /// The recogniser gives out on the way.
+    bool interrupted = false;
 };
 
 class FakeTranscriber final : public StreamingTranscriber {
@@ -33,6 +36,7 @@ public:
     void append(const AudioBuffer&) override { ++appendedBuffers; }
     Task<std::expected<std::string, TranscriptionError>> finish() override;
     void cancel() override;
+    bool wasInterrupted() const override { return script_.interrupted; }
 
     std::function<void(std::string)> partial;
     std::vector<std::string> contextual;
@@ -47,39 +51,6 @@ private:
     std::vector<std::string>& transcripts_;
     OneShot<bool> cancelled_;
     Registration timer_;
-};
-
-class FakeRecorder final : public AudioRecorder {
-public:
-    FakeRecorder(std::filesystem::path folder, const Clock& clock) : folder_(std::move(folder)), clock_(clock) {}
-
-    void setOnBuffer(std::function<void(const AudioBuffer&)> callback) override { onBuffer = std::move(callback); }
-    void setOnLevel(std::function<void(float)> callback) override { onLevel = std::move(callback); }
-    void setOnConfigurationChange(std::function<void(ConfigurationChange)> callback) override { onChange = std::move(callback); }
-    void setPreferredDeviceUID(std::optional<std::string> uid) override { preferredDevice = std::move(uid); }
-    std::expected<void, AudioRecorderError> start(WriteToDisk file) override;
-    void stop() override { startedAt_.reset(); }
-    double duration() const override { return startedAt_ ? inSeconds(clock_.instant() - *startedAt_) * durationFactor : 0; }
-    const RecordingFile* recording() const override { return recording_ ? &*recording_ : nullptr; }
-    void discardRecording() override;
-    std::optional<RecordingFile> detachRecording() override { return std::exchange(recording_, std::nullopt); }
-
-    bool isRecording() const { return startedAt_.has_value(); }
-
-    std::function<void(const AudioBuffer&)> onBuffer;
-    std::function<void(float)> onLevel;
-    std::function<void(ConfigurationChange)> onChange;
-    std::optional<std::string> preferredDevice;
-    /// Makes recordings of real time seem longer than the test wants to wait.
-    double durationFactor = 1;
-    /// The next start fails with this, and leaves its file behind.
-    std::optional<AudioRecorderError> nextStartError;
-
-private:
-    RecordingFolder folder_;
-    const Clock& clock_;
-    std::optional<Instant> startedAt_;
-    std::optional<RecordingFile> recording_;
 };
 
 using InsertResult = std::expected<TextInserter::Outcome, InsertError>;
@@ -231,8 +202,6 @@ public:
 };
 
 class FakeServices final : public TranscriberFactory,
-                           public VocabularyProvider,
-                           public AudioDevices,
                            public ContextDetector,
                            public SoundPlayer,
                            public NotificationService {
@@ -242,8 +211,6 @@ public:
     SystemVersion systemVersion() const override { return version; }
     std::shared_ptr<StreamingTranscriber> make(TranscriptionEngine engine) override;
     std::string locale(DictationLanguage language) const override { return std::string(rawValue(language)); }
-    std::vector<std::string> contextualStrings(const std::vector<std::string>& terms, std::int64_t) override;
-    std::vector<AudioInputDevice> inputs() override { return {{"usb-1", "Headset", 7}}; }
     DictationContext capture() override { return context; }
     void play(FeedbackSound sound) override { sounds.push_back(sound); }
     void requestAuthorization(AuthorizationAnswer answer) override {
@@ -274,13 +241,18 @@ enum class TextWork : std::uint8_t { marked, real };
 /// real.
 struct FakeSurroundings {
     FakeSurroundings(Runtime runtime, const std::filesystem::path& base, TextWork textWork = TextWork::marked) :
+        FakeSurroundings(runtime, runtime.clock, base, textWork) {}
+    /// With a clock of its own for the length of recordings.
+    FakeSurroundings(Runtime runtime, const Clock& recordingClock, const std::filesystem::path& base,
+                     TextWork textWork = TextWork::marked) :
         work(textWork),
         recordingsPath(base / "Aufnahme"),
         store(base / "Einstellungen.json", runtime.clock),
         statistics(store, runtime.clock),
         history(base / "Verlauf", runtime.clock),
         services(runtime.mainQueue),
-        recorder(recordingsPath, runtime.clock),
+        recorder({runtime.mainQueue, recordingClock, audio, audioFiles, RecordingFolder(recordingsPath)}),
+        vocabulary(base, runtime.background),
         inserter(runtime.mainQueue),
         enhancer(stages, runtime),
         realEnhancer(runtime),
@@ -297,7 +269,11 @@ struct FakeSurroundings {
     UsageStatistics statistics;
     DictationHistory history;
     FakeServices services;
-    FakeRecorder recorder;
+    FakeAudioHardware audio;
+    AudioDevices devices{audio};
+    FakeAudioFiles audioFiles;
+    AudioRecorder recorder;
+    VocabularyProvider vocabulary; ///< reads the base folder
     FakeInserter inserter;
     FakeStages stages;
     FakeEnhancer enhancer;

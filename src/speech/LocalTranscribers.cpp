@@ -1,0 +1,48 @@
+#include "speech/LocalTranscribers.h"
+
+#include "speech/AppleSpeechTranscriber.h"
+#include "speech/SpeechAnalyzerTranscriber.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace querlin {
+
+namespace {
+
+std::string_view environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? value : std::string_view();
+}
+
+} // namespace
+
+std::string systemLocale(std::string_view lcAll, std::string_view lcMessages, std::string_view lang) {
+    auto name = !lcAll.empty() ? lcAll : !lcMessages.empty() ? lcMessages : lang;
+    name = name.substr(0, name.find_first_of(".@"));
+    if (name.empty() || name == "C" || name == "POSIX") return "de-DE";
+    std::string tag(name);
+    std::ranges::replace(tag, '_', '-');
+    return tag;
+}
+
+SystemVersion LocalTranscribers::systemVersion() const {
+    return streaming_.isHere() ? streamingRecogniserVersion : SystemVersion{14, 0, 0};
+}
+
+std::shared_ptr<StreamingTranscriber> LocalTranscribers::make(TranscriptionEngine engine) {
+    switch (engine) {
+    case TranscriptionEngine::speechAnalyzer:
+        return std::make_shared<SpeechAnalyzerTranscriber>(runtime_, streaming_, makeConverter_);
+    case TranscriptionEngine::appleSpeech:
+        break;
+    }
+    return std::make_shared<AppleSpeechTranscriber>(runtime_, classic_);
+}
+
+std::string LocalTranscribers::locale(DictationLanguage language) const {
+    if (language != DictationLanguage::system) return std::string(rawValue(language));
+    return systemLocale(environment("LC_ALL"), environment("LC_MESSAGES"), environment("LANG"));
+}
+
+} // namespace querlin
