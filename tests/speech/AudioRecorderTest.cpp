@@ -1,8 +1,8 @@
 // Recorder, devices and level monitor on a scripted machine.
 
+#include "speech/AudioRecorder.h"
 #include "foundation/Time.h"
 #include "speech/AudioLevel.h"
-#include "speech/AudioRecorder.h"
 #include "speech/InputLevelMonitor.h"
 #include "support/CapturedLog.h"
 #include "support/FakeAudio.h"

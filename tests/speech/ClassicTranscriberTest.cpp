@@ -127,9 +127,19 @@ TEST_F(Classic, EveryOrderOfResultErrorAndRelease) {
         {[](auto& s) { s.partial("halb"); }, [](auto& s) { s.fail(); }, 0, "halb", true, "e", "error behind words"},
         {nothing, [](auto& s) { s.fail(); }, 0, failed, true, "e", "error without a word"},
         {[](auto& s) { s.fail(); }, nothing, 0, "", true, "", "an early error isn't seen, but known of"},
-        {[](auto& s) { s.partial("halb"); s.fail(); s.final("zu spät"); }, nothing, 0, "zu spät", true, "",
-         "the latest text stands"},
-        {nothing, [](auto& s) { s.final("eins"); s.final("zwei"); s.fail(); }, 0, "eins", false, "e", "the first outcome stands"},
+        {[](auto& s) {
+             s.partial("halb");
+             s.fail();
+             s.final("zu spät");
+         },
+         nothing, 0, "zu spät", true, "", "the latest text stands"},
+        {nothing,
+         [](auto& s) {
+             s.final("eins");
+             s.final("zwei");
+             s.fail();
+         },
+         0, "eins", false, "e", "the first outcome stands"},
         {[](auto& s) { s.partial("x"); }, [](auto& s) { s.final(" \t\n"); }, 0, "", false, "e", "white space alone"},
         {nothing, [](auto& s) { s.handler(SpeechRecognitionResult{"beides", false}, "Leitung tot"); }, 0, "beides", true, "e",
          "result and error in one"},
@@ -193,9 +203,9 @@ TEST(Locale, FollowsTheUsersSettings) {
         const char* lang;
         const char* locale;
     };
-    for (const auto& row : {Row{"", "", "de_AT.UTF-8", "de-AT"}, Row{"", "en_GB", "de_DE.UTF-8", "en-GB"},
-                            Row{"fr_FR@euro", "en_GB", "de_DE", "fr-FR"}, Row{"C.UTF-8", "", "de_DE", "de-DE"},
-                            Row{"", "", "", "de-DE"}, Row{"", "", "de", "de"}}) {
+    for (const auto& row :
+         {Row{"", "", "de_AT.UTF-8", "de-AT"}, Row{"", "en_GB", "de_DE.UTF-8", "en-GB"}, Row{"fr_FR@euro", "en_GB", "de_DE", "fr-FR"},
+          Row{"C.UTF-8", "", "de_DE", "de-DE"}, Row{"", "", "", "de-DE"}, Row{"", "", "de", "de"}}) {
         EXPECT_EQ(systemLocale(row.lcAll, row.lcMessages, row.lang), row.locale);
     }
 }

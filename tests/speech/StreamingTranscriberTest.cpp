@@ -109,12 +109,12 @@ struct Streaming : testing::Test {
     TaskGroup tasks;
 
     std::shared_ptr<SpeechAnalyzerTranscriber> make() {
-        return std::make_shared<SpeechAnalyzerTranscriber>(
-            time.runtime(), service, [this](AudioFormat from, AudioFormat) -> std::unique_ptr<AudioConverter> {
-                converters.push_back(from);
-                if (from.sampleRate == 8000) return nullptr;
-                return std::make_unique<Doubler>();
-            });
+        return std::make_shared<SpeechAnalyzerTranscriber>(time.runtime(), service,
+                                                           [this](AudioFormat from, AudioFormat) -> std::unique_ptr<AudioConverter> {
+                                                               converters.push_back(from);
+                                                               if (from.sampleRate == 8000) return nullptr;
+                                                               return std::make_unique<Doubler>();
+                                                           });
     }
     Session& session() { return *service.session; }
     void begin() { ASSERT_TRUE(transcriber->begin("de-DE", true)); }
@@ -206,7 +206,12 @@ TEST_F(Streaming, EveryFailureEndsTheWaitWithTheEmptyText) {
     const std::vector<Row> rows = {
         {[this] { session().format = std::unexpected("kein Modell"); }, "pf~", "the model can't be loaded"},
         {[this] { session().starts = false; }, "psf~", "the analysis doesn't start"},
-        {[this] { session().duringPrepare = [this] { piece("halb", false); session().observer.onEnd(std::unexpected("abgestürzt")); }; },
+        {[this] {
+             session().duringPrepare = [this] {
+                 piece("halb", false);
+                 session().observer.onEnd(std::unexpected("abgestürzt"));
+             };
+         },
          "psf~", "it dies behind a word"},
     };
     for (const auto& row : rows) {

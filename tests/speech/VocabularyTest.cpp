@@ -31,12 +31,13 @@ TEST_F(Vocabulary, TheUsersWordsComeFirstAndEachWordOnce) {
         Texts result;
         const char* reason;
     };
-    for (const auto& row :
-         {Row{{"  betreuer\n", "BETREUER", " \t", "Öhm", "o\u0308hm"}, 100, {"betreuer", "Öhm", "Betreuung", "Sorge", " Sorge"},
-              "trimmed; of one word the first spelling counts; prepared words aren't trimmed"},
-          Row{{"a", "b", "c", "d"}, 3, {"a", "b", "c"}, "the cap is reached before the prepared words"},
-          Row{{}, 2, {"Betreuer", "Betreuung"}, "the cap cuts the prepared words"},
-          Row{{"a"}, 0, {"a"}, "the cap is looked at behind each word"}}) {
+    for (const auto& row : {Row{{"  betreuer\n", "BETREUER", " \t", "Öhm", "o\u0308hm"},
+                                100,
+                                {"betreuer", "Öhm", "Betreuung", "Sorge", " Sorge"},
+                                "trimmed; of one word the first spelling counts; prepared words aren't trimmed"},
+                            Row{{"a", "b", "c", "d"}, 3, {"a", "b", "c"}, "the cap is reached before the prepared words"},
+                            Row{{}, 2, {"Betreuer", "Betreuung"}, "the cap cuts the prepared words"},
+                            Row{{"a"}, 0, {"a"}, "the cap is looked at behind each word"}}) {
         EXPECT_EQ(provider.contextualStrings(row.user, row.limit), row.result) << row.reason;
     }
 }
@@ -61,7 +62,8 @@ TEST_F(Vocabulary, IsReadOnceAndNotWhereTheUsersWordsSuffice) {
 }
 
 TEST_F(Vocabulary, MissingAndDamagedLeaveTheUsersWords) {
-    for (const char* content : {"", "{}", R"({"generated": "x", "total": 1, "priorityCount": 0, "contextualCount": 0, "terms": [1], "contextual": []})"}) {
+    for (const char* content :
+         {"", "{}", R"({"generated": "x", "total": 1, "priorityCount": 0, "contextualCount": 0, "terms": [1], "contextual": []})"}) {
         if (*content != '\0') write(content);
         const VocabularyProvider damaged(folder.path(), time);
         EXPECT_EQ(damaged.contextualStrings({"a"}, 9), Texts{"a"});

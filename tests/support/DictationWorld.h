@@ -201,10 +201,7 @@ public:
     int stops = 0;
 };
 
-class FakeServices final : public TranscriberFactory,
-                           public ContextDetector,
-                           public SoundPlayer,
-                           public NotificationService {
+class FakeServices final : public TranscriberFactory, public ContextDetector, public SoundPlayer, public NotificationService {
 public:
     explicit FakeServices(MainQueue& queue) : queue_(queue) {}
 
