@@ -11,14 +11,15 @@ namespace querlin {
 namespace {
 
 std::string_view environment(const char* name) {
-    const char* value = std::getenv(name);
+    const char* value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing here sets variables.
     return value ? value : std::string_view();
 }
 
 } // namespace
 
 std::string systemLocale(std::string_view lcAll, std::string_view lcMessages, std::string_view lang) {
-    auto name = !lcAll.empty() ? lcAll : !lcMessages.empty() ? lcMessages : lang;
+    auto name = lcMessages.empty() ? lang : lcMessages;
+    if (!lcAll.empty()) name = lcAll;
     name = name.substr(0, name.find_first_of(".@"));
     if (name.empty() || name == "C" || name == "POSIX") return "de-DE";
     std::string tag(name);

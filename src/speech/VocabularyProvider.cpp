@@ -50,7 +50,7 @@ std::optional<VocabularyFile> readJson(const JsonValue& json, const VocabularyFi
 struct VocabularyProvider::State {
     using File = std::shared_ptr<const VocabularyFile>;
 
-    explicit State(std::filesystem::path resources) : path(std::move(resources) / fileName) {}
+    explicit State(std::filesystem::path where) : path(std::move(where)) {}
 
     const std::filesystem::path path;
     std::mutex lock;
@@ -80,8 +80,8 @@ VocabularyProvider::State::File VocabularyProvider::State::loadIfNeeded() {
     return loaded;
 }
 
-VocabularyProvider::VocabularyProvider(std::filesystem::path resources, Executor& background) :
-    state_(std::make_shared<State>(std::move(resources))), background_(background) {}
+VocabularyProvider::VocabularyProvider(const std::filesystem::path& resources, Executor& background) :
+    state_(std::make_shared<State>(resources / fileName)), background_(background) {}
 
 void VocabularyProvider::preload() {
     background_.run([state = state_] { state->loadIfNeeded(); });

@@ -33,7 +33,7 @@ public:
     static constexpr std::string_view fileName = "LegalVocabulary.json";
 
     /// `background` outlives this; the work on it doesn't hold this.
-    VocabularyProvider(std::filesystem::path resources, Executor& background);
+    VocabularyProvider(const std::filesystem::path& resources, Executor& background);
 
     /// Reads the vocabulary in the background, so that nobody has to wait for it.
     void preload();
