@@ -1,0 +1,38 @@
+#pragma once
+
+#include "speech/AudioBuffer.h"
+
+#include <cmath>
+#include <memory>
+
+extern "C" {
+#include <libavutil/channel_layout.h>
+#include <libswresample/swresample.h>
+}
+
+namespace querlin {
+
+struct FreeSwr {
+    void operator()(SwrContext* context) const { swr_free(&context); }
+};
+using SwrHandle = std::unique_ptr<SwrContext, FreeSwr>;
+
+/// A resampler to floats, the channels of a frame side by side; null where the library can't.
+inline SwrHandle makeSwr(AVChannelLayout from, AVSampleFormat fromSamples, int fromRate, AudioFormat to) {
+    AVChannelLayout target{};
+    av_channel_layout_default(&target, static_cast<int>(to.channelCount));
+    SwrContext* made = nullptr;
+    swr_alloc_set_opts2(&made, &target, AV_SAMPLE_FMT_FLT, static_cast<int>(std::lround(to.sampleRate)),
+                        &from, fromSamples, fromRate, 0, nullptr);
+    SwrHandle context(made);
+    if (!context || swr_init(context.get()) < 0) return nullptr;
+    return context;
+}
+
+/// Rates and channels that devices and recordings have.
+inline bool isReasonable(AudioFormat format) {
+    return format.sampleRate >= 1000 && format.sampleRate <= 768'000 && format.channelCount >= 1 &&
+           format.channelCount <= 32;
+}
+
+} // namespace querlin

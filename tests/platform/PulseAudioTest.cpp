@@ -1,0 +1,315 @@
+// Microphones of a real sound server, with all that can befall them.
+
+#include "platform/pulse/PulseAudio.h"
+#include "foundation/RunLoop.h"
+#include "speech/AudioDevices.h"
+#include "support/SoundServer.h"
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <random>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+/// Values that no resampling and no volume would leave as they are.
+std::vector<float> noise(std::size_t count) {
+    std::mt19937 random(count);
+    std::uniform_int_distribution<int> value(1, 30000);
+    std::vector<float> samples(count);
+    for (auto& sample : samples) sample = static_cast<float>(value(random)) / 32768.0F;
+    return samples;
+}
+
+/// What a tap has got, from its thread.
+class Heard {
+public:
+    AudioEngine::Tap tap() {
+        return [this](const AudioBuffer& buffer) {
+            const std::scoped_lock guard(lock_);
+            samples_.insert(samples_.end(), buffer.samples.begin(), buffer.samples.end());
+            sizes_.push_back(buffer.samples.size());
+        };
+    }
+    std::vector<float> samples() const {
+        const std::scoped_lock guard(lock_);
+        return samples_;
+    }
+    std::vector<std::size_t> sizes() const {
+        const std::scoped_lock guard(lock_);
+        return sizes_;
+    }
+    bool contains(std::span<const float> wanted) const {
+        const std::scoped_lock guard(lock_);
+        return !std::ranges::search(samples_, wanted).empty();
+    }
+    bool comes(std::size_t count) const {
+        for (int i = 0; i < 500; ++i) {
+            if (samples().size() >= count) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return false;
+    }
+
+private:
+    mutable std::mutex lock_;
+    std::vector<float> samples_;
+    std::vector<std::size_t> sizes_;
+};
+
+struct PulseAudioTest : testing::Test {
+    RunLoop loop;
+    SoundServer server;
+    PulseAudio hardware{loop, server.address()};
+    AudioDevices devices{hardware};
+
+    void record(AudioEngine& engine, Heard& heard) {
+        engine.installTap(2048, engine.inputFormat(), heard.tap());
+        const auto started = engine.start();
+        ASSERT_TRUE(started) << started.error();
+    }
+    /// Serves the main queue until the engine tells of a change; false if it doesn't in five seconds.
+    bool changeComes(int& changes) {
+        const auto before = changes;
+        const auto deadline = loop.after(seconds(5), [this] { loop.quit(); });
+        const auto look = [&](auto& self) -> void {
+            if (changes > before) {
+                loop.quit();
+            } else {
+                poll_ = loop.after(seconds(0.005), [&self] { self(self); });
+            }
+        };
+        look(look);
+        loop.run();
+        poll_.reset();
+        return changes > before;
+    }
+
+private:
+    Registration poll_;
+};
+
+TEST_F(PulseAudioTest, ListsMicrophonesAndNoMonitors) {
+    EXPECT_TRUE(devices.inputs().empty());
+    server.addLoudspeaker("boxen");
+    EXPECT_TRUE(devices.inputs().empty());
+    EXPECT_FALSE(devices.systemDefaultInput()) << "the loudspeaker's monitor is the default now";
+    const auto engine = hardware.makeEngine();
+    EXPECT_FALSE(engine->inputFormat().isUsable());
+    Heard heard;
+    engine->installTap(2048, {48000, 1}, heard.tap());
+    EXPECT_FALSE(engine->start());
+
+    server.addMicrophone("stereo", {44100, 2}, "Äußeres Gerät");
+    server.addMicrophone("mono", {16000, 1}, "Büro");
+    server.setDefaultMicrophone("mono");
+    const auto inputs = devices.inputs();
+    ASSERT_EQ(inputs.size(), 2U);
+    EXPECT_EQ(inputs[0].name, "Äußeres Gerät");
+    EXPECT_EQ(inputs[0].uid, "stereo");
+    EXPECT_EQ(devices.systemDefaultInput(), inputs[1]);
+    EXPECT_EQ(engine->inputFormat(), (AudioFormat{16000, 1}));
+    ASSERT_TRUE(engine->setDevice(inputs[0].deviceID));
+    EXPECT_EQ(engine->inputFormat(), (AudioFormat{44100, 2}));
+    EXPECT_FALSE(engine->setDevice(4711));
+    EXPECT_EQ(engine->inputFormat(), (AudioFormat{44100, 2})) << "the former choice stands";
+    engine->reset();
+    EXPECT_EQ(engine->inputFormat(), (AudioFormat{16000, 1}));
+}
+
+TEST_F(PulseAudioTest, WithoutAServerThereIsNothing) {
+    PulseAudio nowhere(loop, "unix:/nirgends");
+    EXPECT_TRUE(nowhere.devices().empty());
+    EXPECT_EQ(nowhere.defaultInput(), 0U);
+    const auto engine = nowhere.makeEngine();
+    EXPECT_FALSE(engine->inputFormat().isUsable());
+    EXPECT_FALSE(engine->start());
+    engine->removeTap();
+    engine->stop();
+}
+
+TEST_F(PulseAudioTest, EverySampleArrivesInWholeBuffers) {
+    for (const auto format : {AudioFormat{48000, 1}, AudioFormat{44100, 2}}) {
+        server.addMicrophone("mikrofon", format);
+        server.setDefaultMicrophone("mikrofon");
+        const auto played = noise(30'000 * format.channelCount);
+        const auto engine = hardware.makeEngine();
+        Heard heard;
+        const auto begin = std::chrono::steady_clock::now();
+        record(*engine, heard);
+        ASSERT_TRUE(heard.comes(1));
+        const std::chrono::duration<double, std::milli> first = std::chrono::steady_clock::now() - begin;
+        std::printf("First whole buffer of %.0f Hz after %.0f ms.\n", format.sampleRate, first.count());
+        server.play("mikrofon", played, format);
+        ASSERT_TRUE(heard.comes(played.size()));
+        engine->removeTap();
+        const auto sizes = heard.sizes();
+        EXPECT_TRUE(std::all_of(sizes.begin(), sizes.end() - 1, [&](auto size) { return size == 2048 * format.channelCount; }));
+        EXPECT_TRUE(heard.contains(played));
+        engine->stop();
+        EXPECT_FALSE(engine->isRunning());
+        server.remove("mikrofon");
+    }
+}
+
+TEST_F(PulseAudioTest, ATapTakesOverFromAnotherWithoutAGap) {
+    server.addMicrophone("mikrofon");
+    const auto played = noise(96'000);
+    const auto engine = hardware.makeEngine();
+    Heard heard;
+    record(*engine, heard);
+    std::atomic<bool> isPlaying = true;
+    std::jthread player([&] {
+        server.play("mikrofon", played);
+        isPlaying = false;
+    });
+    int changes = 0;
+    while (isPlaying) {
+        engine->removeTap();
+        std::this_thread::sleep_for(std::chrono::milliseconds(7));
+        record(*engine, heard);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        ++changes;
+    }
+    engine->removeTap();
+    EXPECT_GT(changes, 10);
+    EXPECT_TRUE(heard.contains(played));
+}
+
+TEST_F(PulseAudioTest, ChangesOfTheInputInUse) {
+    server.addMicrophone("eins");
+    server.addMicrophone("zwei");
+    server.addMicrophone("anders", {44100, 2});
+    server.setDefaultMicrophone("eins");
+    const auto engine = hardware.makeEngine();
+    int changes = 0;
+    const auto observer = engine->observeConfigurationChange([&] { ++changes; });
+    Heard heard;
+    record(*engine, heard);
+    ASSERT_TRUE(heard.comes(1));
+
+    // Another default of the same format: the recording goes over to it.
+    server.setDefaultMicrophone("zwei");
+    ASSERT_TRUE(changeComes(changes));
+    EXPECT_EQ(engine->inputFormat(), (AudioFormat{48000, 1}));
+    engine->removeTap();
+    record(*engine, heard);
+    const auto played = noise(20'000);
+    server.play("zwei", played);
+    ASSERT_TRUE(heard.comes(played.size()));
+    engine->removeTap();
+    EXPECT_TRUE(heard.contains(played));
+
+    // Another format, then the microphone goes, then there is none any more.
+    record(*engine, heard);
+    server.setDefaultMicrophone("anders");
+    ASSERT_TRUE(changeComes(changes));
+    EXPECT_EQ(engine->inputFormat(), (AudioFormat{44100, 2}));
+    server.setDefaultMicrophone("eins");
+    ASSERT_TRUE(changeComes(changes));
+    engine->removeTap();
+    record(*engine, heard);
+    server.remove("eins");
+    ASSERT_TRUE(changeComes(changes));
+    EXPECT_FALSE(engine->isRunning());
+    EXPECT_TRUE(engine->inputFormat().isUsable());
+    server.remove("zwei");
+    server.remove("anders");
+    ASSERT_TRUE(changeComes(changes));
+    EXPECT_FALSE(engine->inputFormat().isUsable());
+}
+
+TEST_F(PulseAudioTest, AChosenMicrophoneThatGoesLeadsToTheDefault) {
+    server.addMicrophone("eins");
+    server.addMicrophone("zwei");
+    server.setDefaultMicrophone("eins");
+    const auto engine = hardware.makeEngine();
+    ASSERT_TRUE(engine->setDevice(devices.deviceID("zwei").value()));
+    int changes = 0;
+    const auto observer = engine->observeConfigurationChange([&] { ++changes; });
+    Heard heard;
+    record(*engine, heard);
+    server.setDefaultMicrophone("zwei");
+    server.setDefaultMicrophone("eins"); // No business of ours.
+    server.remove("zwei");
+    ASSERT_TRUE(changeComes(changes));
+    EXPECT_EQ(changes, 1);
+    engine->removeTap();
+    record(*engine, heard);
+    const auto played = noise(20'000);
+    server.play("eins", played);
+    ASSERT_TRUE(heard.comes(played.size()));
+    engine->removeTap();
+    EXPECT_TRUE(heard.contains(played));
+}
+
+TEST_F(PulseAudioTest, AServerThatDiesAndComesBack) {
+    server.addMicrophone("eins");
+    const auto engine = hardware.makeEngine();
+    int changes = 0;
+    const auto observer = engine->observeConfigurationChange([&] { ++changes; });
+    Heard heard;
+    record(*engine, heard);
+    server.kill();
+    const auto restart = loop.after(seconds(0.3), [&] {
+        server.start();
+        server.addMicrophone("eins");
+        server.setDefaultMicrophone("eins");
+    });
+    ASSERT_TRUE(changeComes(changes));
+    EXPECT_EQ(engine->inputFormat(), (AudioFormat{48000, 1}));
+    engine->removeTap();
+    record(*engine, heard);
+    const auto played = noise(20'000);
+    server.play("eins", played);
+    ASSERT_TRUE(heard.comes(played.size()));
+    engine->removeTap();
+    EXPECT_TRUE(heard.contains(played));
+
+    record(*engine, heard);
+    server.kill();
+    ASSERT_TRUE(changeComes(changes));
+    EXPECT_FALSE(engine->inputFormat().isUsable());
+    EXPECT_FALSE(engine->isRunning());
+}
+
+TEST_F(PulseAudioTest, AServerThatHangsHoldsNobodyUpForLong) {
+    server.addMicrophone("eins");
+    const auto engine = hardware.makeEngine();
+    Heard heard;
+    record(*engine, heard);
+    server.pause();
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_TRUE(hardware.devices().empty());
+    PulseAudio another(loop, server.address());
+    EXPECT_EQ(another.defaultInput(), 0U);
+    engine->removeTap();
+    engine->stop();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20)) << "two waits of two seconds";
+    server.resume();
+    EXPECT_EQ(devices.inputs().size(), 1U);
+}
+
+TEST_F(PulseAudioTest, SeveralEnginesHearTheSameAndGoInTheMiddleOfIt) {
+    server.addMicrophone("eins");
+    Heard heard;
+    Heard other;
+    auto engine = hardware.makeEngine();
+    record(*engine, heard);
+    {
+        const auto second = hardware.makeEngine();
+        record(*second, other);
+        ASSERT_TRUE(other.comes(1));
+    }
+    const auto count = other.samples().size();
+    ASSERT_TRUE(heard.comes(heard.samples().size() + 4096));
+    EXPECT_EQ(other.samples().size(), count);
+    engine.reset();
+}
+
+} // namespace
+} // namespace querlin

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "speech/AudioBuffer.h"
+#include "support/TempFolder.h"
+
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace querlin {
+
+/// A PulseAudio of its own, apart from any other on the machine, with microphones that hear what is played
+/// into them: sample for sample, as long as rate and channels are the same. Gone with all it has at the end.
+class SoundServer {
+public:
+    SoundServer();
+    ~SoundServer();
+    SoundServer(const SoundServer&) = delete;
+    SoundServer& operator=(const SoundServer&) = delete;
+
+    /// Where clients find it.
+    std::string address() const;
+
+    void addMicrophone(std::string name, AudioFormat format = {48000, 1}, std::string_view description = "Mikrofon");
+    /// An output with its monitor, and no microphone.
+    void addLoudspeaker(std::string name);
+    void remove(const std::string& name);
+    void setDefaultMicrophone(std::string_view name) { control("set-default-source " + std::string(name)); }
+    /// Returns when the last sample has been heard.
+    void play(std::string_view microphone, std::span<const float> samples, AudioFormat format = {48000, 1});
+
+    // Without its modules it starts again: its microphones are gone.
+    void kill();
+    void start();
+    /// It answers nobody, as if it hung.
+    void pause();
+    void resume();
+
+private:
+    std::string control(const std::string& command) const;
+    std::string client(std::string_view program) const;
+
+    TempFolder folder_;
+    pid_t process_ = -1;
+    std::map<std::string, std::vector<std::string>> modules_; ///< of each microphone and loudspeaker
+};
+
+} // namespace querlin
