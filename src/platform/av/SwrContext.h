@@ -7,6 +7,7 @@
 
 extern "C" {
 #include <libavutil/channel_layout.h>
+#include <libavutil/opt.h>
 #include <libswresample/swresample.h>
 }
 
@@ -25,6 +26,8 @@ inline SwrHandle makeSwr(AVChannelLayout from, AVSampleFormat fromSamples, int f
     swr_alloc_set_opts2(&made, &target, AV_SAMPLE_FMT_FLT, static_cast<int>(std::lround(to.sampleRate)),
                         &from, fromSamples, fromRate, 0, nullptr);
     SwrHandle context(made);
+    // Channels that are mixed are never louder than full scale.
+    if (context) av_opt_set_double(context.get(), "rematrix_maxval", 1.0, 0);
     if (!context || swr_init(context.get()) < 0) return nullptr;
     return context;
 }

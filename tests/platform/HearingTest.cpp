@@ -1,0 +1,148 @@
+// From the microphone to the recogniser and the file, on a real sound server.
+
+#include "foundation/RunLoop.h"
+#include "foundation/TaskGroup.h"
+#include "foundation/ThreadPool.h"
+#include "platform/av/AvFileReader.h"
+#include "platform/av/SwrConverter.h"
+#include "platform/pulse/PulseAudio.h"
+#include "platform/sndfile/SndfileCreator.h"
+#include "speech/AudioRecorder.h"
+#include "speech/SpeechAnalyzerTranscriber.h"
+#include "support/SoundServer.h"
+
+#include <algorithm>
+#include <mutex>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+constexpr AudioFormat format{48000, 1};
+
+/// An analysis that takes its time to start, and keeps all that it is given.
+class SlowService final : public SpeechAnalysisService {
+public:
+    bool isHere() override { return true; }
+    std::vector<std::string> supportedLocales() override { return {"de-DE"}; }
+    AssetStatus assetStatus(const std::string&) override { return AssetStatus::installed; }
+    std::expected<void, std::string> downloadAndInstall(const std::string&) override { return {}; }
+    std::shared_ptr<SpeechAnalyzer> analyzer(const std::string&, SpeechAnalysisObserver given) override {
+        observer = std::move(given);
+        return std::make_shared<Analyzer>(*this);
+    }
+
+    Duration startUp = seconds(2);
+    SpeechAnalysisObserver observer;
+    std::mutex lock;
+    std::vector<float> heard;
+
+private:
+    class Analyzer final : public SpeechAnalyzer {
+    public:
+        explicit Analyzer(SlowService& service) : service_(service) {}
+        std::expected<std::optional<AudioFormat>, std::string> prepare(const std::vector<std::string>&) override {
+            std::this_thread::sleep_for(service_.startUp);
+            return format;
+        }
+        std::expected<void, std::string> start() override { return {}; }
+        void analyze(std::vector<float> samples) override {
+            const std::scoped_lock guard(service_.lock);
+            service_.heard.insert(service_.heard.end(), samples.begin(), samples.end());
+        }
+        void finalizeAndFinishThroughEndOfInput() override { service_.observer.onEnd({}); }
+        void cancelAndFinishNow() override {}
+
+    private:
+        SlowService& service_;
+    };
+};
+
+struct Hearing : testing::Test {
+    TempFolder folder;
+    SoundServer server;
+    RunLoop loop;
+    SystemClock clock;
+    ThreadPool pool{1};
+    PulseAudio hardware{loop, server.address()};
+    SndfileCreator files;
+    AudioRecorder recorder{{loop, clock, hardware, files, RecordingFolder(folder.path())}};
+    SlowService service;
+    TaskGroup tasks;
+
+    Hearing() { server.addMicrophone("mikrofon"); }
+
+    std::shared_ptr<SpeechAnalyzerTranscriber> listen() {
+        auto transcriber = std::make_shared<SpeechAnalyzerTranscriber>(Runtime{loop, clock, pool}, service, makeSwrConverter);
+        EXPECT_TRUE(transcriber->begin("de-DE", true));
+        recorder.setOnBuffer([transcriber](const AudioBuffer& buffer) { transcriber->append(buffer); });
+        const auto started = recorder.start(WriteToDisk::Yes);
+        EXPECT_TRUE(started) << started.error().description();
+        return transcriber;
+    }
+    void finish(StreamingTranscriber& transcriber) {
+        recorder.stop();
+        tasks.start(finishing(transcriber));
+        loop.run();
+    }
+    std::vector<float> recorded() { return AvFileReader().read(recorder.recording()->audio(), format).value().samples; }
+
+private:
+    Task<> finishing(StreamingTranscriber& transcriber) {
+        (void)co_await transcriber.finish();
+        loop.quit();
+    }
+};
+
+/// No two stretches of it are alike, so a lost, doubled or misplaced sample shows.
+std::vector<float> ramp(std::size_t count) {
+    std::vector<float> samples(count);
+    for (std::size_t i = 0; i < count; ++i) samples[i] = static_cast<float>(i + 1) / 1'000'000;
+    return samples;
+}
+
+TEST_F(Hearing, EverySampleReachesTheFileAndTheRecogniserThroughAStartUpOfTwoSeconds) {
+    const auto transcriber = listen();
+    const auto played = ramp(3 * 48000);
+    server.play("mikrofon", played);
+    finish(*transcriber);
+    const auto file = recorded();
+    EXPECT_FALSE(std::ranges::search(file, played).empty());
+    EXPECT_EQ(service.heard, file) << "the recogniser has heard what the file holds";
+}
+
+TEST_F(Hearing, AServerThatRestartsInMidDictationIsRecordedOnBothSides) {
+    service.startUp = {};
+    const auto transcriber = listen();
+    std::vector<ConfigurationChange> changes;
+    recorder.setOnConfigurationChange([&](const ConfigurationChange& change) {
+        changes.push_back(change);
+        loop.quit();
+    });
+    const auto before = ramp(24000);
+    server.play("mikrofon", before);
+    server.kill();
+    const auto restart = loop.after(seconds(0.2), [&] {
+        server.start();
+        server.addMicrophone("mikrofon", format, "Büro");
+        server.setDefaultMicrophone("mikrofon");
+    });
+    loop.run();
+    EXPECT_EQ(changes, (std::vector{ConfigurationChange{ConfigurationChange::Kind::resumed, "Büro"}}));
+    auto after = ramp(24000);
+    std::ranges::reverse(after);
+    server.play("mikrofon", after);
+    finish(*transcriber);
+    const auto file = recorded();
+    // What the server still held of the last moment went with it.
+    const std::span safe(before.data(), before.size() - 4800);
+    const auto first = std::ranges::search(file, safe);
+    ASSERT_FALSE(first.empty());
+    EXPECT_FALSE(std::ranges::search(std::ranges::subrange(first.end(), file.end()), after).empty());
+    EXPECT_EQ(service.heard, file);
+}
+
+} // namespace
+} // namespace querlin
