@@ -137,13 +137,7 @@ bool Decoding::takeFrame() {
 /// Without samples: what the filter still holds.
 bool Decoding::append(const std::uint8_t** samples, int frames) {
     if (!resampler_) return true;
-    const int most = swr_get_out_samples(resampler_.get(), frames);
-    if (most <= 0) return true;
-    const auto before = samples_.size();
-    samples_.resize(before + (static_cast<std::size_t>(most) * wanted_.channelCount));
-    auto* out = reinterpret_cast<std::uint8_t*>(samples_.data() + before);
-    const int made = swr_convert(resampler_.get(), &out, most, samples, frames);
-    samples_.resize(before + (static_cast<std::size_t>(std::max(made, 0)) * wanted_.channelCount));
+    if (!resample(resampler_.get(), samples, frames, wanted_.channelCount, samples_)) return true;
     return static_cast<double>(samples_.size()) <=
            longestInSeconds * wanted_.sampleRate * wanted_.channelCount;
 }

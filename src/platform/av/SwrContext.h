@@ -2,8 +2,11 @@
 
 #include "speech/AudioBuffer.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <memory>
+#include <vector>
 
 extern "C" {
 #include <libavutil/channel_layout.h>
@@ -30,6 +33,21 @@ inline SwrHandle makeSwr(AVChannelLayout from, AVSampleFormat fromSamples, int f
     if (context) av_opt_set_double(context.get(), "rematrix_maxval", 1.0, 0);
     if (!context || swr_init(context.get()) < 0) return nullptr;
     return context;
+}
+
+/// Appends what the resampler makes of the next frames; without samples, what its filter still holds. False
+/// where it fails.
+inline bool resample(SwrContext* context, const std::uint8_t** samples, int frames, std::uint32_t channels,
+                     std::vector<float>& result) {
+    const int most = swr_get_out_samples(context, frames);
+    if (most < 0) return false;
+    const auto before = result.size();
+    result.resize(before + (static_cast<std::size_t>(most) * channels));
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the library knows bytes alone.
+    auto* out = reinterpret_cast<std::uint8_t*>(result.data() + before);
+    const int made = swr_convert(context, &out, most, samples, frames);
+    result.resize(before + (static_cast<std::size_t>(std::max(made, 0)) * channels));
+    return made >= 0;
 }
 
 /// Rates and channels that devices and recordings have.

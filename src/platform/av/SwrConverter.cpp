@@ -2,8 +2,6 @@
 
 #include "platform/av/SwrContext.h"
 
-#include <array>
-
 namespace querlin {
 
 namespace {
@@ -14,23 +12,17 @@ public:
         context_(std::move(context)), from_(from), to_(to) {}
 
     std::expected<std::vector<float>, std::string> convert(std::span<const float> samples) override {
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the library knows bytes alone.
+        const auto* bytes = reinterpret_cast<const std::uint8_t*>(samples.data());
         const auto frames = static_cast<int>(samples.size() / from_.channelCount);
-        const int most = swr_get_out_samples(context_.get(), frames);
-        if (most < 0) return failed();
-        std::vector<float> converted(static_cast<std::size_t>(most) * to_.channelCount);
-        const auto* in = reinterpret_cast<const std::uint8_t*>(samples.data());
-        auto* out = reinterpret_cast<std::uint8_t*>(converted.data());
-        const int made = swr_convert(context_.get(), &out, most, &in, frames);
-        if (made < 0) return failed();
-        converted.resize(static_cast<std::size_t>(made) * to_.channelCount);
+        std::vector<float> converted;
+        if (!resample(context_.get(), &bytes, frames, to_.channelCount, converted)) {
+            return std::unexpected("Der Ton ließ sich nicht umrechnen.");
+        }
         return converted;
     }
 
 private:
-    static std::unexpected<std::string> failed() {
-        return std::unexpected(std::string("Der Ton ließ sich nicht umrechnen."));
-    }
-
     SwrHandle context_;
     AudioFormat from_;
     AudioFormat to_;

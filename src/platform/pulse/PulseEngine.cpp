@@ -14,7 +14,9 @@ constexpr double longestKeptInSeconds = 10;
 constexpr Duration attemptInterval = std::chrono::milliseconds(100);
 constexpr int mostAttempts = 20;
 
-bool isReady(const pa_stream* stream) { return stream && pa_stream_get_state(stream) == PA_STREAM_READY; }
+bool isReady(const pa_stream* stream) {
+    return stream != nullptr && pa_stream_get_state(stream) == PA_STREAM_READY;
+}
 
 } // namespace
 
@@ -139,6 +141,7 @@ std::expected<PulseEngine::Stream, std::string> PulseEngine::open(const PulseSou
     constexpr auto unset = static_cast<std::uint32_t>(-1);
     const auto piece = pa_usec_to_bytes(static_cast<pa_usec_t>(pieceInSeconds * 1e6), &spec);
     const pa_buffer_attr buffering{unset, unset, unset, unset, static_cast<std::uint32_t>(piece)};
+    // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): flags are told by their sum.
     constexpr auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
     pa_stream_connect_record(stream.get(), source.name.c_str(), &buffering, flags);
     if (!connection_.wait([&stream] { return pa_stream_get_state(stream.get()) != PA_STREAM_CREATING; })) {
