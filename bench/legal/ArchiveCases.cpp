@@ -1,5 +1,5 @@
 #include "Cases.h"
-#include "Measuring.h"
+#include "report/Measuring.h"
 #include "QtLawReader.h"
 #include "Zlib.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Corpus.h"
-#include "Report.h"
+#include "report/Report.h"
 
 namespace querlin::bench {
 

@@ -1,6 +1,6 @@
 #include "Child.h"
 
-#include "Measuring.h"
+#include "report/Measuring.h"
 #include "PlainCorpus.h"
 
 #include "legal/LegalCorpus.h"

@@ -4,7 +4,7 @@
 #include "Cases.h"
 #include "Child.h"
 #include "Corpus.h"
-#include "Report.h"
+#include "report/Report.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #include "Cases.h"
 #include "Child.h"
-#include "Measuring.h"
+#include "report/Measuring.h"
 #include "WorkFolder.h"
 
 #include "foundation/Files.h"

@@ -1,6 +1,6 @@
 #include "Allocations.h"
 #include "Cases.h"
-#include "Measuring.h"
+#include "report/Measuring.h"
 #include "Queries.h"
 #include "ReadFloor.h"
 #include "Searchers.h"

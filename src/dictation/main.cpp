@@ -2,7 +2,15 @@
 
 #include "dictation/CrashRecovery.h"
 #include "foundation/Clock.h"
+#include "foundation/RunLoop.h"
+#include "foundation/ThreadPool.h"
 #include "legal/LegalCorpus.h"
+#include "platform/av/SwrConverter.h"
+#include "platform/pocketsphinx/ClassicService.h"
+#include "platform/pulse/PulseAudio.h"
+#include "platform/sherpa/StreamingService.h"
+#include "speech/AudioDevices.h"
+#include "speech/VocabularyProvider.h"
 #include "state/AppSettings.h"
 #include "state/ApplicationPaths.h"
 #include "state/DiagnosticsLog.h"
@@ -24,6 +32,31 @@ namespace {
 std::string systemName() {
     utsname system{};
     return ::uname(&system) == 0 ? fmt::format("{} {}", system.sysname, system.release) : "unbekannt";
+}
+
+/// What the program hears with, as far as it is there.
+std::string describeHearing(const ApplicationPaths& paths) {
+    RunLoop queue;
+    PulseAudio hardware(queue);
+    const auto microphone = AudioDevices(hardware).systemDefaultInput();
+    StreamingService streaming({.models = paths.models(), .libraries = {StreamingService::libraryOfBuild()}});
+    ClassicService classic({.model = std::filesystem::path(QUERLIN_RESOURCES) / "StarterModel",
+                            .makeConverter = makeSwrConverter});
+    const auto starter = classic.recognizer("de-DE");
+
+    std::string recogniser = "keine – das Startmodell fehlt oder ist beschädigt";
+    if (streaming.isHere()) {
+        recogniser = "das eigene Modell";
+    } else if (starter && starter->isAvailable()) {
+        recogniser = "das Startmodell, nur zur Vorführung: Menschen versteht es kaum";
+    }
+    auto text = fmt::format("  Mikrofon:              {}\n  Spracherkennung:       {}\n",
+                            microphone ? microphone->name : "keines gefunden", recogniser);
+    for (const auto& report : streaming.models()) {
+        text += fmt::format("    Modell „{}“: {}\n", report.name,
+                            report.model ? "brauchbar" : report.model.error());
+    }
+    return text;
 }
 
 int runProgram(std::string_view executable) {
@@ -51,14 +84,19 @@ int runProgram(std::string_view executable) {
     const auto loadedLaws = corpus.laws();
     for (const auto& law : loadedLaws) sections += law.sections.size();
 
-    fmt::print("{} ist startklar. Mikrofon, Spracherkennung und Fenster kommen mit den nächsten Schritten.\n"
+    ThreadPool pool(1);
+    const VocabularyProvider vocabulary(QUERLIN_RESOURCES, pool);
+
+    fmt::print("{} ist startklar. Taste und Fenster kommen mit den nächsten Schritten.\n"
                "  Diktate bisher:        {}\n"
                "  Nach Absturz gerettet: {}{}\n"
                "  Gesetze:               {} mit {} Paragraphen\n"
+               "  Fachwortschatz:        {} Begriffe\n"
+               "{}"
                "  Protokoll:             {}\n",
                Product::name, statistics.dictationCount.get(), recovered,
                recovered > 0 ? " (in " + rescueFolder.path().string() + ")" : "", loadedLaws.size(), sections,
-               log.path().string());
+               vocabulary.totalTerms(), describeHearing(paths), log.path().string());
     DiagnosticsLog::note("app", "=== Ende ===");
     return EXIT_SUCCESS;
 }

@@ -19,6 +19,8 @@ struct ApplicationPaths {
 
     /// The law texts that updates have fetched.
     std::filesystem::path laws() const { return support / "Gesetze"; }
+    /// The user's own models for speech recognition, a folder for each.
+    std::filesystem::path models() const { return support / "Modelle"; }
     std::filesystem::path rescuedDictations() const { return support / "Gerettete Diktate"; }
     std::filesystem::path preferencesFile(std::string_view domain) const;
 

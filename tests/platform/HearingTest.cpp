@@ -1,12 +1,15 @@
 // From the microphone to the recogniser and the file, on a real sound server.
 
+#include "Speech.h"
 #include "foundation/RunLoop.h"
 #include "foundation/TaskGroup.h"
 #include "foundation/ThreadPool.h"
 #include "platform/av/AvFileReader.h"
 #include "platform/av/SwrConverter.h"
+#include "platform/pocketsphinx/ClassicService.h"
 #include "platform/pulse/PulseAudio.h"
 #include "platform/sndfile/SndfileCreator.h"
+#include "speech/AppleSpeechTranscriber.h"
 #include "speech/AudioRecorder.h"
 #include "speech/SpeechAnalyzerTranscriber.h"
 #include "support/SoundServer.h"
@@ -74,24 +77,30 @@ struct Hearing : testing::Test {
 
     Hearing() { server.addMicrophone("mikrofon"); }
 
-    std::shared_ptr<SpeechAnalyzerTranscriber> listen() {
+    std::shared_ptr<StreamingTranscriber> listen() {
         auto transcriber = std::make_shared<SpeechAnalyzerTranscriber>(Runtime{loop, clock, pool}, service, makeSwrConverter);
+        listen(transcriber);
+        return transcriber;
+    }
+    void listen(const std::shared_ptr<StreamingTranscriber>& transcriber) {
         EXPECT_TRUE(transcriber->begin("de-DE", true));
         recorder.setOnBuffer([transcriber](const AudioBuffer& buffer) { transcriber->append(buffer); });
         const auto started = recorder.start(WriteToDisk::Yes);
         EXPECT_TRUE(started) << started.error().description();
-        return transcriber;
     }
-    void finish(StreamingTranscriber& transcriber) {
+    std::string finish(StreamingTranscriber& transcriber) {
+        std::string text;
         recorder.stop();
-        tasks.start(finishing(transcriber));
+        tasks.start(finishing(transcriber, text));
         loop.run();
+        return text;
     }
     std::vector<float> recorded() { return AvFileReader().read(recorder.recording()->audio(), format).value().samples; }
 
 private:
-    Task<> finishing(StreamingTranscriber& transcriber) {
-        (void)co_await transcriber.finish();
+    Task<> finishing(StreamingTranscriber& transcriber, std::string& text) {
+        auto result = co_await transcriber.finish();
+        text = result.value_or("(keiner)");
         loop.quit();
     }
 };
@@ -111,6 +120,14 @@ TEST_F(Hearing, EverySampleReachesTheFileAndTheRecogniserThroughAStartUpOfTwoSec
     const auto file = recorded();
     EXPECT_FALSE(std::ranges::search(file, played).empty());
     EXPECT_EQ(service.heard, file) << "the recogniser has heard what the file holds";
+}
+
+TEST_F(Hearing, WhatIsSaidIntoTheMicrophoneIsUnderstood) {
+    ClassicService classic({.model = QUERLIN_STARTER_MODEL, .makeConverter = makeSwrConverter});
+    const auto transcriber = std::make_shared<AppleSpeechTranscriber>(Runtime{loop, clock, pool}, classic);
+    listen(transcriber);
+    server.play("mikrofon", spoken("der Antrag auf Wohngeld wurde am Montag bewilligt Punkt").in(format).samples);
+    EXPECT_EQ(finish(*transcriber), "der Antrag auf Wohngeld wurde am Montag bewilligt Punkt");
 }
 
 TEST_F(Hearing, AServerThatRestartsInMidDictationIsRecordedOnBothSides) {

@@ -112,11 +112,11 @@ void SoundServer::remove(const std::string& name) {
     for (auto module = modules.mapped().rbegin(); module != modules.mapped().rend(); ++module) control("unload-module " + *module);
 }
 
-void SoundServer::play(std::string_view microphone, std::span<const float> samples, AudioFormat format) {
+void SoundServer::play(std::string_view name, std::span<const float> samples, AudioFormat format) {
     const auto file = folder_ / "played.f32";
     writeFile(file, {reinterpret_cast<const char*>(samples.data()), samples.size_bytes()});
     output(client(fmt::format("pacat --playback --raw --format=float32le --rate={} --channels={} --device={}_sound '{}'", format.sampleRate,
-                              format.channelCount, microphone, file.string())));
+                              format.channelCount, name, file.string())));
 }
 
 } // namespace querlin

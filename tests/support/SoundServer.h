@@ -31,7 +31,7 @@ public:
     void remove(const std::string& name);
     void setDefaultMicrophone(std::string_view name) { control("set-default-source " + std::string(name)); }
     /// Returns when the last sample has been heard.
-    void play(std::string_view microphone, std::span<const float> samples, AudioFormat format = {48000, 1});
+    void play(std::string_view name, std::span<const float> samples, AudioFormat format = {48000, 1});
 
     // Without its modules it starts again: its microphones are gone.
     void kill();

@@ -64,7 +64,8 @@ std::expected<HearOptions, std::string> HearOptions::parse(std::span<const std::
             continue;
         }
         const auto equals = argument.find('=');
-        const auto value = equals == std::string_view::npos ? std::string_view() : argument.substr(equals + 1);
+        const auto value =
+            equals == std::string_view::npos ? std::string_view() : argument.substr(equals + 1);
         if (!setOption(options, argument.substr(0, equals), value)) {
             return std::unexpected(fmt::format("„{}“ ist hier nicht möglich.", argument));
         }

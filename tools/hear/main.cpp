@@ -2,6 +2,7 @@
 
 #include "hear/Options.h"
 
+#include "foundation/OneShot.h"
 #include "foundation/RunLoop.h"
 #include "foundation/TaskGroup.h"
 #include "foundation/ThreadPool.h"
@@ -58,8 +59,8 @@ public:
         AvFileReader reader;
         auto sound = reader.read(file_, {48000, 1});
         if (!sound) return std::unexpected(sound.error());
-        thread_ = std::jthread(
-            [this, sound = std::move(*sound), into = std::move(into), ended = std::move(ended)] {
+        thread_ =
+            std::jthread([this, sound = std::move(*sound), into = std::move(into), ended = std::move(ended)] {
                 play(sound, *into);
                 queue_.post(ended);
             });
@@ -106,7 +107,8 @@ public:
         }
         fmt::print("  Sprechen, dann die Eingabetaste.\n");
         std::thread([this, ended = std::move(ended)] {
-            while (std::getchar() != '\n' && std::feof(stdin) == 0) {}
+            while (std::getchar() != '\n' && std::feof(stdin) == 0) {
+            }
             queue_.post(ended);
         }).detach();
         return {};
@@ -150,8 +152,7 @@ public:
         fmt::print("  classic    {}\n", recognizer && recognizer->isAvailable() ? "bereit" : "nicht bereit");
         fmt::print("  streaming  {}\n", streaming_.isHere() ? "bereit" : "nicht da");
         for (const auto& model : streaming_.models()) {
-            fmt::print("    {}: {}\n", model.folder.filename().string(),
-                       model.problem.empty() ? "brauchbar" : model.problem);
+            fmt::print("    {}: {}\n", model.name, model.model ? "brauchbar" : model.model.error());
         }
     }
 
@@ -173,7 +174,9 @@ private:
         const auto transcriber = transcribers_.make(options_.engine);
         const auto begun = clock_.instant();
         const auto passed = [this, begun] { return inSeconds(clock_.instant() - begun); };
-        auto showPartial = [passed](const std::string& text) { fmt::print("  {:6.2f}  {}\n", passed(), text); };
+        auto showPartial = [passed](const std::string& text) {
+            fmt::print("  {:6.2f}  {}\n", passed(), text);
+        };
         transcriber->setOnPartialResult(lifetime_.onMain(loop_, std::move(showPartial)));
         transcriber->setContextualStrings(
             options_.vocabulary > 0 ? vocabulary_.contextualStrings(options_.words, options_.vocabulary)
@@ -211,8 +214,10 @@ private:
     SndfileCreator files_;
     AudioRecorder recorder_{{loop_, clock_, hardware_, files_, RecordingFolder(paths_.recordings)}};
     VocabularyProvider vocabulary_{QUERLIN_RESOURCES, pool_};
-    ClassicService classic_{{.model = fs::path(QUERLIN_RESOURCES) / "StarterModel", .makeConverter = makeSwrConverter}};
-    StreamingService streaming_{{.models = options_.models.value_or(paths_.support / "Modelle")}};
+    ClassicService classic_{
+        {.model = fs::path(QUERLIN_RESOURCES) / "StarterModel", .makeConverter = makeSwrConverter}};
+    StreamingService streaming_{{.models = options_.models.value_or(paths_.models()),
+                                 .libraries = {StreamingService::libraryOfBuild()}}};
     LocalTranscribers transcribers_{{loop_, clock_, pool_}, classic_, streaming_, makeSwrConverter};
     TaskGroup tasks_;
     Lifetime lifetime_;

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace querlin {
+
+/// The words to be favoured as a small language model of their own, which is mixed into the big one.
+namespace ContextModel {
+
+using Phrase = std::vector<std::string>;
+
+/// The words of each string that can be spoken and told apart: "Grundsicherung im Alter" gives three,
+/// "Müller-Lüdenscheidt," one. A string with anything else in it ("§ 1814", "24/7") gives none.
+std::vector<Phrase> phrases(const std::vector<std::string>& strings);
+
+/// Each word of the phrases once, in their order.
+std::vector<std::string> wordsOf(const std::vector<Phrase>& phrases);
+
+/// A bigram model in the ARPA format: any phrase may begin anywhere, and its words then follow one another.
+std::string arpa(const std::vector<Phrase>& phrases);
+
+} // namespace ContextModel
+
+} // namespace querlin

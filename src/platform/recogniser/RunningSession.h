@@ -1,0 +1,63 @@
+#pragma once
+
+#include "platform/recogniser/RecogniserProcess.h"
+#include "platform/recogniser/SessionSound.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace querlin {
+
+/// A session as the process's thread sees it: what the helper has been sent of it and has said about it.
+///
+/// Places count samples from the session's beginning; the helper counts from `origin_`, where it came in.
+class RunningSession {
+public:
+    RunningSession(std::uint32_t number, std::vector<std::string> words, RecognitionObserver observer,
+                   std::shared_ptr<std::atomic<bool>> isSilent, MakeAudioConverter makeConverter);
+
+    std::expected<void, std::string> add(AudioFormat format, std::span<const float> samples) {
+        return sound_.add(format, samples);
+    }
+    void finish() { isComplete_ = true; }
+    const std::vector<std::string>& words() const { return words_; }
+
+    /// Adds the next frame for the helper; false if there is none, or it has enough to do for now.
+    bool appendNextFrame(std::string& bytes);
+    /// Whether the helper owes it something.
+    bool isWaiting() const { return isBegun_ && (!isAccepted_ || consumed_ < sent_ || isEndSent_); }
+
+    // What the helper says; false if it can't be.
+    bool consumed(std::uint64_t count);
+    bool piece(RecogniserProtocol::Piece piece);
+
+    /// Begins again behind the last final piece, in a new helper. False the second time.
+    bool beginAgain();
+    /// Whether the helper has heard of it.
+    bool isBegun() const { return isBegun_; }
+    void end(std::expected<void, std::string> result);
+
+private:
+    std::uint32_t number_;
+    std::vector<std::string> words_;
+    RecognitionObserver observer_;
+    std::shared_ptr<std::atomic<bool>> isSilent_;
+
+    SessionSound sound_;
+    std::uint64_t origin_ = 0;
+    std::uint64_t sent_ = 0;
+    std::uint64_t consumed_ = 0;
+    /// Up to here volatile pieces tell less than the observer knows already.
+    std::uint64_t knownUpTo_ = 0;
+
+    bool isBegun_ = false;
+    bool isAccepted_ = false;
+    bool isComplete_ = false; ///< no more sound follows
+    bool isEndSent_ = false;
+    bool hasBegunAgain_ = false;
+};
+
+} // namespace querlin

@@ -1,0 +1,131 @@
+#include "Speech.h"
+
+#include "platform/av/AvFileReader.h"
+#include "platform/av/SwrConverter.h"
+#include "platform/pocketsphinx/engine/ProgramCall.h"
+#include "support/TempFolder.h"
+
+#include "foundation/Trimming.h"
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+
+namespace querlin {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr double pauseSeconds = 0.3;
+constexpr double bufferSeconds = 0.04;
+
+/// What espeak-ng writes to a pipe: a WAV header of 44 bytes that doesn't know the length, then 16-bit samples.
+Sound soundOfStream(std::string_view bytes) {
+    constexpr std::size_t headerInBytes = 44;
+    Sound sound{.format = {.sampleRate = 22050, .channelCount = 1}, .samples = {}};
+    for (std::size_t at = headerInBytes; at + 1 < bytes.size(); at += 2) {
+        std::int16_t sample = 0;
+        std::memcpy(&sample, bytes.data() + at, sizeof sample);
+        sound.samples.push_back(static_cast<float>(sample) / 32768);
+    }
+    return sound;
+}
+
+} // namespace
+
+double Sound::seconds() const { return static_cast<double>(samples.size()) / (format.sampleRate * format.channelCount); }
+
+Sound Sound::in(AudioFormat wanted) const {
+    if (format == wanted) return *this;
+    const auto converter = makeSwrConverter(format, wanted);
+    return {wanted, converter->convert(samples).value()};
+}
+
+Sound& Sound::operator+=(const Sound& other) {
+    const auto converted = other.in(format);
+    samples.insert(samples.end(), converted.samples.begin(), converted.samples.end());
+    return *this;
+}
+
+void Sound::play(const std::function<void(const AudioBuffer&)>& to, double fromSeconds, double toSeconds) const {
+    const auto place = [this](double second) {
+        return std::min(samples.size(), static_cast<std::size_t>(second * format.sampleRate) * format.channelCount);
+    };
+    const auto end = toSeconds < seconds() ? place(toSeconds) : samples.size();
+    const auto step = place(bufferSeconds);
+    for (auto at = place(fromSeconds); at < end; at += step) to({format, std::span(samples).subspan(at, std::min(step, end - at))});
+}
+
+Sound spoken(std::string_view text, const std::string& voice, int wordsPerMinute) {
+    const auto bytes = outputOf({"espeak-ng", "-v", "de+" + voice, "-s", std::to_string(wordsPerMinute), "-b", "1", "--stdout"}, text,
+                                std::chrono::seconds(10));
+    if (!bytes) throw std::runtime_error("espeak-ng doesn't speak");
+    auto sound = silence(pauseSeconds);
+    sound += soundOfStream(*bytes);
+    return sound += silence(pauseSeconds);
+}
+
+Sound silence(double seconds, AudioFormat format) {
+    return {format, std::vector<float>(static_cast<std::size_t>(seconds * format.sampleRate) * format.channelCount)};
+}
+
+SpeechRecognitionHandler Listener::classic() {
+    return [state = state_](std::optional<SpeechRecognitionResult> result, std::optional<std::string> error) {
+        state->signal.change([&] {
+            if (result) {
+                state->heard.text = result->text;
+                (result->isFinal ? state->heard.finals : state->heard.partials).push_back(result->text);
+            }
+            if (error) state->heard.error = *error;
+            if (error || result->isFinal) ++state->heard.ends;
+        });
+    };
+}
+
+SpeechAnalysisObserver Listener::streaming() {
+    return {[state = state_](SpeechAnalysisResult result) {
+                state->signal.change([&] {
+                    if (result.isFinal) {
+                        state->finalText += result.text;
+                        state->heard.finals.push_back(result.text);
+                    }
+                    state->heard.text = result.isFinal ? state->finalText : state->finalText + result.text;
+                    state->heard.partials.push_back(state->heard.text);
+                });
+            },
+            [state = state_](std::expected<void, std::string> end) {
+                state->signal.change([&] {
+                    if (!end) state->heard.error = end.error();
+                    ++state->heard.ends;
+                });
+            }};
+}
+
+Heard Listener::result() {
+    if (!waitFor([](const Heard& heard) { return heard.ends > 0; })) throw std::runtime_error("no end");
+    return state_->heard;
+}
+
+bool Listener::waitFor(const std::function<bool(const Heard&)>& condition) {
+    return state_->signal.wait([&] { return condition(state_->heard); });
+}
+
+std::vector<Recording> recordings(const fs::path& folder) {
+    std::vector<Recording> found;
+    std::error_code failure;
+    for (const auto& entry : fs::directory_iterator(folder, failure)) {
+        auto text = entry.path();
+        if (text.extension() != ".wav" || !fs::exists(text.replace_extension(".txt"))) continue;
+        found.push_back({entry.path(), std::string(trimWhitespaceAndNewlines(contentOf(text)))});
+    }
+    std::ranges::sort(found, {}, &Recording::file);
+    return found;
+}
+
+Sound soundOf(const fs::path& file) {
+    const auto audio = AvFileReader().read(file, helperFormat).value();
+    return {audio.format, audio.samples};
+}
+
+} // namespace querlin
