@@ -67,6 +67,9 @@ struct PulseAudioTest : testing::Test {
     PulseAudio hardware{loop, server.address()};
     AudioDevices devices{hardware};
 
+    void SetUp() override {
+        if (!SoundServer::isInstalled()) GTEST_SKIP() << "PulseAudio is not installed.";
+    }
     void record(AudioEngine& engine, Heard& heard) {
         engine.installTap(2048, engine.inputFormat(), heard.tap());
         const auto started = engine.start();

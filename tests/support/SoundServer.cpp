@@ -38,7 +38,13 @@ std::string output(const std::string& command) {
 
 } // namespace
 
-SoundServer::SoundServer() { start(); }
+bool SoundServer::isInstalled() {
+    return std::system("command -v pulseaudio >/dev/null && command -v pactl >/dev/null") == 0;
+}
+
+SoundServer::SoundServer() {
+    if (isInstalled()) start();
+}
 
 SoundServer::~SoundServer() { kill(); }
 

@@ -17,6 +17,9 @@ namespace querlin {
 /// into them: sample for sample, as long as rate and channels are the same. Gone with all it has at the end.
 class SoundServer {
 public:
+    /// Whether there is a PulseAudio on this machine; without one no other call may be made.
+    static bool isInstalled();
+
     SoundServer();
     ~SoundServer();
     SoundServer(const SoundServer&) = delete;
