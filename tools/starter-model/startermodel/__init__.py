@@ -1,0 +1,1 @@
+"""The recipe of Querlin's two small speech models, trained from synthetic speech only."""
