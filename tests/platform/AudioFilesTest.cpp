@@ -69,7 +69,7 @@ TEST_F(AudioFiles, WhatIsWrittenIsReadBackSampleForSample) {
         const auto read = reader.read(file, format);
         ASSERT_TRUE(read) << read.error();
         EXPECT_EQ(read->samples, samples);
-        struct stat status {};
+        struct stat status{};
         ASSERT_EQ(::stat(file.c_str(), &status), 0);
         EXPECT_EQ(status.st_mode & 0777U, 0600U);
     }
@@ -163,12 +163,15 @@ TEST_F(AudioFiles, ReadsCompressedSoundInAnyFormat) {
 TEST_F(AudioFiles, WhatIsNoRecordingIsAnError) {
     writeFile(folder / "text.caf", "Das ist kein Ton.");
     writeFile(folder / "empty.caf", "");
-    writeFile(folder / "list.m3u8", "#EXTM3U\n#EXTINF:1,\nfile:///etc/passwd\n");
-    writeFile(folder / "concat.ffconcat", "ffconcat version 1.0\nfile /etc/hostname\n");
-    for (const char* name : {"text.caf", "empty.caf", "list.m3u8", "concat.ffconcat", "nirgends.caf", "."}) {
+    write(tone(440, 1), mono);
+    writeFile(folder / "list.m3u8", "#EXTM3U\n#EXTINF:1,\ndictation.caf\n");
+    writeFile(folder / "concat.ffconcat", "ffconcat version 1.0\nfile dictation.caf\n");
+    ASSERT_EQ(::mkfifo((folder / "pipe.caf").c_str(), 0600), 0);
+    for (const char* name : {"text.caf", "empty.caf", "list.m3u8", "concat.ffconcat", "pipe.caf", "nirgends.caf", "."}) {
         const auto read = reader.read(folder / name, mono);
         EXPECT_FALSE(read) << name;
     }
+    fs::remove(file);
     write({}, mono);
     EXPECT_EQ(reader.read(file, mono).error(), "In der Aufnahme ist kein Ton.");
     EXPECT_EQ(reader.read(folder / "nirgends.caf", mono).error(), "Die Aufnahme ist nicht da.");
@@ -180,7 +183,8 @@ TEST(SwrConverter, KeepsTheToneHoweverTheStreamIsCut) {
         AudioFormat from;
         AudioFormat to;
     };
-    for (const auto& [from, to] : {Row{{48000, 2}, {16000, 1}}, Row{{44100, 1}, {16000, 1}}, Row{{16000, 1}, {48000, 2}}}) {
+    for (const auto& [from, to] :
+         {Row{{48000, 2}, {16000, 1}}, Row{{44100, 1}, {16000, 1}}, Row{{48000, 18}, {16000, 1}}, Row{{16000, 1}, {48000, 2}}}) {
         const auto samples = tone(1000, 1, from);
         const auto whole = makeSwrConverter(from, to)->convert(samples);
         ASSERT_TRUE(whole);

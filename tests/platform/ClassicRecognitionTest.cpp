@@ -248,7 +248,7 @@ TEST_F(ClassicRecognitionTest, ALongDictationCostsNoMoreThanAShortOne) {
     const auto memory = helperMemoryInKilobytes();
     auto endless = dictation;
     std::string all = said;
-    while (endless.seconds() < 200) {
+    while (endless.seconds() < 180) {
         endless += dictation;
         all += " " + said;
     }
@@ -261,7 +261,9 @@ TEST_F(ClassicRecognitionTest, ALongDictationCostsNoMoreThanAShortOne) {
     std::cout << endless.seconds() << " s am Stück: " << rate.percent() << " %, " << helperMemoryInKilobytes() << " kB nach " << memory
               << " kB\n";
     EXPECT_LT(rate.percent(), 20);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // They keep what is freed.
     EXPECT_LT(helperMemoryInKilobytes(), memory + 8000);
+#endif
     EXPECT_EQ(short_.error, "");
 }
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <mutex>
 #include <random>
 #include <thread>
@@ -23,6 +24,11 @@ std::vector<float> noise(std::size_t count) {
     std::vector<float> samples(count);
     for (auto& sample : samples) sample = static_cast<float>(value(random)) / 32768.0F;
     return samples;
+}
+
+bool eventually(const std::function<bool()>& reached) {
+    for (int i = 0; i < 500 && !reached(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return reached();
 }
 
 /// What a tap has got, from its thread.
@@ -47,12 +53,13 @@ public:
         const std::scoped_lock guard(lock_);
         return !std::ranges::search(samples_, wanted).empty();
     }
+    /// Wait, five seconds at most.
     bool comes(std::size_t count) const {
-        for (int i = 0; i < 500; ++i) {
-            if (samples().size() >= count) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return false;
+        return eventually([&] { return samples().size() >= count; });
+    }
+    /// What has been played is on its way for a while yet.
+    bool comes(std::span<const float> wanted) const {
+        return eventually([&] { return contains(wanted); });
     }
 
 private:
@@ -103,6 +110,7 @@ TEST_F(PulseAudioTest, ListsMicrophonesAndNoMonitors) {
     EXPECT_FALSE(devices.systemDefaultInput()) << "the loudspeaker's monitor is the default now";
     const auto engine = hardware.makeEngine();
     EXPECT_FALSE(engine->inputFormat().isUsable());
+    EXPECT_FALSE(engine->setDevice(hardware.devices().at(0).id)) << "nobody records the loudspeakers";
     Heard heard;
     engine->installTap(2048, {48000, 1}, heard.tap());
     EXPECT_FALSE(engine->start());
@@ -136,8 +144,13 @@ TEST_F(PulseAudioTest, WithoutAServerThereIsNothing) {
 }
 
 TEST_F(PulseAudioTest, EverySampleArrivesInWholeBuffers) {
-    for (const auto format : {AudioFormat{48000, 1}, AudioFormat{44100, 2}}) {
-        server.addMicrophone("mikrofon", format);
+    struct Row {
+        AudioFormat format;
+        const char* places;
+    };
+    // Studio devices have channels without a place in the room.
+    for (const auto& [format, places] : {Row{{48000, 1}, ""}, Row{{44100, 2}, ""}, Row{{48000, 2}, "aux0,aux1"}}) {
+        server.addMicrophone("mikrofon", format, "Mikrofon", places);
         server.setDefaultMicrophone("mikrofon");
         const auto played = noise(30'000 * format.channelCount);
         const auto engine = hardware.makeEngine();
@@ -148,11 +161,10 @@ TEST_F(PulseAudioTest, EverySampleArrivesInWholeBuffers) {
         const std::chrono::duration<double, std::milli> first = std::chrono::steady_clock::now() - begin;
         std::printf("First whole buffer of %.0f Hz after %.0f ms.\n", format.sampleRate, first.count());
         server.play("mikrofon", played, format);
-        ASSERT_TRUE(heard.comes(played.size()));
+        EXPECT_TRUE(heard.comes(played));
         engine->removeTap();
         const auto sizes = heard.sizes();
         EXPECT_TRUE(std::all_of(sizes.begin(), sizes.end() - 1, [&](auto size) { return size == 2048 * format.channelCount; }));
-        EXPECT_TRUE(heard.contains(played));
         engine->stop();
         EXPECT_FALSE(engine->isRunning());
         server.remove("mikrofon");
@@ -178,9 +190,9 @@ TEST_F(PulseAudioTest, ATapTakesOverFromAnotherWithoutAGap) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         ++changes;
     }
-    engine->removeTap();
+    EXPECT_TRUE(heard.comes(played));
     EXPECT_GT(changes, 10);
-    EXPECT_TRUE(heard.contains(played));
+    engine->removeTap();
 }
 
 TEST_F(PulseAudioTest, ChangesOfTheInputInUse) {
@@ -203,18 +215,24 @@ TEST_F(PulseAudioTest, ChangesOfTheInputInUse) {
     record(*engine, heard);
     const auto played = noise(20'000);
     server.play("zwei", played);
-    ASSERT_TRUE(heard.comes(played.size()));
+    EXPECT_TRUE(heard.comes(played));
     engine->removeTap();
-    EXPECT_TRUE(heard.contains(played));
 
     // Another format, then the microphone goes, then there is none any more.
     record(*engine, heard);
     server.setDefaultMicrophone("anders");
     ASSERT_TRUE(changeComes(changes));
     EXPECT_EQ(engine->inputFormat(), (AudioFormat{44100, 2}));
+    engine->removeTap();
+    Heard stereo;
+    engine->installTap(2048, {44100, 2}, stereo.tap());
+    server.play("zwei", played);
+    EXPECT_TRUE(stereo.samples().empty()) << "the stream is still the former one";
+    ASSERT_TRUE(engine->start());
+    ASSERT_TRUE(stereo.comes(1));
+    engine->removeTap();
     server.setDefaultMicrophone("eins");
     ASSERT_TRUE(changeComes(changes));
-    engine->removeTap();
     record(*engine, heard);
     server.remove("eins");
     ASSERT_TRUE(changeComes(changes));
@@ -245,9 +263,8 @@ TEST_F(PulseAudioTest, AChosenMicrophoneThatGoesLeadsToTheDefault) {
     record(*engine, heard);
     const auto played = noise(20'000);
     server.play("eins", played);
-    ASSERT_TRUE(heard.comes(played.size()));
+    EXPECT_TRUE(heard.comes(played));
     engine->removeTap();
-    EXPECT_TRUE(heard.contains(played));
 }
 
 TEST_F(PulseAudioTest, AServerThatDiesAndComesBack) {
@@ -269,9 +286,8 @@ TEST_F(PulseAudioTest, AServerThatDiesAndComesBack) {
     record(*engine, heard);
     const auto played = noise(20'000);
     server.play("eins", played);
-    ASSERT_TRUE(heard.comes(played.size()));
+    EXPECT_TRUE(heard.comes(played));
     engine->removeTap();
-    EXPECT_TRUE(heard.contains(played));
 
     record(*engine, heard);
     server.kill();
@@ -283,18 +299,23 @@ TEST_F(PulseAudioTest, AServerThatDiesAndComesBack) {
 TEST_F(PulseAudioTest, AServerThatHangsHoldsNobodyUpForLong) {
     server.addMicrophone("eins");
     const auto engine = hardware.makeEngine();
+    ASSERT_TRUE(engine->setDevice(devices.deviceID("eins").value()));
     Heard heard;
     record(*engine, heard);
     server.pause();
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_TRUE(hardware.devices().empty());
-    PulseAudio another(loop, server.address());
-    EXPECT_EQ(another.defaultInput(), 0U);
     engine->removeTap();
     engine->stop();
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20)) << "two waits of two seconds";
+    EXPECT_FALSE(engine->inputFormat().isUsable());
+    EXPECT_EQ(engine->start().error(), "Der Tondienst antwortet nicht.");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5)) << "one long wait, and not one for each question";
+    PulseAudio another(loop, server.address());
+    EXPECT_EQ(another.defaultInput(), 0U);
     server.resume();
-    EXPECT_EQ(devices.inputs().size(), 1U);
+    EXPECT_TRUE(eventually([&] { return !devices.inputs().empty(); }));
+    EXPECT_TRUE(engine->inputFormat().isUsable());
+    EXPECT_NE(another.defaultInput(), 0U);
 }
 
 TEST_F(PulseAudioTest, SeveralEnginesHearTheSameAndGoInTheMiddleOfIt) {

@@ -38,9 +38,7 @@ std::string output(const std::string& command) {
 
 } // namespace
 
-bool SoundServer::isInstalled() {
-    return std::system("command -v pulseaudio >/dev/null && command -v pactl >/dev/null") == 0;
-}
+bool SoundServer::isInstalled() { return std::system("command -v pulseaudio >/dev/null && command -v pactl >/dev/null") == 0; }
 
 SoundServer::SoundServer() {
     if (isInstalled()) start();
@@ -100,10 +98,11 @@ std::string SoundServer::client(std::string_view program) const {
 
 std::string SoundServer::control(const std::string& command) const { return output(client("pactl " + command)); }
 
-void SoundServer::addMicrophone(std::string name, AudioFormat format, std::string_view description) {
+void SoundServer::addMicrophone(std::string name, AudioFormat format, std::string_view description, std::string_view places) {
     const auto sink = name + "_sound";
-    modules_[name] = {control(fmt::format("load-module module-null-sink sink_name={} norewinds=1 format=float32le rate={} channels={}",
-                                          sink, format.sampleRate, format.channelCount)),
+    const auto map = places.empty() ? std::string() : fmt::format("channel_map={}", places);
+    modules_[name] = {control(fmt::format("load-module module-null-sink sink_name={} norewinds=1 format=float32le rate={} channels={} {}",
+                                          sink, format.sampleRate, format.channelCount, map)),
                       control(fmt::format("load-module module-remap-source source_name={0} master={1}.monitor format=float32le "
                                           "\"source_properties='device.description=\\\"{2}\\\"'\"",
                                           name, sink, description))};
@@ -121,8 +120,8 @@ void SoundServer::remove(const std::string& name) {
 void SoundServer::play(std::string_view name, std::span<const float> samples, AudioFormat format) {
     const auto file = folder_ / "played.f32";
     writeFile(file, {reinterpret_cast<const char*>(samples.data()), samples.size_bytes()});
-    output(client(fmt::format("pacat --playback --raw --format=float32le --rate={} --channels={} --device={}_sound '{}'", format.sampleRate,
-                              format.channelCount, name, file.string())));
+    output(client(fmt::format("pacat --playback --raw --no-remap --format=float32le --rate={} --channels={} --device={}_sound '{}'",
+                              format.sampleRate, format.channelCount, name, file.string())));
 }
 
 } // namespace querlin

@@ -28,7 +28,9 @@ public:
     /// Where clients find it.
     std::string address() const;
 
-    void addMicrophone(std::string name, AudioFormat format = {48000, 1}, std::string_view description = "Mikrofon");
+    /// `places` of the channels in the room are told as the server names them; empty for the usual ones.
+    void addMicrophone(std::string name, AudioFormat format = {48000, 1}, std::string_view description = "Mikrofon",
+                       std::string_view places = {});
     /// An output with its monitor, and no microphone.
     void addLoudspeaker(std::string name);
     void remove(const std::string& name);

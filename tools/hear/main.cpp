@@ -202,7 +202,7 @@ private:
         }
         fmt::print("  {:6.2f}  » {}\n          {:.2f} s nach dem Ende des Tons{}\n", passed(), *text,
                    passed() - soundEnded, transcriber->wasInterrupted() ? ", die Erkennung fiel aus" : "");
-        co_return true;
+        co_return !transcriber->wasInterrupted();
     }
 
     HearOptions options_;

@@ -18,6 +18,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr double longestInSeconds = 4.0 * 3600;
+/// Kinds of files that hold their sound themselves; a playlist would open others.
+constexpr const char* kinds = "caf,mov,wav,w64,aiff,au,flac,ogg,mp3,aac,amr,asf,matroska";
 
 struct CloseInput {
     void operator()(AVFormatContext* input) const { avformat_close_input(&input); }
@@ -65,14 +67,19 @@ private:
 };
 
 std::expected<void, std::string> Decoding::open(const fs::path& path) {
+    std::error_code error;
+    const auto status = fs::status(path, error);
+    if (!fs::exists(status)) return failed("Die Aufnahme ist nicht da.");
+    // A pipe or a device might keep us waiting for ever.
+    if (!fs::is_regular_file(status)) return failed("Die Aufnahme lässt sich nicht lesen.");
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file", 0);
+    av_dict_set(&options, "format_whitelist", kinds, 0);
     AVFormatContext* opened = nullptr;
     // With the protocol in front a name is only ever a name.
     const int outcome = avformat_open_input(&opened, ("file:" + path.string()).c_str(), nullptr, &options);
     av_dict_free(&options);
     input_.reset(opened);
-    if (outcome == AVERROR(ENOENT)) return failed("Die Aufnahme ist nicht da.");
     if (outcome < 0 || avformat_find_stream_info(opened, nullptr) < 0) {
         return failed("Die Aufnahme lässt sich nicht lesen.");
     }

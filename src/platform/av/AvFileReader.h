@@ -5,7 +5,7 @@
 namespace querlin {
 
 /// Recordings of all kinds that libavformat knows. Files are hostile until proven otherwise: nothing but
-/// local files is opened, and no sound of more than four hours. Any thread.
+/// this one local file is opened, and no sound of more than four hours is taken. Any thread.
 class AvFileReader final : public AudioFileReader {
 public:
     AvFileReader();

@@ -29,9 +29,16 @@ inline SwrHandle makeSwr(AVChannelLayout from, AVSampleFormat fromSamples, int f
     swr_alloc_set_opts2(&made, &target, AV_SAMPLE_FMT_FLT, static_cast<int>(std::lround(to.sampleRate)),
                         &from, fromSamples, fromRate, 0, nullptr);
     SwrHandle context(made);
+    if (!context) return nullptr;
     // Channels that are mixed are never louder than full scale.
-    if (context) av_opt_set_double(context.get(), "rematrix_maxval", 1.0, 0);
-    if (!context || swr_init(context.get()) < 0) return nullptr;
+    av_opt_set_double(context.get(), "rematrix_maxval", 1.0, 0);
+    const auto channels = static_cast<std::uint32_t>(from.nb_channels);
+    if (from.order == AV_CHANNEL_ORDER_UNSPEC && channels != to.channelCount) {
+        // So many that nobody knows their places: all count alike.
+        const std::vector<double> alike(std::size_t{channels} * to.channelCount, 1.0 / channels);
+        swr_set_matrix(context.get(), alike.data(), from.nb_channels);
+    }
+    if (swr_init(context.get()) < 0) return nullptr;
     return context;
 }
 

@@ -2,6 +2,10 @@
 
 #include "platform/av/SwrContext.h"
 
+extern "C" {
+#include <libavutil/log.h>
+}
+
 namespace querlin {
 
 namespace {
@@ -32,6 +36,7 @@ private:
 
 std::unique_ptr<AudioConverter> makeSwrConverter(AudioFormat from, AudioFormat to) {
     if (!isReasonable(from) || !isReasonable(to)) return nullptr;
+    av_log_set_level(AV_LOG_QUIET); // The library's own words are for nobody.
     AVChannelLayout layout{};
     av_channel_layout_default(&layout, static_cast<int>(from.channelCount));
     auto context = makeSwr(layout, AV_SAMPLE_FMT_FLT, static_cast<int>(std::lround(from.sampleRate)), to);

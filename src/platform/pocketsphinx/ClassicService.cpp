@@ -28,8 +28,11 @@ public:
         handler_(SpeechRecognitionResult{std::move(whole), false}, std::nullopt);
     }
     void end(const std::expected<void, std::string>& result) {
-        if (result) return handler_(SpeechRecognitionResult{finalText_, true}, std::nullopt);
-        handler_(std::nullopt, result.error());
+        if (result) {
+            handler_(SpeechRecognitionResult{finalText_, true}, std::nullopt);
+        } else {
+            handler_(std::nullopt, result.error());
+        }
     }
 
 private:

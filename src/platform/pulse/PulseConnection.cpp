@@ -6,7 +6,11 @@ namespace querlin {
 
 namespace {
 
-constexpr pa_usec_t longestWaitInMicroseconds = 2'000'000;
+/// A call of ours waits several times: with the short waits behind the first one it stays below two seconds.
+constexpr pa_usec_t longestWaitInMicroseconds = 1'500'000;
+/// For a server that has just kept us waiting in vain, and how long it counts as one.
+constexpr pa_usec_t shortWaitInMicroseconds = 100'000;
+constexpr pa_usec_t mistrustInMicroseconds = 5'000'000;
 
 struct FreeProperties {
     void operator()(pa_proplist* properties) const { pa_proplist_free(properties); }
@@ -17,6 +21,7 @@ PulseSource described(const pa_source_info& info) {
             info.name ? info.name : "",
             info.description ? info.description : "",
             {static_cast<double>(info.sample_spec.rate), info.sample_spec.channels},
+            info.channel_map,
             info.monitor_of_sink != PA_INVALID_INDEX};
 }
 
@@ -84,8 +89,9 @@ bool PulseConnection::wait(const std::function<bool()>& reached) {
         PulseConnection& connection;
         bool isOver = false;
     } timeOut{*this};
+    const auto longest = isHung() ? shortWaitInMicroseconds : longestWaitInMicroseconds;
     auto* timer = pa_context_rttime_new(
-        context_.get(), pa_rtclock_now() + longestWaitInMicroseconds,
+        context_.get(), pa_rtclock_now() + longest,
         [](pa_mainloop_api*, pa_time_event*, const timeval*, void* data) {
             auto& waiting = *static_cast<TimeOut*>(data);
             waiting.isOver = true;
@@ -95,7 +101,9 @@ bool PulseConnection::wait(const std::function<bool()>& reached) {
     while (!reached() && !timeOut.isOver) pa_threaded_mainloop_wait(loop_.get());
     const auto* api = pa_threaded_mainloop_get_api(loop_.get());
     api->time_free(timer);
-    return reached();
+    const bool isReached = reached();
+    hungUntil_ = isReached ? 0 : pa_rtclock_now() + mistrustInMicroseconds;
+    return isReached;
 }
 
 /// One that doesn't end in time is cancelled: then its callback isn't called any more.

@@ -22,6 +22,7 @@ struct PulseSource {
     std::string name;        ///< stable across runs
     std::string description; ///< for people
     AudioFormat format;
+    pa_channel_map places{}; ///< of the channels in the room
     bool isMonitor = false;
 };
 
@@ -51,8 +52,11 @@ public:
 
     /// The error is a German text. The lock must be held.
     std::expected<pa_context*, std::string> connect();
-    /// Waits until `reached`, two seconds at most; callbacks must wake it up. The lock must be held.
+    /// Waits until `reached`, for a while at most; callbacks must wake it up. The lock must be held.
     bool wait(const std::function<bool()>& reached);
+    /// Whether the last wait was in vain, a moment ago. Until it has answered again, or that is a while ago,
+    /// a server is hardly waited for: a call of the program is held up once, not at each question.
+    bool isHung() const { return pa_rtclock_now() < hungUntil_; }
     /// From a callback of the loop, or with its lock held.
     void wakeUp() { pa_threaded_mainloop_signal(loop_.get(), 0); }
 
@@ -90,6 +94,7 @@ private:
     const std::string server_;
     std::unique_ptr<pa_threaded_mainloop, FreeLoop> loop_;
     std::unique_ptr<pa_context, FreeContext> context_;
+    pa_usec_t hungUntil_ = 0;
     std::list<std::function<void()>> listeners_; ///< guarded by the lock
 };
 

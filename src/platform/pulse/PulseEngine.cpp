@@ -49,7 +49,8 @@ void PulseEngine::reset() {
 
 std::expected<void, std::string> PulseEngine::setDevice(std::uint32_t deviceID) {
     const auto source = connection_.source(deviceID - 1);
-    if (deviceID == 0 || !source) return std::unexpected("Das Mikrofon ist nicht mehr da.");
+    if (deviceID == 0 || !source || source->isMonitor)
+        return std::unexpected("Das Mikrofon ist nicht mehr da.");
     chosen_ = source->name;
     return {};
 }
@@ -85,7 +86,8 @@ void PulseEngine::removeTap() {
 
 std::expected<void, std::string> PulseEngine::start() {
     const auto source = presentSource();
-    if (!source) return std::unexpected("Kein Mikrofon da.");
+    if (!source)
+        return std::unexpected(connection_.isHung() ? "Der Tondienst antwortet nicht." : "Kein Mikrofon da.");
     const PulseConnection::Lock lock(connection_);
     const bool goesOn = isReady(stream_.get()) && streamSource_ == source->name && streamFormat_ == format_;
     if (!goesOn) {
@@ -126,8 +128,9 @@ std::expected<PulseEngine::Stream, std::string> PulseEngine::open(const PulseSou
     const auto channels = static_cast<std::uint8_t>(format_.channelCount);
     const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE,
                               static_cast<std::uint32_t>(std::lround(format_.sampleRate)), channels};
-    pa_channel_map map{};
-    pa_channel_map_init_extend(&map, channels, PA_CHANNEL_MAP_DEFAULT);
+    // The source's own places: between others the server mixes, which leaves nothing of what has no place.
+    pa_channel_map map = source.places;
+    if (map.channels != channels) pa_channel_map_init_extend(&map, channels, PA_CHANNEL_MAP_DEFAULT);
     Stream stream(pa_stream_new(*context, "Diktat", &spec, &map));
     if (!stream) return std::unexpected("Dieses Tonformat lässt sich nicht aufnehmen.");
     pa_stream_set_state_callback(
@@ -182,7 +185,8 @@ void PulseEngine::lookAround() {
     }
     attempts_ = 0;
     known_ = now;
-    changed_();
+    const auto changed = changed_; // It may withdraw the observer, or end the engine.
+    changed();
 }
 
 // On the loop
@@ -199,6 +203,7 @@ void PulseEngine::read(pa_stream* stream) {
 
 /// Null for a hole in the stream, which becomes silence, so that time stays true.
 void PulseEngine::take(const float* samples, std::size_t count) {
+    if (streamFormat_ != format_) return; // The tap is for the stream that the next start makes.
     if (!tap_ && static_cast<double>(gathered_.size()) >
                      longestKeptInSeconds * format_.sampleRate * format_.channelCount) {
         return;

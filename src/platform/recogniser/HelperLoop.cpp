@@ -58,7 +58,7 @@ void HelperLoop::obey(RecogniserOrder order) {
     std::visit([&](auto& what) { obey(order.session, what); }, order.what);
 }
 
-void HelperLoop::obey(std::uint32_t, RecogniserOrder::Prepare& order) {
+void HelperLoop::obey(std::uint32_t /*number*/, RecogniserOrder::Prepare& order) {
     preparedWords_ = std::move(order.words);
     isPreparing_ = true;
     if (state_ == State::idle) start();
@@ -81,25 +81,28 @@ void HelperLoop::obey(std::uint32_t number, RecogniserOrder::Sound& order) {
     end(found, std::move(result));
 }
 
-void HelperLoop::obey(std::uint32_t number, RecogniserOrder::Finish&) {
+void HelperLoop::obey(std::uint32_t number, RecogniserOrder::Finish& /*order*/) {
     if (const auto found = sessions_.find(number); found != sessions_.end()) found->second.finish();
 }
 
-void HelperLoop::obey(std::uint32_t number, RecogniserOrder::Cancel&) {
+void HelperLoop::obey(std::uint32_t number, RecogniserOrder::Cancel& /*order*/) {
     const auto found = sessions_.find(number);
     if (found == sessions_.end()) return;
     if (found->second.isBegun()) Protocol::append(outbox_, Kind::cancel, number);
     end(found, {});
 }
 
-void HelperLoop::obey(std::uint32_t, RecogniserOrder::Quit&) { isQuitting_ = true; }
+void HelperLoop::obey(std::uint32_t /*number*/, RecogniserOrder::Quit& /*order*/) { isQuitting_ = true; }
 
 // The helper's life
 
 void HelperLoop::start() {
     stop();
     auto helper = HelperProcess::start(setup_.program);
-    if (!helper) return opened(helper.error());
+    if (!helper) {
+        opened(helper.error());
+        return;
+    }
     helper_ = std::move(*helper);
     *helperId_ = helper_->id();
     state_ = State::opening;
@@ -134,8 +137,12 @@ void HelperLoop::died() {
     DiagnosticsLog::note("speech", "Der Spracherkenner ist abgestürzt.");
     stop();
     if (wasOpening) {
-        if (++deathsWhileOpening_ < mostDeathsWhileOpening) return start();
-        return opened(diesWhileOpening);
+        if (++deathsWhileOpening_ < mostDeathsWhileOpening) {
+            start();
+        } else {
+            opened(diesWhileOpening);
+        }
+        return;
     }
     for (auto next = sessions_.begin(); next != sessions_.end();) {
         const auto session = next++;
@@ -151,7 +158,10 @@ void HelperLoop::giveUpIfSilent() {
     if (now() - lastSign_ < setup_.longestSilence) return;
     const auto error = fmt::format("Der Spracherkenner antwortet seit {:.0f} Sekunden nicht mehr.",
                                    inSeconds(setup_.longestSilence));
-    if (state_ == State::opening) return opened(error);
+    if (state_ == State::opening) {
+        opened(error);
+        return;
+    }
     DiagnosticsLog::note("speech", error);
     stop();
     fail(error);
@@ -184,14 +194,20 @@ void HelperLoop::read() {
     const auto room = inbox_.room();
     const auto count = ::recv(helper_->socket(), room.data(), room.size(), 0);
     if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
-    if (count <= 0) return died();
+    if (count <= 0) {
+        died();
+        return;
+    }
     inbox_.received(static_cast<std::size_t>(count));
     lastSign_ = now();
     const auto current = helper_->id();
     while (helper_ && helper_->id() == current) {
         const auto frame = inbox_.next();
         if (frame && !*frame) return;
-        if (!frame || !handle(**frame)) return died();
+        if (!frame || !handle(**frame)) {
+            died();
+            return;
+        }
     }
 }
 
@@ -215,8 +231,8 @@ bool HelperLoop::handle(const Protocol::Frame& frame) {
         return count && (!isOurs || session->second.consumed(*count));
     }
     case Kind::piece: {
-        auto piece = Protocol::piece(frame.payload);
-        return piece && (!isOurs || session->second.piece(std::move(*piece)));
+        const auto piece = Protocol::piece(frame.payload);
+        return piece && (!isOurs || session->second.piece(*piece));
     }
     case Kind::ended:
         if (!isOurs) return true;

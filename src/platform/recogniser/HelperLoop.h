@@ -53,12 +53,12 @@ private:
 
     // Orders
     void obey(RecogniserOrder order);
-    void obey(std::uint32_t session, RecogniserOrder::Prepare& order);
-    void obey(std::uint32_t session, RecogniserOrder::Begin& order);
-    void obey(std::uint32_t session, RecogniserOrder::Sound& order);
-    void obey(std::uint32_t session, RecogniserOrder::Finish& order);
-    void obey(std::uint32_t session, RecogniserOrder::Cancel& order);
-    void obey(std::uint32_t session, RecogniserOrder::Quit& order);
+    void obey(std::uint32_t number, RecogniserOrder::Prepare& order);
+    void obey(std::uint32_t number, RecogniserOrder::Begin& order);
+    void obey(std::uint32_t number, RecogniserOrder::Sound& order);
+    void obey(std::uint32_t number, RecogniserOrder::Finish& order);
+    void obey(std::uint32_t number, RecogniserOrder::Cancel& order);
+    void obey(std::uint32_t number, RecogniserOrder::Quit& order);
 
     // The helper's life
     void start();

@@ -1,5 +1,7 @@
 #include "platform/recogniser/HelperProcess.h"
 
+#include "foundation/Files.h"
+
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -24,7 +26,7 @@ constexpr auto longestReaping = std::chrono::seconds(1);
 
 std::unexpected<std::string> cannotStart(int code) {
     return std::unexpected("Das Hilfsprogramm der Spracherkennung lässt sich nicht starten: " +
-                           std::generic_category().message(code) + ".");
+                           FileError{std::error_code(code, std::generic_category())}.description());
 }
 
 /// What the child does between its birth and the helper's first instruction.

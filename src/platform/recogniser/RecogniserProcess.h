@@ -65,10 +65,10 @@ public:
     struct Setup {
         std::filesystem::path program;
         RecogniserProtocol::OpenRequest model;
-        MakeAudioConverter makeConverter = {}; ///< none if all sound comes as 16 kHz mono
+        MakeAudioConverter makeConverter = nullptr; ///< none if all sound comes as 16 kHz mono
         Duration longestSilence = std::chrono::seconds(12);
         /// Whether the model could be loaded; after each start of a helper, on the process's thread.
-        std::function<void(std::expected<void, std::string>)> onOpened = {};
+        std::function<void(std::expected<void, std::string>)> onOpened = nullptr;
     };
 
     explicit RecogniserProcess(Setup setup);

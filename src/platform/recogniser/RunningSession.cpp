@@ -51,7 +51,7 @@ bool RunningSession::consumed(std::uint64_t count) {
     return true;
 }
 
-bool RunningSession::piece(Protocol::Piece piece) {
+bool RunningSession::piece(const Protocol::Piece& piece) {
     if (piece.settled > sent_ - origin_) return false;
     if (piece.isFinal) sound_.forget(origin_ + piece.settled);
     const bool isNews = piece.isFinal ? !piece.text.empty() : consumed_ >= knownUpTo_;
@@ -67,6 +67,8 @@ bool RunningSession::beginAgain() {
     return true;
 }
 
-void RunningSession::end(std::expected<void, std::string> result) { observer_.onEnd(std::move(result)); }
+void RunningSession::end(std::expected<void, std::string> result) const {
+    observer_.onEnd(std::move(result));
+}
 
 } // namespace querlin

@@ -32,13 +32,13 @@ public:
 
     // What the helper says; false if it can't be.
     bool consumed(std::uint64_t count);
-    bool piece(RecogniserProtocol::Piece piece);
+    bool piece(const RecogniserProtocol::Piece& piece);
 
     /// Begins again behind the last final piece, in a new helper. False the second time.
     bool beginAgain();
     /// Whether the helper has heard of it.
     bool isBegun() const { return isBegun_; }
-    void end(std::expected<void, std::string> result);
+    void end(std::expected<void, std::string> result) const;
 
 private:
     std::uint32_t number_;

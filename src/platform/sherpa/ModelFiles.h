@@ -9,11 +9,9 @@
 #include <string_view>
 #include <vector>
 
-namespace querlin {
-
 /// The files of a model, and what is to be known of them before a library reads them. Errors are German
 /// texts.
-namespace ModelFiles {
+namespace querlin::ModelFiles {
 
 /// An ONNX file whose name has `part` in it; of several the first by name, but one with or without "int8"
 /// in its name where that is wished for.
@@ -36,6 +34,4 @@ struct Description {
 };
 std::expected<Description, std::string> description(const std::filesystem::path& file);
 
-} // namespace ModelFiles
-
-} // namespace querlin
+} // namespace querlin::ModelFiles

@@ -6,11 +6,9 @@
 #include <map>
 #include <string>
 
-namespace querlin {
-
 /// What an ONNX file says about itself (`ModelProto.metadata_props`), read without the graph, past which it
 /// seeks: a file of hundreds of megabytes takes no longer than a small one.
-namespace OnnxMetadata {
+namespace querlin::OnnxMetadata {
 
 using Properties = std::map<std::string, std::string, std::less<>>;
 
@@ -22,6 +20,4 @@ enum class Fault : std::uint8_t {
 
 std::expected<Properties, Fault> read(const std::filesystem::path& file);
 
-} // namespace OnnxMetadata
-
-} // namespace querlin
+} // namespace querlin::OnnxMetadata

@@ -64,13 +64,19 @@ void StreamingAnalyzer::analyze(std::vector<float> samples) {
 }
 
 void StreamingAnalyzer::finalizeAndFinishThroughEndOfInput() {
-    if (const auto running = session()) return running->finish();
-    endWithoutSession(std::unexpected(notPrepared));
+    if (const auto running = session()) {
+        running->finish();
+    } else {
+        endWithoutSession(std::unexpected(notPrepared));
+    }
 }
 
 void StreamingAnalyzer::cancelAndFinishNow() {
-    if (const auto running = session()) return running->cancel();
-    endWithoutSession({});
+    if (const auto running = session()) {
+        running->cancel();
+    } else {
+        endWithoutSession({});
+    }
 }
 
 std::shared_ptr<RecogniserSession> StreamingAnalyzer::session() {

@@ -184,6 +184,7 @@ std::vector<ModelReport> StreamingModels::inspectAll(const fs::path& folder) {
     }
     std::ranges::sort(folders);
     std::vector<ModelReport> reports;
+    reports.reserve(folders.size());
     for (const auto& each : folders) reports.push_back(inspect(each));
     return reports;
 }

@@ -95,7 +95,7 @@ std::string arpa(const std::vector<Phrase>& phrases) {
     std::string bigrams;
     std::size_t bigramCount = 0;
     for (const auto& [word, count] : counts.beginnings) {
-        const double share = shareOfBeginnings * count / beginnings + (1 - shareOfBeginnings) / words;
+        const double share = (shareOfBeginnings * count / beginnings) + ((1 - shareOfBeginnings) / words);
         const auto successors = counts.successors.find(word);
         const bool goesOn = successors != counts.successors.end();
         unigrams += fmt::format("{:.4f} {} {:.4f}\n", std::log10(share), word,

@@ -4,10 +4,8 @@
 #include <string_view>
 #include <vector>
 
-namespace querlin {
-
 /// The words to be favoured as a small language model of their own, which is mixed into the big one.
-namespace ContextModel {
+namespace querlin::ContextModel {
 
 using Phrase = std::vector<std::string>;
 
@@ -21,6 +19,4 @@ std::vector<std::string> wordsOf(const std::vector<Phrase>& phrases);
 /// A bigram model in the ARPA format: any phrase may begin anywhere, and its words then follow one another.
 std::string arpa(const std::vector<Phrase>& phrases);
 
-} // namespace ContextModel
-
-} // namespace querlin
+} // namespace querlin::ContextModel

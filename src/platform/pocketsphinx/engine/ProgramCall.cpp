@@ -27,6 +27,7 @@ public:
         if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets.data()) != 0) return;
         socket_ = sockets[0];
         std::vector<char*> arguments;
+        arguments.reserve(command.size() + 1);
         for (auto& word : command) arguments.push_back(word.data());
         arguments.push_back(nullptr);
         posix_spawn_file_actions_t actions{};

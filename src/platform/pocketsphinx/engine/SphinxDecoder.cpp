@@ -24,6 +24,11 @@ using Configuration = std::unique_ptr<cmd_ln_t, Release<cmd_ln_free_r>>;
 using Decoder = std::unique_ptr<ps_decoder_t, Release<ps_free>>;
 using LanguageModel = std::unique_ptr<ngram_model_t, Release<ngram_model_free>>;
 
+/// What the library has taken from the C heap.
+struct Freed {
+    void operator()(char* text) const { std::free(text); } // NOLINT(*-no-malloc, *-owning-memory)
+};
+
 /// The library raises it to the power of the language weight: this is a share of about a tenth.
 constexpr float weightOfContext = 1e-6F;
 
@@ -54,6 +59,7 @@ std::expected<std::vector<std::string>, std::string> optionsOf(const fs::path& f
 
 Configuration configurationOf(std::vector<std::string>& options) {
     std::vector<char*> arguments;
+    arguments.reserve(options.size());
     for (auto& option : options) arguments.push_back(option.data());
     constexpr int isStrict = 1;
     return Configuration(::cmd_ln_parse_r(nullptr, ::ps_args(), static_cast<int>(arguments.size()),
@@ -63,10 +69,10 @@ Configuration configurationOf(std::vector<std::string>& options) {
 /// A file in memory alone: names that a user dictates don't belong on the disk.
 class MemoryFile {
 public:
-    explicit MemoryFile(std::string_view content) : descriptor_(::memfd_create("woerter", MFD_CLOEXEC)) {
-        isWhole_ =
-            ::write(descriptor_, content.data(), content.size()) == static_cast<ssize_t>(content.size());
-    }
+    explicit MemoryFile(std::string_view content) :
+        descriptor_(::memfd_create("woerter", MFD_CLOEXEC)),
+        isWhole_(::write(descriptor_, content.data(), content.size()) ==
+                 static_cast<ssize_t>(content.size())) {}
     ~MemoryFile() {
         if (descriptor_ >= 0) ::close(descriptor_);
     }
@@ -78,7 +84,7 @@ public:
 
 private:
     int descriptor_;
-    bool isWhole_ = false;
+    bool isWhole_;
 };
 
 } // namespace
@@ -105,8 +111,7 @@ SphinxDecoder::SphinxDecoder(fs::path folder, std::unique_ptr<Handle> handle) :
 SphinxDecoder::~SphinxDecoder() = default;
 
 bool SphinxDecoder::knows(const std::string& word) const {
-    const std::unique_ptr<char, Release<std::free>> phones(
-        ::ps_lookup_word(handle_->decoder.get(), word.c_str()));
+    const std::unique_ptr<char, Freed> phones(::ps_lookup_word(handle_->decoder.get(), word.c_str()));
     return phones != nullptr;
 }
 

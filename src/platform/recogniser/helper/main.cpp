@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <tuple>
 
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -34,7 +35,8 @@ void leaveNoTraces() {
 
 /// A key struck in a terminal is for the program, which ends its helper when it has no more need of it.
 void ignoreSignalsOfTerminal() {
-    for (const int signal : {SIGINT, SIGQUIT, SIGHUP, SIGPIPE, SIGTSTP}) ::signal(signal, SIG_IGN);
+    for (const int signal : {SIGINT, SIGQUIT, SIGHUP, SIGPIPE, SIGTSTP})
+        std::ignore = ::signal(signal, SIG_IGN);
 }
 
 std::unique_ptr<RecognitionEngine> makeEngine(const std::string& name,
@@ -49,7 +51,7 @@ std::unique_ptr<RecognitionEngine> makeEngine(const std::string& name,
 
 int main() {
     if (!querlin::isSocket(querlin::socketDescriptor)) {
-        std::fputs("querlin-recogniser wird von Querlin gestartet, nicht von Hand.\n", stderr);
+        std::ignore = std::fputs("querlin-recogniser wird von Querlin gestartet, nicht von Hand.\n", stderr);
         return 2;
     }
     querlin::leaveNoTraces();

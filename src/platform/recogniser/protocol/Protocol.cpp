@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <concepts>
 #include <cstring>
+#include <utility>
 
 namespace querlin::RecogniserProtocol {
 
@@ -33,7 +34,8 @@ public:
     Number number() {
         Number value = 0;
         const auto bytes = take(sizeof value);
-        if (!bytes.empty()) std::memcpy(&value, bytes.data(), sizeof value);
+        if (!bytes.empty())
+            std::memcpy(&value, bytes.data(), sizeof value); // NOLINT(bugprone-suspicious-stringview-*)
         return value;
     }
     std::string text() { return std::string(take(number<std::uint32_t>())); }
@@ -59,8 +61,10 @@ std::optional<Value> valueIf(bool isValid, Value& value) {
     return isValid ? std::optional<Value>(std::move(value)) : std::nullopt;
 }
 
-bool isKnown(Kind kind) {
-    return (kind >= Kind::open && kind <= Kind::cancel) || (kind >= Kind::opened && kind <= Kind::ended);
+bool isKnown(std::uint8_t kind) {
+    using enum Kind;
+    return (kind >= std::to_underlying(open) && kind <= std::to_underlying(cancel)) ||
+           (kind >= std::to_underlying(opened) && kind <= std::to_underlying(ended));
 }
 
 } // namespace
@@ -166,9 +170,10 @@ std::expected<std::optional<Frame>, Parser::Malformed> Parser::next() {
     const auto length = header.number<std::uint32_t>();
     if (length < headerInBytes || length > largestFrameInBytes) return std::unexpected(Malformed{});
     if (there.size() < lengthInBytes + length) return std::nullopt;
+    const auto kind = header.number<std::uint8_t>();
+    if (!isKnown(kind)) return std::unexpected(Malformed{});
     Frame frame;
-    frame.kind = static_cast<Kind>(header.number<std::uint8_t>());
-    if (!isKnown(frame.kind)) return std::unexpected(Malformed{});
+    frame.kind = static_cast<Kind>(kind);
     frame.session = header.number<std::uint32_t>();
     frame.payload = there.substr(lengthInBytes + headerInBytes, length - headerInBytes);
     begin_ += lengthInBytes + length;

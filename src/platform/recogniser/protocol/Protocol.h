@@ -24,26 +24,26 @@ inline constexpr std::size_t largestFrameInBytes = 1U << 20U;
 
 enum class Kind : std::uint8_t {
     // To the helper. `open` comes first and once; the rest as soon as it is answered.
-    open = 1, ///< which engine, and its settings
-    prepare,  ///< words: the next session will have them, so get ready
-    begin,    ///< words: a new session
-    audio,    ///< samples, the next ones of a session
-    end,      ///< no more samples follow
-    cancel,   ///< the session is given up; nothing more is to be said about it
+    open = 1,    ///< which engine, and its settings
+    prepare = 2, ///< words: the next session will have them, so get ready
+    begin = 3,   ///< words: a new session
+    audio = 4,   ///< samples, the next ones of a session
+    end = 5,     ///< no more samples follow
+    cancel = 6,  ///< the session is given up; nothing more is to be said about it
 
     // From the helper.
-    opened = 65, ///< text: why the model can't be used; empty if it can
-    alive,       ///< something takes long, but goes on
-    note,        ///< text for the log; nothing that was dictated
-    consumed,    ///< so many samples of a session have been worked through
-    piece,       ///< a piece of a session's text
-    ended        ///< text: why a session failed; empty if it is complete
+    opened = 65,   ///< text: why the model can't be used; empty if it can
+    alive = 66,    ///< something takes long, but goes on
+    note = 67,     ///< text for the log; nothing that was dictated
+    consumed = 68, ///< so many samples of a session have been worked through
+    piece = 69,    ///< a piece of a session's text
+    ended = 70     ///< text: why a session failed; empty if it is complete
 };
 
 struct Frame {
     Kind kind = Kind::alive;
     std::uint32_t session = 0; ///< 0 where none is meant
-    std::string payload = {};
+    std::string payload;
 };
 
 /// The payload of `open`.
@@ -59,7 +59,7 @@ struct OpenRequest {
 struct Piece {
     bool isFinal = false;
     std::uint64_t settled = 0;
-    std::string text = {};
+    std::string text;
 
     bool operator==(const Piece&) const = default;
 };

@@ -5,12 +5,10 @@
 #include <memory>
 #include <string>
 
-namespace querlin {
-
 /// What is used of sherpa-onnx, in declarations of our own: the library is found at run time, without
 /// headers. They hold for one version, and no other is loaded. All text is UTF-8; a null pointer or 0 means
 /// the default.
-namespace Sherpa {
+namespace querlin::Sherpa {
 
 inline constexpr auto version = "1.13.8";
 inline constexpr auto fileName = "libsherpa-onnx-c-api.so";
@@ -107,6 +105,4 @@ struct Functions {
 /// Loads the library, for good. The error is a German text.
 std::expected<Functions, std::string> load(const std::string& file);
 
-} // namespace Sherpa
-
-} // namespace querlin
+} // namespace querlin::Sherpa

@@ -18,7 +18,8 @@ constexpr auto heardAgain = static_cast<std::uint64_t>(1.2 * rate);
 
 void SherpaSession::accept(std::span<const std::int16_t> samples, const PieceSink& sink) {
     std::vector<float> floats(samples.size());
-    std::ranges::transform(samples, floats.begin(), [](std::int16_t sample) { return sample / loudest; });
+    std::ranges::transform(samples, floats.begin(),
+                           [](std::int16_t sample) { return static_cast<float>(sample) / loudest; });
     accepted_ += samples.size();
     feed(floats);
     decode(sink);
