@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string_view>
+
+namespace querlin {
+
+/// How the system answers when it is asked for a grant.
+enum class AuthorizationStatus : std::uint8_t {
+    notDetermined = 0,
+    restricted = 1,
+    denied = 2,
+    authorized = 3
+};
+
+/// The system's grants, as they stand. Any thread, unless said otherwise; every answer is fresh.
+class SystemAccess {
+public:
+    /// May come on any thread.
+    using Answer = std::function<void(bool granted)>;
+
+    virtual ~SystemAccess() = default;
+    virtual AuthorizationStatus microphoneStatus() = 0;
+    virtual AuthorizationStatus speechStatus() = 0;
+    /// Whether the keyboard may be listened to and other applications looked into.
+    virtual bool isProcessTrusted() = 0;
+
+    // Switching on what can be switched on. Main thread.
+    virtual void requestMicrophone(Answer answer) = 0;
+    virtual void requestSpeech(Answer answer) = 0;
+    /// Gives the trust at this moment.
+    virtual bool requestTrust() = 0;
+
+    /// Opens the settings where a grant is given, as far as the desktop has such; `pane` is the raw value of
+    /// `PermissionsManager::SettingsPane`. Main thread.
+    virtual void openSettings(std::string_view pane) = 0;
+
+    /// Whether another program has the keyboard for itself. Main thread.
+    virtual bool isSecureInputEnabled() = 0;
+    /// That program's process, where it can be told; 0 or less says nothing. Main thread.
+    virtual std::optional<std::int32_t> secureInputProcess() = 0;
+};
+
+} // namespace querlin

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace querlin {
+
+struct RunningApplication {
+    std::int32_t processIdentifier = 0;
+    /// As its users know it: "Thunderbird".
+    std::optional<std::string> localizedName;
+    /// The same at each start: "org.mozilla.Thunderbird".
+    std::optional<std::string> bundleIdentifier;
+
+    bool operator==(const RunningApplication&) const = default;
+};
+
+/// The applications of the desktop. Main thread; at once.
+class Workspace {
+public:
+    virtual ~Workspace() = default;
+    /// The one whose window has the keyboard.
+    virtual std::optional<RunningApplication> frontmostApplication() = 0;
+    /// The name of a running process's application.
+    virtual std::optional<std::string> applicationName(std::int32_t processIdentifier) = 0;
+};
+
+} // namespace querlin
