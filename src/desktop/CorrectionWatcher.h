@@ -1,6 +1,14 @@
 #pragma once
 
+#include "desktop/Accessibility.h"
+#include "desktop/Correction.h"
+#include "desktop/Permissions.h"
+#include "foundation/RepeatingTimer.h"
+#include "foundation/Runtime.h"
+
 #include <functional>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -17,14 +25,51 @@ struct CorrectionSuggestion {
     bool operator==(const CorrectionSuggestion&) const = default;
 };
 
-/// Looks at a field for a while after an insertion. Main thread only.
+/// Looks at a field for a while after an insertion, and proposes a word that the user puts right there. A
+/// change counts once it has been seen at two looks in a row. Main thread.
 class CorrectionWatcher {
 public:
-    virtual ~CorrectionWatcher() = default;
-    virtual void setOnSuggestion(std::function<void(CorrectionSuggestion)> onSuggestion) = 0;
-    /// Begins a watch; one that runs ends.
-    virtual void watch(std::string_view insertedText, std::string_view appName) = 0;
-    virtual void stop() = 0;
+    static constexpr Duration window = std::chrono::seconds(25);
+    static constexpr Duration interval = std::chrono::milliseconds(1500);
+
+    CorrectionWatcher(Runtime runtime, PermissionsManager& permissions, Accessibility& accessibility) :
+        runtime_(runtime), permissions_(permissions), accessibility_(accessibility) {}
+    CorrectionWatcher(const CorrectionWatcher&) = delete;
+    CorrectionWatcher& operator=(const CorrectionWatcher&) = delete;
+
+    void setOnSuggestion(std::function<void(CorrectionSuggestion)> onSuggestion) {
+        onSuggestion_ = std::move(onSuggestion);
+    }
+    /// Begins to watch the field with the focus; a watch that runs ends.
+    void watch(std::string_view insertedText, std::string_view appName);
+    void stop();
+
+    /// The text of a field of at most 4000 characters; nothing of a larger one.
+    static std::optional<std::string> stringValue(AccessibilityElement& element);
+    /// The second way to a field's text, by its length, which must be from 1 to 20000.
+    static std::optional<std::string> stringByRange(AccessibilityElement& element);
+
+private:
+    ElementPointer findElement();
+    void tick();
+    void look(const std::string& text);
+    void propose(const Correction& correction, const std::string& key);
+    std::optional<std::string> objection(const Correction& correction) const;
+
+    Runtime runtime_;
+    PermissionsManager& permissions_;
+    Accessibility& accessibility_;
+    std::function<void(CorrectionSuggestion)> onSuggestion_;
+
+    std::optional<RepeatingTimer> timer_;
+    Instant deadline_;
+    ElementPointer element_;
+    std::string insertedText_;
+    std::string baseline_;
+    std::string appName_;
+    /// "Meier→Mayer": what has been proposed in this watch.
+    std::set<std::string> alreadyReported_;
+    std::optional<Correction> pending_;
 };
 
 } // namespace querlin

@@ -37,12 +37,4 @@ constexpr bool wantsRawText(DictationContext::FieldKind kind) {
     return kind == DictationContext::FieldKind::search;
 }
 
-/// Tells the context of this moment.
-class ContextDetector {
-public:
-    virtual ~ContextDetector() = default;
-    /// At once and without side effects; what can't be found out is unknown. Main thread.
-    virtual DictationContext capture() = 0;
-};
-
 } // namespace querlin

@@ -1,6 +1,15 @@
 #pragma once
 
+#include "desktop/SystemAccess.h"
+#include "desktop/Workspace.h"
+#include "foundation/MainQueue.h"
+#include "foundation/RawValues.h"
+
+#include <array>
 #include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace querlin {
@@ -11,13 +20,56 @@ constexpr bool isGranted(PermissionState state) { return state == PermissionStat
 /// The case's name, as the diagnostics show it.
 std::string_view caseName(PermissionState state);
 
-/// What the user and the system let the program do. Every answer is read fresh.
+/// What the user and the system let the program do: the one place that reads and asks. It has no state; every
+/// answer is read fresh. Main thread.
 class PermissionsManager {
 public:
-    virtual ~PermissionsManager() = default;
-    virtual PermissionState microphoneState() = 0;
-    virtual PermissionState speechState() = 0;
-    virtual bool isAccessibilityTrusted() = 0;
+    enum class SettingsPane : std::uint8_t { microphone, speech, accessibility };
+
+    /// Who keeps the keyboard to himself.
+    struct SecureInputOwner {
+        std::int32_t processIdentifier = 0;
+        /// "PID 4711" where there is no better one.
+        std::string name;
+
+        bool operator==(const SecureInputOwner&) const = default;
+    };
+
+    PermissionsManager(MainQueue& queue, SystemAccess& access, Workspace& workspace) :
+        queue_(queue), access_(access), workspace_(workspace) {}
+
+    PermissionState microphoneState();
+    PermissionState speechState();
+    /// Granted or denied.
+    PermissionState accessibilityState();
+    bool isAccessibilityTrusted() { return access_.isProcessTrusted(); }
+    bool allGranted();
+
+    /// The answer comes on the main thread, behind this call.
+    void requestMicrophone(std::function<void(bool)> completion);
+    void requestSpeech(std::function<void(bool)> completion);
+    /// The trust at this moment; a later one shows in `isAccessibilityTrusted`.
+    bool requestAccessibility() { return access_.requestTrust(); }
+    void openSystemSettings(SettingsPane pane);
+
+    /// Whether another program gets the keys for itself alone.
+    bool isSecureInputEnabled() { return access_.isSecureInputEnabled(); }
+    std::optional<SecureInputOwner> secureInputOwner();
+
+private:
+    SystemAccess::Answer answer(std::function<void(bool)> completion);
+
+    MainQueue& queue_;
+    SystemAccess& access_;
+    Workspace& workspace_;
 };
+
+constexpr std::array<EnumRow<PermissionsManager::SettingsPane>, 3>
+enumRows(PermissionsManager::SettingsPane) {
+    using enum PermissionsManager::SettingsPane;
+    return {{{microphone, "Privacy_Microphone", ""},
+             {speech, "Privacy_SpeechRecognition", ""},
+             {accessibility, "Privacy_Accessibility", ""}}};
+}
 
 } // namespace querlin

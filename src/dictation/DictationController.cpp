@@ -33,15 +33,13 @@ DictationController::DictationController(Runtime runtime, DictationCollaborators
     auto& settings = with_.settings;
 
     with_.hotkey.update(settings.hotkey.get());
-    with_.hotkey.setCallbacks(lifetime_.onMain(queue, [this] { beginDictation(); }),
-                              lifetime_.onMain(queue, [this] { endDictation(); }));
+    with_.hotkey.setCallbacks([this] { beginDictation(); }, [this] { endDictation(); });
     with_.history.setRetentionDays(settings.historyRetentionDays.get());
     settingsSubscriptions_.push_back(settings.historyRetentionDays.subscribe(
         [this](std::int64_t days) { with_.history.setRetentionDays(days); }, FirstValue::Skip));
-    with_.correctionWatcher.setOnSuggestion(
-        lifetime_.onMain(queue, [this](const CorrectionSuggestion& suggestion) {
-            with_.windows.showCorrectionSuggestion(suggestion);
-        }));
+    with_.correctionWatcher.setOnSuggestion([this](const CorrectionSuggestion& suggestion) {
+        with_.windows.showCorrectionSuggestion(suggestion);
+    });
     settingsSubscriptions_.push_back(settings.hotkey.subscribe(
         [this](const HotkeyConfig& config) { with_.hotkey.update(config); }, FirstValue::Skip));
     with_.recorder.setPreferredDeviceUID(settings.inputDeviceUID.get());
@@ -58,6 +56,8 @@ DictationController::DictationController(Runtime runtime, DictationCollaborators
 
 DictationController::~DictationController() {
     // The collaborators live on: nothing of theirs may call back into what is going.
+    with_.hotkey.setCallbacks({}, {});
+    with_.correctionWatcher.setOnSuggestion({});
     with_.recorder.setOnBuffer({});
     tasks_.abandonAll();
 }

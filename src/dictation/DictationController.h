@@ -2,8 +2,8 @@
 
 #include "cleanup/EffectiveStyle.h"
 #include "cleanup/EnhancementCoordinator.h"
+#include "desktop/ContextDetector.h"
 #include "desktop/CorrectionWatcher.h"
-#include "desktop/DictationContext.h"
 #include "desktop/HotkeyManager.h"
 #include "desktop/Permissions.h"
 #include "desktop/SoundPlayer.h"

@@ -47,10 +47,10 @@ TEST(Controller, RefusalsShowTheirTextForTwoSeconds) {
         const char* reason;
     };
     const std::vector<Row> rows = {
-        {[](auto& w) { w.permissions.microphone = PermissionState::denied; }, "Mikrofon-Zugriff fehlt", 1, "microphone"},
-        {[](auto& w) { w.permissions.speech = PermissionState::notDetermined; }, "Spracherkennung nicht erlaubt", 1,
+        {[](auto& w) { w.access.microphone = AuthorizationStatus::denied; }, "Mikrofon-Zugriff fehlt", 1, "microphone"},
+        {[](auto& w) { w.access.speech = AuthorizationStatus::notDetermined; }, "Spracherkennung nicht erlaubt", 1,
          "speech right of the classic recogniser"},
-        {[](auto& w) { w.services.context.field = DictationContext::FieldKind::secure; }, "Passwortfeld – hier wird nicht eingefügt", 0,
+        {[](auto& w) { w.desktop.focus(DictationContext::FieldKind::secure); }, "Passwortfeld – hier wird nicht eingefügt", 0,
          "password field"},
         {[](auto& w) { w.services.script.beginError = TranscriptionError{TranscriptionError::Kind::unavailable, "kein Modell"}; },
          "Spracherkennung nicht verfügbar: kein Modell", 0, "recogniser"},
@@ -89,9 +89,9 @@ TEST(Controller, AFailedRecorderCancelsTheRecogniserAFailedRecogniserNot) {
 
 TEST(Controller, ErrorsLetAPressThroughNoticesDoNot) {
     DictationWorld w;
-    w.permissions.microphone = PermissionState::denied;
+    w.access.microphone = AuthorizationStatus::denied;
     w.press();
-    w.permissions.microphone = PermissionState::granted;
+    w.access.microphone = AuthorizationStatus::authorized;
     w.wait(seconds(1));
     w.press();
     EXPECT_EQ(w.phase(), Kind::recording);
@@ -118,7 +118,7 @@ TEST(Controller, ErrorsLetAPressThroughNoticesDoNot) {
 
 TEST(Controller, TheTimerOfAnEarlierErrorTakesTheLaterOne) {
     DictationWorld w;
-    w.permissions.microphone = PermissionState::denied;
+    w.access.microphone = AuthorizationStatus::denied;
     w.press();
     w.wait(seconds(2));
     w.press();
@@ -180,7 +180,7 @@ TEST(Controller, ChoosesTheRecogniserAndItsWords) {
     w.settings.legalVocabularyEnabled.set(false);
     w.settings.contextualLimit.set(2);
     w.settings.engine.set(TranscriptionEngine::speechAnalyzer);
-    w.permissions.speech = PermissionState::denied; // not asked for by the newer recogniser
+    w.access.speech = AuthorizationStatus::denied; // not asked for by the newer recogniser
     w.dictate("b");
     EXPECT_EQ(w.services.transcriber->contextual, (std::vector<std::string>{"Nießbrauch", "Querulanz"}));
     EXPECT_TRUE(w.log.has("[speech] SpeechAnalyzer nicht verfügbar – nutze Apple Speech."));
@@ -196,7 +196,7 @@ TEST(Controller, WithoutContextThereIsNoPasswordFieldAndNoProfile) {
     DictationWorld w;
     w.settings.contextAwareStyle.set(false);
     w.settings.appProfiles.set({{"com.example.mail", "Mail", WritingStyle::locker, false}});
-    w.services.context.field = DictationContext::FieldKind::secure;
+    w.desktop.focus(DictationContext::FieldKind::secure);
     w.press();
     EXPECT_EQ(w.phase(), Kind::recording);
     EXPECT_EQ(w.controller.context().get(), DictationContext());
@@ -206,40 +206,51 @@ TEST(Controller, WithoutContextThereIsNoPasswordFieldAndNoProfile) {
 
 TEST(Controller, TriesTheHotkeyEveryTwoSecondsUntilItWorks) {
     DictationWorld w;
-    w.hotkey.canStart = false;
-    w.permissions.accessibility = false;
+    w.keyboard.canTap = false;
+    w.access.trusted = false;
     w.controller.installHotkey();
     EXPECT_TRUE(w.controller.hotkeyBlocked().get());
     EXPECT_TRUE(w.log.has("[controller] Warte auf Bedienungshilfen, prüfe alle 2 s…"));
-    const int starts = w.hotkey.starts;
+    const auto starts = [&w] { return w.log.countOf("[hotkey] start() – "); };
+    const auto before = starts();
     w.wait(seconds(10));
-    EXPECT_EQ(w.hotkey.starts, starts) << "not tried while the permission is missing";
-    w.permissions.accessibility = true;
+    EXPECT_EQ(starts(), before) << "not tried while the permission is missing";
+    w.access.trusted = true;
     w.wait(seconds(4));
-    EXPECT_EQ(w.hotkey.starts, starts + 2);
-    w.hotkey.canStart = true;
+    EXPECT_EQ(starts(), before + 2);
+    w.keyboard.canTap = true;
     w.wait(seconds(2));
     EXPECT_FALSE(w.controller.hotkeyBlocked().get());
     w.wait(seconds(10));
-    EXPECT_EQ(w.hotkey.starts, starts + 3) << "the timer has stopped";
+    EXPECT_EQ(starts(), before + 3) << "the timer has stopped";
+    w.press();
+    EXPECT_EQ(w.phase(), Kind::recording);
 }
 
 TEST(Controller, PassesSettingsOn) {
     DictationWorld w;
     const HotkeyConfig combo{HotkeyConfig::Mode::holdCombo, ModifierKey::fn, ComboHotkey::controlSpace};
     w.settings.hotkey.set(combo);
-    EXPECT_EQ(w.hotkey.config, combo);
     w.settings.inputDeviceUID.set("usb-1");
-    w.press();
+    w.keyboard.send({KeyEventType::keyDown, VirtualKey::space, KeyFlag::control});
+    w.time.settle();
+    EXPECT_EQ(w.phase(), Kind::recording);
     EXPECT_EQ(w.audio.engines.front()->device, 7U);
-    w.release();
+    w.settings.hotkey.set(HotkeyConfig());
+    w.wait(seconds(5));
+    EXPECT_EQ(w.phase(), Kind::idle) << "the former key's hold has ended";
     w.dictate("Alter Eintrag");
     w.wait(std::chrono::days(8));
     w.settings.historyRetentionDays.set(7);
     EXPECT_TRUE(w.history.entries().empty());
-    w.watcher.suggest({"id", "falsch", "richtig", "Mail"});
-    w.time.settle();
-    EXPECT_EQ(w.windows.suggestions.size(), 1U);
+    w.settings.learnFromCorrections.set(true);
+    w.desktop.setText("Herr Meier kam");
+    w.stages.marks = false;
+    w.dictate("Herr Meier kam");
+    w.desktop.setText("Herr Mayer kam");
+    w.wait(seconds(3));
+    ASSERT_EQ(w.windows.suggestions.size(), 1U);
+    EXPECT_EQ(w.windows.suggestions[0].corrected, "Mayer");
 }
 
 TEST(Controller, SoundsFollowTheirSettings) {
@@ -249,7 +260,7 @@ TEST(Controller, SoundsFollowTheirSettings) {
     EXPECT_EQ(w.takeSounds(), Sounds{success});
     w.settings.playStopSound.set(false);
     w.dictate("a");
-    w.permissions.microphone = PermissionState::denied;
+    w.access.microphone = AuthorizationStatus::denied;
     w.press();
     EXPECT_TRUE(w.takeSounds().empty());
 }
@@ -264,7 +275,7 @@ TEST(Controller, TogglesAndWritesDiagnostics) {
     EXPECT_EQ(w.phase(), Kind::transcribing);
     EXPECT_TRUE(w.log.has("[menu] Aufnahme umschalten, Phase=Bereit"));
     EXPECT_TRUE(w.log.has("[menu] Aufnahme umschalten, Phase=Aufnehmen"));
-    EXPECT_TRUE(w.log.has("[diag] --- Diagnose ---\n  Hotkey: Attrappe\n  Mikrofon: granted\n"
+    EXPECT_TRUE(w.log.has("[diag] --- Diagnose ---\n  " + w.hotkey.diagnosticsSummary() + "\n  Mikrofon: granted\n"
                           "  Spracherkennung: granted\n  Phase: Aufnehmen\n  hotkeyBlocked: false\n"
                           "  Engine: appleSpeech, Sprache: de-DE\n  Mikrofon: Headset (verfügbar: 1)\n"
                           "  Diktate gesamt: 0, Wörter: 0\n  Gerettete Diktate vorhanden: false"));

@@ -80,7 +80,7 @@ TEST(Dictations, BecomeWhatAGuardianWouldHaveWritten) {
         w.settings.appProfiles.set({});
         w.settings.cleanupMode.set(dictation.mode);
         w.settings.dictationCommandsEnabled.set(dictation.appliesCommands);
-        if (dictation.isSearch) w.services.context.field = DictationContext::FieldKind::search;
+        if (dictation.isSearch) w.desktop.focus(DictationContext::FieldKind::search);
         w.dictate(dictation.raw);
         const auto delivered = w.inserter.delivered.empty() ? std::nullopt : std::optional(w.inserter.delivered.back());
         EXPECT_EQ(delivered, dictation.expected) << dictation.title;

@@ -82,7 +82,7 @@ TEST(Overlap, AnOlderRunDeliversAndBooksButLeavesTheNewerAlone) {
     w.wait(seconds(0.6)); // enhancing
     w.controller.cancelDictation();
     w.services.script.result = "neu";
-    w.services.context.appName = "Writer";
+    w.desktop.front->localizedName = "Writer";
     w.press();
     w.services.transcriber->partial("ne");
     w.time.settle();

@@ -20,7 +20,7 @@ TEST(Pipeline, StagesRunInTheirOrderUnderTheirConditions) {
         const char* engine;
         const char* reason;
     };
-    const auto search = [](DictationWorld& w) { w.services.context.field = DictationContext::FieldKind::search; };
+    const auto search = [](DictationWorld& w) { w.desktop.focus(DictationContext::FieldKind::search); };
     const auto local = [](DictationWorld& w) { w.settings.cleanupMode.set(CleanupMode::local); };
     const std::vector<Row> rows = {
         {[](auto&) {}, "a", "a·c·r·l·f·u", "Regelbasiert", "Aktenstil by rules"},
@@ -81,7 +81,7 @@ TEST(Pipeline, BooksADeliveredText) {
     ASSERT_EQ(w.history.entries().size(), 1U);
     EXPECT_EQ(w.history.entries()[0].appName, "Mail");
     EXPECT_EQ(contentOf(w.history.audioFile(w.history.entries()[0]).value()), "caff-Ton");
-    EXPECT_EQ(w.watcher.watched, (std::vector<std::string>{"Baustein Komma zwei"}));
+    EXPECT_EQ(w.log.countOf("[learn] Beobachte Korrekturen"), 1U);
     EXPECT_TRUE(w.recordings().empty());
     EXPECT_TRUE(w.log.has("[commands] angewandt: Komma, Punkt"));
     EXPECT_TRUE(w.log.has("[blocks] eingesetzt: Anhörung, Grußformel"));
@@ -93,7 +93,7 @@ TEST(Pipeline, BooksADeliveredText) {
     w.settings.learnFromCorrections.set(false);
     w.dictate("Noch eins");
     EXPECT_EQ(w.history.entries().size(), 1U);
-    EXPECT_EQ(w.watcher.watched.size(), 1U);
+    EXPECT_EQ(w.log.countOf("[learn] Beobachte Korrekturen"), 1U);
     EXPECT_EQ(w.statistics.dictationCount.get(), 2);
 }
 

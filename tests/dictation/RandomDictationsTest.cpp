@@ -27,7 +27,7 @@ public:
         w.inserter.next = insertResult();
         w.enhancer.fails = chance(0.1);
         w.stages.lawStageThrows = chance(0.02);
-        w.permissions.microphone = chance(0.02) ? PermissionState::denied : PermissionState::granted;
+        w.access.microphone = chance(0.02) ? AuthorizationStatus::denied : AuthorizationStatus::authorized;
         w.audio.format = chance(0.02) ? AudioFormat{} : AudioFormat{48000, 1};
         if (chance(0.03)) w.audio.nextStartError = "belegt";
         w.model.delay = seconds(between(0, 3));
@@ -53,6 +53,7 @@ public:
 
     void comeToRest() {
         world_.release();
+        world_.controller.endDictation(); // one that the menu began
         world_.wait(seconds(20));
         look();
         const bool failedStart = world_.recorder.recording() != nullptr; // kept until the next start

@@ -154,7 +154,7 @@ DictationCollaborators FakeSurroundings::collaborators() {
             .sounds = services,
             .hotkey = hotkey,
             .permissions = permissions,
-            .contextDetector = services,
+            .contextDetector = contextDetector,
             .inserter = inserter,
             .correctionWatcher = watcher,
             .systemSignals = signals,
@@ -180,12 +180,13 @@ DictationWorld::DictationWorld(TextWork textWork) : FakeSurroundings(time.runtim
 }
 
 void DictationWorld::press() {
-    hotkey.press();
+    if (hotkey.isHotkeyDown()) release();
+    keyboard.hold(true);
     time.settle();
 }
 
 void DictationWorld::release() {
-    hotkey.release();
+    keyboard.hold(false);
     time.settle();
 }
 

@@ -6,6 +6,7 @@
 #include "legal/LegalLookup.h"
 #include "support/CapturedLog.h"
 #include "support/FakeAudio.h"
+#include "support/FakeDesktop.h"
 #include "support/ManualTime.h"
 #include "support/TempFolder.h"
 
@@ -128,39 +129,6 @@ private:
     MainQueue& queue_;
 };
 
-class FakeHotkey final : public HotkeyManager {
-public:
-    void setCallbacks(std::function<void()> onPress, std::function<void()> onRelease) override {
-        press = std::move(onPress);
-        release = std::move(onRelease);
-    }
-    bool start() override {
-        ++starts;
-        return canStart;
-    }
-    void stop() override { ++stops; }
-    void update(const HotkeyConfig& newConfig) override { config = newConfig; }
-    std::string diagnosticsSummary() override { return "Hotkey: Attrappe"; }
-
-    std::function<void()> press;
-    std::function<void()> release;
-    bool canStart = true;
-    int starts = 0;
-    int stops = 0;
-    HotkeyConfig config;
-};
-
-class FakePermissions final : public PermissionsManager {
-public:
-    PermissionState microphoneState() override { return microphone; }
-    PermissionState speechState() override { return speech; }
-    bool isAccessibilityTrusted() override { return accessibility; }
-
-    PermissionState microphone = PermissionState::granted;
-    PermissionState speech = PermissionState::granted;
-    bool accessibility = true;
-};
-
 class FakeSignals final : public SystemSignals {
 public:
     Registration observe(Observer observer) override {
@@ -190,25 +158,13 @@ public:
     std::vector<std::string> notices;
 };
 
-class FakeWatcher final : public CorrectionWatcher {
-public:
-    void setOnSuggestion(std::function<void(CorrectionSuggestion)> callback) override { suggest = std::move(callback); }
-    void watch(std::string_view text, std::string_view) override { watched.emplace_back(text); }
-    void stop() override { ++stops; }
-
-    std::function<void(CorrectionSuggestion)> suggest;
-    std::vector<std::string> watched;
-    int stops = 0;
-};
-
-class FakeServices final : public TranscriberFactory, public ContextDetector, public SoundPlayer, public NotificationService {
+class FakeServices final : public TranscriberFactory, public SoundPlayer, public NotificationService {
 public:
     explicit FakeServices(MainQueue& queue) : queue_(queue) {}
 
     SystemVersion systemVersion() const override { return version; }
     std::shared_ptr<StreamingTranscriber> make(TranscriptionEngine engine) override;
     std::string locale(DictationLanguage language) const override { return std::string(rawValue(language)); }
-    DictationContext capture() override { return context; }
     void play(FeedbackSound sound) override { sounds.push_back(sound); }
     void requestAuthorization(AuthorizationAnswer answer) override {
         ++authorizationRequests;
@@ -221,7 +177,6 @@ public:
     std::shared_ptr<FakeTranscriber> transcriber; ///< the last one made
     std::vector<TranscriptionEngine> madeEngines;
     std::vector<std::string> transcripts; ///< all that were really handed out
-    DictationContext context{"Mail", "com.example.mail", DictationContext::FieldKind::multiLine};
     std::vector<FeedbackSound> sounds;
     int authorizationRequests = 0;
     std::expected<bool, std::string> authorization = true;
@@ -250,6 +205,9 @@ struct FakeSurroundings {
         services(runtime.mainQueue),
         recorder({runtime.mainQueue, recordingClock, audio, audioFiles, RecordingFolder(recordingsPath)}),
         vocabulary(base, runtime.background),
+        permissions(runtime.mainQueue, access, desktop),
+        hotkey(runtime.mainQueue, keyboard, permissions, settings.hotkey.get(), "/opt/querlin"),
+        watcher(runtime, permissions, desktop),
         inserter(runtime.mainQueue),
         enhancer(stages, runtime),
         realEnhancer(runtime),
@@ -271,6 +229,13 @@ struct FakeSurroundings {
     FakeAudioFiles audioFiles;
     AudioRecorder recorder;
     VocabularyProvider vocabulary; ///< reads the base folder
+    FakeKeyboard keyboard;
+    FakeAccess access;
+    FakeDesktop desktop;
+    PermissionsManager permissions;
+    HotkeyManager hotkey;
+    ContextDetector contextDetector{permissions, desktop, desktop};
+    CorrectionWatcher watcher;
     FakeInserter inserter;
     FakeStages stages;
     FakeEnhancer enhancer;
@@ -280,11 +245,8 @@ struct FakeSurroundings {
     FakeLanguageModel model;
     LocalFoundationEnhancer modelEnhancer{model};
     EnhancementCoordinator coordinator{settings, rules(), modelEnhancer};
-    FakeHotkey hotkey;
-    FakePermissions permissions;
     FakeSignals signals;
     FakeWindows windows;
-    FakeWatcher watcher;
     Notifier notifier{&services};
     RescueFolder rescueFolder;
     DictationRescue rescue{rescueFolder, inserter, notifier};
@@ -305,7 +267,7 @@ public:
     // Gestures; each settles.
     void press();
     void release();
-    /// Holds the key for a span and lets go.
+    /// Holds the key for a span and lets it go.
     void hold(Duration span);
     /// Moves time on.
     void wait(Duration span) { time.advance(span); }

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "desktop/ContextDetector.h"
+#include "desktop/PasteKey.h"
+#include "desktop/Pasteboard.h"
+#include "desktop/TextInserter.h"
+#include "foundation/Runtime.h"
+
+namespace querlin {
+
+/// What an insertion works with; all outlive it.
+struct PasteboardInserterParts {
+    Runtime runtime;
+    PermissionsManager& permissions;
+    ContextDetector& contextDetector;
+    Workspace& workspace;
+    Pasteboard& pasteboard;
+    PasteKey& pasteKey;
+};
+
+/// Inserts by way of the clipboard: saves what the user has there, puts the text there, presses the shortcut
+/// for pasting, looks whether the field has changed, and gives the user's clipboard back.
+///
+/// What the user has copied is given up in one case only: the field is as it was before. Then the text stays
+/// on the clipboard, to be pasted by hand. What the user copies while the text is on the clipboard is
+/// respected.
+class PasteboardInserter final : public TextInserter {
+public:
+    explicit PasteboardInserter(PasteboardInserterParts parts) : with_(parts) {}
+
+    Task<std::expected<Outcome, InsertError>> insert(std::string text) override;
+    void placeInPasteboard(std::string_view text) override;
+
+private:
+    /// The field at the cursor, and its text before the paste.
+    struct Target {
+        ElementPointer element;
+        std::optional<std::string> value;
+        PasteShortcut shortcut = PasteShortcut::standard;
+    };
+
+    Target look();
+    static Outcome compare(const Target& target);
+    Task<> letReadersFinish(const PasteboardOffer& offer, std::uint64_t readsBefore, Instant key);
+
+    PasteboardInserterParts with_;
+};
+
+} // namespace querlin

@@ -1,0 +1,170 @@
+#include "desktop/PasteboardInserter.h"
+#include "foundation/TaskGroup.h"
+#include "support/CapturedLog.h"
+#include "support/FakeDesktop.h"
+#include "support/ManualTime.h"
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+using Outcome = TextInserter::Outcome;
+using FieldKind = DictationContext::FieldKind;
+
+/// What a user may have copied: two items in several forms.
+const PasteboardSnapshot copied{
+    {{{"text/plain", "alt", ""}, {"application/x-own", std::string("\0\xFF", 2), "ATOM/32"}}, {{"image/png", "bild", ""}}}};
+const PasteboardSnapshot copiedLater{{{{"text/plain", "neu", ""}}}};
+
+struct InsertionTest : testing::Test {
+    CapturedLog log;
+    ManualTime time;
+    FakeAccess access;
+    FakeDesktop desktop;
+    FakePasteboard pasteboard{time};
+    FakePasteKey key;
+    PermissionsManager permissions{time, access, desktop};
+    ContextDetector detector{permissions, desktop, desktop};
+    PasteboardInserter inserter{{time.runtime(), permissions, detector, desktop, pasteboard, key}};
+    TaskGroup tasks;
+    std::optional<std::expected<Outcome, InsertError>> outcome;
+    Registration target_;
+
+    InsertionTest() {
+        pasteboard.contents = copied;
+        targetReadsAfter(seconds(0.01));
+    }
+    /// The program in front takes the clipboard's text this long after the key.
+    void targetReadsAfter(Duration delay) {
+        key.onPress = [this, delay] {
+            target_ = time.after(delay, [this] {
+                pasted = pasteboard.text();
+                if (pasteboard.offer->current) ++pasteboard.offer->reads;
+                if (desktop.field->attributes.contains("AXValue")) desktop.setText(pasted);
+            });
+        };
+    }
+    void begin(std::string text) {
+        outcome.reset();
+        const auto run = [](InsertionTest& t, std::string what) -> Task<> { t.outcome = co_await t.inserter.insert(std::move(what)); };
+        tasks.start(run(*this, std::move(text)));
+        time.settle();
+    }
+    std::expected<Outcome, InsertError> insert(std::string text) {
+        begin(std::move(text));
+        time.advance(seconds(4));
+        return outcome.value();
+    }
+
+    std::string pasted;
+};
+
+TEST_F(InsertionTest, GivesTheClipboardBackUnlessTheTextIsStillNeededThere) {
+    struct Row {
+        std::function<void(InsertionTest&)> given;
+        Outcome outcome;
+        PasteboardSnapshot left;
+        const char* reason;
+    };
+    const PasteboardSnapshot dictated{{{{"text/plain", "Hallo", ""}}}};
+    const std::vector<Row> rows = {
+        {[](auto&) {}, Outcome::inserted, copied, "all items, all forms"},
+        {[](auto& t) { t.pasteboard.contents = {}; }, Outcome::inserted, {}, "nothing was there"},
+        {[](auto& t) { t.key.onPress = [] {}; }, Outcome::notInserted, dictated, "the field is as it was"},
+        {[](auto& t) { t.key.works = false; }, Outcome::notInserted, dictated, "no key could be pressed"},
+        {[](auto& t) { t.desktop.focusOn(nullptr); }, Outcome::unconfirmed, copied, "no field known"},
+        {[](auto& t) { t.desktop.focus(FieldKind::secure); }, Outcome::unconfirmed, copied, "a field without a readable text"},
+        {[](auto& t) { t.key.onPress = [&t] { t.desktop.field->attributes.erase("AXValue"); }; }, Outcome::unconfirmed, copied,
+         "it has become unreadable"},
+    };
+    for (const auto& row : rows) {
+        desktop = FakeDesktop();
+        pasteboard.contents = copied;
+        key.works = true;
+        targetReadsAfter(seconds(0.01));
+        row.given(*this);
+        EXPECT_EQ(insert("Hallo"), row.outcome) << row.reason;
+        EXPECT_EQ(pasteboard.contents, row.left) << row.reason;
+    }
+    EXPECT_EQ(log.countOf("[insert] Einfügen nicht angekommen – Text bleibt in der Zwischenablage."), 2U);
+}
+
+TEST_F(InsertionTest, TouchesNothingWithoutPermissionOrText) {
+    EXPECT_EQ(insert(""), Outcome::inserted);
+    access.trusted = false;
+    EXPECT_EQ(insert("Hallo"), std::unexpected(InsertError::noAccessibilityPermission));
+    EXPECT_EQ(pasteboard.contents, copied);
+    EXPECT_TRUE(key.pressed.empty());
+}
+
+TEST_F(InsertionTest, KeepsItsTimes) {
+    pasteboard.captureDelay = seconds(0.2);
+    begin("Hallo");
+    time.advance(seconds(0.2));
+    EXPECT_EQ(pasteboard.text(), "Hallo");
+    EXPECT_EQ(pasteboard.history, ClipboardHistory::skip) << "a clipboard's history doesn't get dictated words";
+    time.advance(seconds(0.049));
+    EXPECT_TRUE(key.pressed.empty());
+    time.advance(seconds(0.001));
+    EXPECT_EQ(key.pressed.size(), 1U);
+    time.advance(seconds(0.549));
+    EXPECT_EQ(pasteboard.text(), "Hallo");
+    time.advance(seconds(0.001));
+    EXPECT_EQ(pasteboard.contents, copied);
+    EXPECT_EQ(outcome, Outcome::inserted);
+}
+
+TEST_F(InsertionTest, WaitsForASlowReaderButNotForever) {
+    desktop.focusOn(nullptr); // so that nobody knows of the text's arrival
+    for (const double late : {0.01, 0.05, 0.15, 0.4, 1.0, 1.9}) {
+        pasteboard.contents = copied;
+        targetReadsAfter(seconds(late));
+        EXPECT_EQ(insert("Hallo"), Outcome::unconfirmed);
+        EXPECT_EQ(pasted, "Hallo") << late;
+        EXPECT_EQ(pasteboard.contents, copied) << late;
+    }
+    key.onPress = [] {};
+    begin("Hallo");
+    time.advance(seconds(2.04));
+    EXPECT_EQ(pasteboard.text(), "Hallo");
+    time.advance(seconds(0.02));
+    EXPECT_EQ(pasteboard.contents, copied) << "nobody has read";
+
+    key.onPress = [this] { pasteboard.offer->reads = 1; };
+    begin("Hallo");
+    pasteboard.offer->beingRead = true;
+    time.advance(seconds(1));
+    EXPECT_EQ(pasteboard.text(), "Hallo") << "a second program is at it";
+    pasteboard.offer->beingRead = false;
+    time.advance(seconds(0.02));
+    EXPECT_EQ(pasteboard.contents, copied);
+}
+
+TEST_F(InsertionTest, RespectsWhatTheUserCopiesMeanwhile) {
+    begin("Hallo");
+    time.advance(seconds(0.4));
+    pasteboard.copy(copiedLater);
+    time.advance(seconds(3));
+    EXPECT_EQ(outcome, Outcome::inserted);
+    EXPECT_EQ(pasteboard.contents, copiedLater);
+}
+
+TEST_F(InsertionTest, TakesTheShortcutOfTheProgram) {
+    desktop.field->attributes["AXSubrole"] = std::string(AX::terminal);
+    insert("ls");
+    desktop.focusOn(nullptr);
+    insert("ls");
+    desktop.front->bundleIdentifier = "kitty";
+    insert("ls");
+    EXPECT_EQ(key.pressed, (std::vector{PasteShortcut::terminal, PasteShortcut::standard, PasteShortcut::terminal}));
+}
+
+TEST_F(InsertionTest, LeavesARescuedTextToTheUser) {
+    inserter.placeInPasteboard("gerettet");
+    EXPECT_EQ(pasteboard.text(), "gerettet");
+    EXPECT_EQ(pasteboard.history, ClipboardHistory::keep);
+}
+
+} // namespace
+} // namespace querlin

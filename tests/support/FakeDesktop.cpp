@@ -1,0 +1,90 @@
+#include "support/FakeDesktop.h"
+
+#include <cerrno>
+
+namespace querlin {
+
+// Keyboard
+
+std::unique_ptr<EventTap> FakeKeyboard::createTap(std::uint32_t eventMask, Handler handler) {
+    if (!canTap) return nullptr;
+    ++tapsMade;
+    return std::make_unique<Tap>(*this, eventMask, std::move(handler));
+}
+
+Registration FakeKeyboard::addMonitor(Handler handler) {
+    if (!canMonitor) return {};
+    monitor_ = std::move(handler);
+    return Registration([this] { monitor_ = nullptr; });
+}
+
+void FakeKeyboard::send(KeyEvent event) {
+    if (monitor_ && event.type == KeyEventType::flagsChanged) monitor_(event);
+    if (tap && tap->enabled) tap->handler(event);
+}
+
+// Elements
+
+std::expected<AccessibilityValue, AccessibilityError> FakeElement::attribute(std::string_view name) {
+    ++reads;
+    const auto found = attributes.find(name);
+    if (found == attributes.end()) return std::unexpected(-ENOENT);
+    return found->second;
+}
+
+std::expected<std::string, AccessibilityError> FakeElement::stringForRange(std::int64_t, std::int64_t) {
+    if (!rangeText) return std::unexpected(-ENOENT);
+    return *rangeText;
+}
+
+ElementPointer FakeDesktop::application(std::int32_t processIdentifier) {
+    return front && front->processIdentifier == processIdentifier ? ofApplication : std::make_shared<FakeElement>();
+}
+
+std::optional<std::string> FakeDesktop::applicationName(std::int32_t processIdentifier) {
+    const auto found = names.find(processIdentifier);
+    return found == names.end() ? std::nullopt : std::optional(found->second);
+}
+
+void FakeDesktop::focus(DictationContext::FieldKind kind) {
+    using enum DictationContext::FieldKind;
+    field = std::make_shared<FakeElement>();
+    if (kind != unknown) field->attributes["AXRole"] = std::string(kind == multiLine ? AX::textArea : AX::textField);
+    if (kind == secure) field->attributes["AXSubrole"] = std::string(AX::secureTextField);
+    if (kind == search) field->attributes["AXSubrole"] = std::string(AX::searchField);
+    if (kind != secure) setText("");
+    focusOn(field);
+}
+
+// Clipboard
+
+Task<PasteboardSnapshot> FakePasteboard::capture() {
+    if (captureDelay > Duration::zero()) co_await sleepFor(queue_, captureDelay);
+    co_return contents;
+}
+
+void FakePasteboard::copy(PasteboardSnapshot newContents) {
+    if (offer) offer->current = false;
+    history.reset();
+    contents = std::move(newContents);
+}
+
+void FakePasteboard::write(PasteboardSnapshot newContents) { copy(std::move(newContents)); }
+
+std::shared_ptr<PasteboardOffer> FakePasteboard::writeText(std::string_view text, ClipboardHistory newHistory) {
+    copy({{{{"text/plain", std::string(text), ""}}}});
+    history = newHistory;
+    offer = std::make_shared<Offer>();
+    return offer;
+}
+
+std::string FakePasteboard::text() const {
+    for (const auto& item : contents.items) {
+        for (const auto& data : item) {
+            if (data.type == "text/plain") return data.bytes;
+        }
+    }
+    return {};
+}
+
+} // namespace querlin

@@ -1,0 +1,169 @@
+#pragma once
+
+#include "desktop/Accessibility.h"
+#include "desktop/DictationContext.h"
+#include "desktop/KeyboardEvents.h"
+#include "desktop/PasteKey.h"
+#include "desktop/Pasteboard.h"
+#include "desktop/SystemAccess.h"
+#include "desktop/Workspace.h"
+#include "foundation/Waiting.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace querlin {
+
+/// A keyboard whose keys tests press. Taps hear at once.
+class FakeKeyboard final : public KeyboardEvents {
+public:
+    std::unique_ptr<EventTap> createTap(std::uint32_t eventMask, Handler handler) override;
+    Registration addMonitor(Handler handler) override;
+
+    void send(KeyEvent event);
+    /// Of the right option key, the hold key of a new installation.
+    void hold(bool down) {
+        send({KeyEventType::flagsChanged, VirtualKey::rightOption, down ? KeyFlag::alternate | KeyFlag::rightOptionDevice : 0});
+    }
+    bool isTapped() const { return tap != nullptr; }
+
+    class Tap;
+    bool canTap = true;
+    bool canMonitor = true;
+    Tap* tap = nullptr; ///< the last one, while it lives
+    int tapsMade = 0;
+
+private:
+    Handler monitor_;
+};
+
+class FakeKeyboard::Tap final : public EventTap {
+public:
+    Tap(FakeKeyboard& keyboard, std::uint32_t eventMask, Handler heard) : handler(std::move(heard)), mask(eventMask), keyboard_(keyboard) {
+        keyboard_.tap = this;
+    }
+    ~Tap() override {
+        if (keyboard_.tap == this) keyboard_.tap = nullptr;
+    }
+    void enable(bool newState) override {
+        enabled = newState;
+        ++enablings;
+    }
+    bool isEnabled() const override { return enabled; }
+
+    Handler handler;
+    std::uint32_t mask;
+    bool enabled = false;
+    int enablings = 0;
+
+private:
+    FakeKeyboard& keyboard_;
+};
+
+class FakeAccess final : public SystemAccess {
+public:
+    AuthorizationStatus microphoneStatus() override { return microphone; }
+    AuthorizationStatus speechStatus() override { return speech; }
+    bool isProcessTrusted() override { return trusted; }
+    void requestMicrophone(Answer answer) override { answer(microphone == AuthorizationStatus::authorized); }
+    void requestSpeech(Answer answer) override { answer(speech == AuthorizationStatus::authorized); }
+    bool requestTrust() override { return trusted; }
+    void openSettings(std::string_view pane) override { openedPanes.emplace_back(pane); }
+    bool isSecureInputEnabled() override { return secureInput; }
+    std::optional<std::int32_t> secureInputProcess() override { return secureProcess; }
+
+    AuthorizationStatus microphone = AuthorizationStatus::authorized;
+    AuthorizationStatus speech = AuthorizationStatus::authorized;
+    bool trusted = true;
+    bool secureInput = false;
+    std::optional<std::int32_t> secureProcess;
+    std::vector<std::string> openedPanes;
+};
+
+/// An element that has what its map says. What it lacks fails with -ENOENT.
+class FakeElement final : public AccessibilityElement {
+public:
+    std::expected<AccessibilityValue, AccessibilityError> attribute(std::string_view name) override;
+    std::expected<std::string, AccessibilityError> stringForRange(std::int64_t location, std::int64_t length) override;
+
+    std::map<std::string, AccessibilityValue, std::less<>> attributes;
+    std::optional<std::string> rangeText;
+    int reads = 0;
+};
+
+/// An application in front, Mail, with one field that has the focus.
+class FakeDesktop final : public Accessibility, public Workspace {
+public:
+    FakeDesktop() { focus(DictationContext::FieldKind::multiLine); }
+
+    ElementPointer systemWide() override { return whole; }
+    ElementPointer application(std::int32_t processIdentifier) override;
+    std::optional<RunningApplication> frontmostApplication() override { return front; }
+    std::optional<std::string> applicationName(std::int32_t processIdentifier) override;
+
+    /// A field of this kind, with its role and text, has the focus from now on.
+    void focus(DictationContext::FieldKind kind);
+    void setText(std::string text) { field->attributes["AXValue"] = std::move(text); }
+    /// The field that the desktop as a whole, or the application alone, calls the one with the focus.
+    void focusOn(ElementPointer element) { whole->attributes["AXFocusedUIElement"] = std::move(element); }
+
+    std::optional<RunningApplication> front = RunningApplication{4711, "Mail", "com.example.mail"};
+    std::map<std::int32_t, std::string> names{{4711, "Mail"}};
+    std::shared_ptr<FakeElement> whole = std::make_shared<FakeElement>();
+    std::shared_ptr<FakeElement> ofApplication = std::make_shared<FakeElement>();
+    std::shared_ptr<FakeElement> field;
+};
+
+/// A clipboard in memory, and what programs do with it.
+class FakePasteboard final : public Pasteboard {
+public:
+    class Offer;
+
+    explicit FakePasteboard(MainQueue& queue) : queue_(queue) {}
+    Task<PasteboardSnapshot> capture() override;
+    void write(PasteboardSnapshot newContents) override;
+    std::shared_ptr<PasteboardOffer> writeText(std::string_view text, ClipboardHistory newHistory) override;
+
+    /// The user copies something.
+    void copy(PasteboardSnapshot newContents);
+    /// What a program gets that pastes now.
+    std::string text() const;
+
+    PasteboardSnapshot contents;
+    std::optional<ClipboardHistory> history; ///< of the text that is there
+    std::shared_ptr<Offer> offer;            ///< the last one
+    Duration captureDelay{};
+
+private:
+    MainQueue& queue_;
+};
+
+class FakePasteboard::Offer final : public PasteboardOffer {
+public:
+    bool isCurrent() const override { return current; }
+    std::uint64_t completedReads() const override { return reads; }
+    bool isBeingRead() const override { return beingRead; }
+
+    bool current = true;
+    std::uint64_t reads = 0;
+    bool beingRead = false;
+};
+
+class FakePasteKey final : public PasteKey {
+public:
+    Task<bool> press(PasteShortcut shortcut) override {
+        pressed.push_back(shortcut);
+        if (works) onPress();
+        co_return works;
+    }
+
+    std::vector<PasteShortcut> pressed;
+    bool works = true;
+    /// What the program in front does.
+    std::function<void()> onPress = [] {};
+};
+
+} // namespace querlin
