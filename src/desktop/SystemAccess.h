@@ -15,7 +15,7 @@ enum class AuthorizationStatus : std::uint8_t {
     authorized = 3
 };
 
-/// The system's grants, as they stand. Any thread, unless said otherwise; every answer is fresh.
+/// The system's grants, as they stand; every answer is fresh. Main thread.
 class SystemAccess {
 public:
     /// May come on any thread.
@@ -27,19 +27,19 @@ public:
     /// Whether the keyboard may be listened to and other applications looked into.
     virtual bool isProcessTrusted() = 0;
 
-    // Switching on what can be switched on. Main thread.
+    // Switching on what can be switched on.
     virtual void requestMicrophone(Answer answer) = 0;
     virtual void requestSpeech(Answer answer) = 0;
     /// Gives the trust at this moment.
     virtual bool requestTrust() = 0;
 
     /// Opens the settings where a grant is given, as far as the desktop has such; `pane` is the raw value of
-    /// `PermissionsManager::SettingsPane`. Main thread.
+    /// `PermissionsManager::SettingsPane`.
     virtual void openSettings(std::string_view pane) = 0;
 
-    /// Whether another program has the keyboard for itself. Main thread.
+    /// Whether another program has the keyboard for itself.
     virtual bool isSecureInputEnabled() = 0;
-    /// That program's process, where it can be told; 0 or less says nothing. Main thread.
+    /// That program's process, where it can be told; 0 or less says nothing.
     virtual std::optional<std::int32_t> secureInputProcess() = 0;
 };
 
