@@ -1,6 +1,7 @@
 // One stage under random bytes, in clang's libFuzzer: the first byte picks options, the rest is the
 // text. The environment variable QUERLIN_FUZZ_STAGE names the stage.
 
+#include "HearingStages.h"
 #include "LegalStages.h"
 #include "Require.h"
 
@@ -192,6 +193,8 @@ constexpr auto targets = std::to_array<Target>({
     {"corpus", LegalStage::corpus},
     {"search", LegalStage::search},
     {"insertion", LegalStage::insertion},
+    {"frames", HearingStage::frames},
+    {"model", HearingStage::model},
 });
 
 const Target& chosenTarget() {

@@ -2,6 +2,8 @@
 
 #include "hear/Options.h"
 
+#include "shared/ShownLog.h"
+
 #include "foundation/OneShot.h"
 #include "foundation/RunLoop.h"
 #include "foundation/TaskGroup.h"
@@ -16,7 +18,6 @@
 #include "speech/LocalTranscribers.h"
 #include "speech/VocabularyProvider.h"
 #include "state/ApplicationPaths.h"
-#include "state/DiagnosticsLog.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -30,15 +31,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t framesPerBuffer = 2048;
-
-/// Shows the log's lines on standard error.
-class ShownLog final : public LogSink {
-public:
-    void write(std::string_view category, std::string_view message) override {
-        fmt::print(stderr, "[{}] {}\n", category, message);
-    }
-    void clear() override {}
-};
 
 /// Sound on its way into a transcriber; the end is told on the main queue.
 class Source {

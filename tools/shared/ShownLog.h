@@ -1,0 +1,20 @@
+#pragma once
+
+#include "state/DiagnosticsLog.h"
+
+#include <cstdio>
+
+#include <fmt/format.h>
+
+namespace querlin {
+
+/// Shows the log's lines in the terminal.
+class ShownLog final : public LogSink {
+public:
+    void write(std::string_view category, std::string_view message) override {
+        fmt::print(stderr, "[{}] {}\n", category, message);
+    }
+    void clear() override {}
+};
+
+} // namespace querlin
