@@ -12,6 +12,7 @@
 #include "speech/AppleSpeechTranscriber.h"
 #include "speech/AudioRecorder.h"
 #include "speech/SpeechAnalyzerTranscriber.h"
+#include "support/Desktop.h"
 #include "support/SoundServer.h"
 
 #include <algorithm>
@@ -99,14 +100,10 @@ struct Hearing : testing::Test {
         return text;
     }
     bool hasHeard(std::span<const float> samples) {
-        for (int i = 0; i < 500; ++i) {
-            {
-                const std::scoped_lock guard(service.lock);
-                if (!std::ranges::search(service.heard, samples).empty()) return true;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return false;
+        return eventually([&] {
+            const std::scoped_lock guard(service.lock);
+            return !std::ranges::search(service.heard, samples).empty();
+        });
     }
     std::vector<float> recorded() { return AvFileReader().read(recorder.recording()->audio(), format).value().samples; }
 

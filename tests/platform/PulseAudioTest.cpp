@@ -1,8 +1,8 @@
 // Microphones of a real sound server, with all that can befall them.
 
 #include "platform/pulse/PulseAudio.h"
-#include "foundation/RunLoop.h"
 #include "speech/AudioDevices.h"
+#include "support/Desktop.h"
 #include "support/SoundServer.h"
 
 #include <algorithm>
@@ -24,11 +24,6 @@ std::vector<float> noise(std::size_t count) {
     std::vector<float> samples(count);
     for (auto& sample : samples) sample = static_cast<float>(value(random)) / 32768.0F;
     return samples;
-}
-
-bool eventually(const std::function<bool()>& reached) {
-    for (int i = 0; i < 500 && !reached(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return reached();
 }
 
 /// What a tap has got, from its thread.
@@ -82,25 +77,10 @@ struct PulseAudioTest : testing::Test {
         const auto started = engine.start();
         ASSERT_TRUE(started) << started.error();
     }
-    /// Serves the main queue until the engine tells of a change; false if it doesn't in five seconds.
     bool changeComes(int& changes) {
         const auto before = changes;
-        const auto deadline = loop.after(seconds(5), [this] { loop.quit(); });
-        const auto look = [&](auto& self) -> void {
-            if (changes > before) {
-                loop.quit();
-            } else {
-                poll_ = loop.after(seconds(0.005), [&self] { self(self); });
-            }
-        };
-        look(look);
-        loop.run();
-        poll_.reset();
-        return changes > before;
+        return serveUntil(loop, [&] { return changes > before; });
     }
-
-private:
-    Registration poll_;
 };
 
 TEST_F(PulseAudioTest, ListsMicrophonesAndNoMonitors) {

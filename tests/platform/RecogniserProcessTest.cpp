@@ -5,6 +5,7 @@
 #include "foundation/Utf8.h"
 #include "platform/recogniser/RecogniserProcess.h"
 #include "support/CapturedLog.h"
+#include "support/Desktop.h"
 #include "support/TempFolder.h"
 
 #include <algorithm>
@@ -109,7 +110,7 @@ protected:
     /// Kills the helper that runs now, or a moment from now.
     static pid_t killHelper(const RecogniserProcess& process, int signal = SIGKILL) {
         pid_t id = -1;
-        for (int i = 0; i < 5000 && (id = process.helper()) < 0; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        eventually([&] { return (id = process.helper()) >= 0; });
         ::kill(id, signal);
         return id;
     }
@@ -182,7 +183,7 @@ TEST_F(RecogniserProcessTest, ASecondDeathEndsTheSessionAndNoOther) {
     first.play(sentence, 0, 2.5);
     ASSERT_TRUE(first.listener.waitForText());
     const auto former = killHelper(process);
-    while (process.helper() == former || process.helper() < 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    ASSERT_TRUE(eventually([&] { return process.helper() != former && process.helper() >= 0; }));
     Run second(process);
     second.play(sentence, 0, 3);
     ASSERT_TRUE(second.listener.waitForText());

@@ -8,6 +8,7 @@
 #include "platform/sherpa/StreamingService.h"
 #include "platform/sherpa/engine/Hotwords.h"
 #include "support/CapturedLog.h"
+#include "support/Desktop.h"
 #include "support/TempFolder.h"
 #include "support/WordErrorRate.h"
 
@@ -224,8 +225,7 @@ protected:
     }
     /// Until the helper has said what it thinks of a model.
     static bool becomes(bool isHere, StreamingService& service) {
-        for (int i = 0; i < 5000 && service.isHere() != isHere; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        return service.isHere() == isHere;
+        return eventually([&] { return service.isHere() == isHere; });
     }
 
     static constexpr auto said = "ich bitte um Rückmeldung bis Montag";
@@ -370,7 +370,7 @@ TEST_F(StreamingRecognitionTest, TakesTheFirstModelThatWorks) {
     install("C englisch");
     writeFile(folder / "Modelle" / "C englisch" / "MODELL.json", R"({"language": "en"})");
     service->preload();
-    for (int i = 0; i < 5000 && service->models()[1].model; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    eventually([&] { return !service->models()[1].model; });
     EXPECT_EQ(service->models()[0].model.error(), "encoder.onnx ist unvollständig; bitte neu herunterladen.");
     EXPECT_EQ(service->models()[1].model.error(), "Das Modell lässt sich nicht laden.");
     EXPECT_TRUE(hear(*service, sentence).text.ends_with("montag"));
