@@ -1,0 +1,57 @@
+#pragma once
+
+#include "desktop/Accessibility.h"
+#include "platform/atspi/AtspiTree.h"
+#include "platform/atspi/FocusTracker.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+
+namespace querlin {
+
+/// Other applications' elements by the accessibility bus (AT-SPI 2). Toolkits show their trees from the
+/// moment on at which this is made; some only to programs that start later. Main thread.
+///
+/// Nothing here waits for long: a call 100 ms at most, an application that has let one wait isn't asked again
+/// for a second, a search 150 ms.
+class AtspiAccessibility final : public Accessibility {
+public:
+    /// `frontProcess` tells whose window has the keyboard: the focus of another application is none.
+    explicit AtspiAccessibility(std::function<std::optional<std::int32_t>()> frontProcess);
+    ~AtspiAccessibility() override;
+
+    ElementPointer systemWide() override;
+    ElementPointer application(std::int32_t processIdentifier) override;
+
+    /// Whether the accessibility bus is there. At the first time it waits for it, half a second at most.
+    bool isAvailable();
+    /// Whether it is there now; if not, it is tried again at once, which shows a moment later.
+    bool requestEnable();
+
+private:
+    class Element;
+    class Root;
+
+    std::optional<std::string> busAddress();
+    AtspiTree* tree();
+    std::optional<AtspiReference> trackedFocus();
+    std::optional<AtspiReference> searchedFocus(std::int32_t process);
+    bool belongsTo(const AtspiReference& element, std::int32_t process);
+    void hint(std::int32_t process, std::string_view what);
+
+    std::function<std::optional<std::int32_t>()> frontProcess_;
+    FocusTracker tracker_;
+    std::string address_;
+    std::unique_ptr<AtspiBus> bus_;
+    std::unique_ptr<AtspiTree> tree_;
+    Instant nextAttempt_{};
+    bool hasWaited_ = false;
+    std::map<std::string, std::int32_t> processes_; ///< of names on the bus
+    std::set<std::int32_t> hinted_;                 ///< processes that have been complained about
+};
+
+} // namespace querlin

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "foundation/Release.h"
+#include "foundation/Time.h"
+
+#include <compare>
+#include <cstdint>
+#include <expected>
+#include <map>
+#include <memory>
+#include <string>
+
+#include <systemd/sd-bus.h>
+
+namespace querlin {
+
+using AtspiConnection = std::unique_ptr<sd_bus, Release<sd_bus_close_unref>>;
+using AtspiMessage = std::unique_ptr<sd_bus_message, Release<sd_bus_message_unref>>;
+
+/// An element of some application: the application's name on the bus, and the element's path in it.
+struct AtspiReference {
+    std::string name;
+    std::string path;
+
+    auto operator<=>(const AtspiReference&) const = default;
+};
+
+namespace AtspiInterface {
+constexpr auto accessible = "org.a11y.atspi.Accessible";
+constexpr auto text = "org.a11y.atspi.Text";
+constexpr auto registry = "org.a11y.atspi.Registry";
+constexpr auto properties = "org.freedesktop.DBus.Properties";
+} // namespace AtspiInterface
+
+/// Where all applications of the accessibility bus hang.
+inline const AtspiReference atspiRoot{"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"};
+
+/// A connection to a bus on which each call waits for a limited time only. Of one thread. Errors are negative
+/// numbers of the system (-ETIMEDOUT, -ENOTCONN, …).
+class AtspiBus {
+public:
+    /// The bus of the user's login.
+    static std::expected<AtspiBus, int> openSession(Duration longest);
+    static std::expected<AtspiBus, int> open(const std::string& address, Duration longest);
+
+    sd_bus* get() const { return connection_.get(); }
+    bool isLost() const { return sd_bus_is_open(get()) <= 0; }
+
+    /// Calls a method with its arguments, as `types` names them, and waits for the answer. An application
+    /// that has let a call wait in vain isn't asked again for a second.
+    template<class... Arguments>
+    std::expected<AtspiMessage, int> call(const AtspiReference& of, const char* interface, const char* member,
+                                          Duration longest, const char* types = "", Arguments... arguments) {
+        sd_bus_message* made = nullptr;
+        const int fault =
+            sd_bus_message_new_method_call(get(), &made, of.name.c_str(), of.path.c_str(), interface, member);
+        if (fault < 0) return std::unexpected(fault);
+        const AtspiMessage message(made);
+        const int appended = sd_bus_message_append(made, types, arguments...);
+        if (appended < 0) return std::unexpected(appended);
+        return send(of.name, made, longest);
+    }
+
+private:
+    explicit AtspiBus(AtspiConnection connection) : connection_(std::move(connection)) {}
+    static std::expected<AtspiBus, int> whenReady(AtspiConnection connection, Duration longest);
+    std::expected<AtspiMessage, int> send(const std::string& name, sd_bus_message* message, Duration longest);
+
+    AtspiConnection connection_;
+    std::map<std::string, Instant> hung_; ///< who isn't asked before then
+};
+
+} // namespace querlin
