@@ -1,0 +1,86 @@
+#include "platform/x11/X11Workspace.h"
+
+#include "platform/x11/ActiveWindow.h"
+#include "state/DiagnosticsLog.h"
+
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include <fmt/format.h>
+
+namespace querlin {
+
+namespace {
+
+constexpr Duration longestAnswer = std::chrono::milliseconds(250);
+constexpr Duration betweenAttempts = std::chrono::seconds(1);
+
+std::string capitalised(std::string name) {
+    if (!name.empty() && name.front() >= 'a' && name.front() <= 'z')
+        name.front() = static_cast<char>(name.front() - 'a' + 'A');
+    return name;
+}
+
+std::optional<std::string> given(std::string text) {
+    return text.empty() ? std::nullopt : std::optional(std::move(text));
+}
+
+} // namespace
+
+X11Workspace::X11Workspace(std::string display) :
+    display_(std::move(display)), reading_([this] {
+        names_ = std::make_unique<const ApplicationNames>(ApplicationNames::installed());
+        areNamesRead_ = true;
+    }) {}
+
+X11Workspace::~X11Workspace() { reading_.join(); }
+
+bool X11Workspace::connect() {
+    if (connection_ && connection_->drain()) return true;
+    atoms_.reset();
+    connection_.reset();
+    const auto now = std::chrono::steady_clock::now();
+    if (now < nextAttempt_) return false;
+    auto connection = XcbConnection::open(display_, longestAnswer);
+    if (!connection) {
+        if (nextAttempt_ == Instant())
+            DiagnosticsLog::note(
+                "context",
+                fmt::format("Die Anwendung im Vordergrund ist nicht zu erfahren: {}", connection.error()));
+        nextAttempt_ = now + betweenAttempts;
+        return false;
+    }
+    nextAttempt_ = {};
+    connection_ = std::move(*connection);
+    atoms_ = std::make_unique<XcbAtoms>(*connection_);
+    return true;
+}
+
+std::optional<RunningApplication> X11Workspace::frontmostApplication() {
+    if (!connect()) return std::nullopt;
+    const auto window = ActiveWindow::look(*connection_, *atoms_);
+    if (!window) return std::nullopt;
+    const auto& identifier =
+        window->applicationIdentifier.empty() ? window->className : window->applicationIdentifier;
+    const auto* known = names();
+    auto name = known ? known->ofIdentifier(identifier) : std::nullopt;
+    if (!name && known) name = known->ofIdentifier(window->className);
+    if (!name) name = given(capitalised(window->className));
+    return RunningApplication{window->processIdentifier, std::move(name), given(identifier)};
+}
+
+std::optional<std::string> X11Workspace::applicationName(std::int32_t processIdentifier) {
+    const auto folder = std::filesystem::path(fmt::format("/proc/{}", processIdentifier));
+    std::string command;
+    std::ifstream file(folder / "comm");
+    if (!std::getline(file, command) || command.empty()) return std::nullopt;
+    const auto* known = names();
+    std::error_code fault; // Of a foreign process the file isn't told; then its short name has to do.
+    const auto executable = std::filesystem::read_symlink(folder / "exe", fault).filename().string();
+    auto name = known ? known->ofExecutable(executable) : std::nullopt;
+    if (!name && known) name = known->ofExecutable(command);
+    return name ? std::move(name) : capitalised(command);
+}
+
+} // namespace querlin

@@ -1,0 +1,307 @@
+// The clipboard of a real X server among other programs' manners.
+
+#include "ClipboardClient.h"
+#include "OwnServer.h"
+
+#include "platform/x11/SelectionForms.h"
+#include "platform/x11/X11Pasteboard.h"
+#include "support/CapturedLog.h"
+#include "support/Desktop.h"
+#include "support/TempFolder.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+std::string randomBytes(std::size_t count, std::uint32_t seed) {
+    std::string bytes(count, '\0');
+    for (auto& byte : bytes) {
+        seed = seed * 1664525U + 1013904223U;
+        byte = static_cast<char>(seed >> 24U);
+    }
+    return bytes;
+}
+
+/// What an office program offers: text, its own forms, numbers of 16 and 32 bits, pictures, nothing at all.
+PasteboardSnapshot::Item officeForms() {
+    PasteboardSnapshot::Item item = {{"UTF8_STRING", "Äpfel 👍🏽", "UTF8_STRING/8"},
+                                     {"text/plain;charset=utf-8", "Äpfel 👍🏽", "text/plain;charset=utf-8/8"},
+                                     {"STRING", "\xC4pfel", "STRING/8"},
+                                     {"text/html", "<b>Äpfel</b>", "text/html/8"},
+                                     {"application/x-numbers", randomBytes(400, 1), "INTEGER/32"},
+                                     {"application/x-short", randomBytes(6, 2), "CARDINAL/16"},
+                                     {"application/x-atoms", std::string("\1\0\0\0\2\0\0\0", 8), "ATOM/32"},
+                                     {"application/x-nul", std::string("\0a\0\xFF", 4), "application/x-nul/8"},
+                                     {"application/x-empty", "", "application/x-empty/8"},
+                                     {"application/x-edge", randomBytes(256UZ * 1024, 3), "application/x-edge/8"},
+                                     {"application/x-pieces", randomBytes(700'001, 4), "other/type/8"},
+                                     {"application/x-words", randomBytes(600'000, 5), "CARDINAL/32"}};
+    for (std::uint32_t i = 0; i < 9; ++i) {
+        const auto type = fmt::format("application/x-office;number=\"{}\"", i);
+        item.push_back({type, randomBytes(997UZ * i, i), type + "/8"});
+    }
+    item.push_back({"image/png", randomBytes(300'000, 6), "image/png/8"});
+    return item;
+}
+
+TEST(SelectionFormsTest, KeepTypeAndWidth) {
+    using SelectionForms::Form;
+    const std::vector<std::pair<PasteboardData, Form>> table = {
+        {{"a", "12345678", "ATOM/32"}, {"ATOM", 32}},
+        {{"a", "1234", "text/html/16"}, {"text/html", 16}},
+        {{"a", "123", "ATOM/32"}, {"a", 8}}, // no whole elements
+        {{"a", "1234", "ATOM/24"}, {"a", 8}},
+        {{"text/html", "x", ""}, {"text/html", 8}},
+        {{"a", "x", "/8"}, {"a", 8}},
+    };
+    for (const auto& [data, form] : table) EXPECT_EQ(SelectionForms::of(data), form) << data.form;
+}
+
+TEST(SelectionFormsTest, AsksForTextFirstAndOneImageBeforeOthers) {
+    const std::vector<std::string> targets = {"TARGETS", "image/bmp", "image/png", "x/y", "UTF8_STRING", "image/jpeg", "MULTIPLE"};
+    const auto order = SelectionForms::order(targets);
+    EXPECT_EQ(order.principal, (std::vector<std::size_t>{4, 3, 2}));
+    EXPECT_EQ(order.further, (std::vector<std::size_t>{1, 5}));
+}
+
+TEST(SelectionFormsTest, WritesLatin1WhereItCan) {
+    EXPECT_EQ(SelectionForms::latin1("Übung ÿ\n"), "\xDC"
+                                                   "bung \xFF\n");
+    for (const auto* text : {"5 €", "👍", "Ā", "a\xC3"}) EXPECT_EQ(SelectionForms::latin1(text), std::nullopt) << text;
+}
+
+struct ClipboardTest : testing::Test {
+    CapturedLog log;
+    RunLoop loop;
+    X11Pasteboard pasteboard{loop};
+
+    PasteboardSnapshot capture() { return await(loop, pasteboard.capture()); }
+    std::shared_ptr<PasteboardOffer> copy(const std::string& text, ClipboardHistory history = ClipboardHistory::keep) {
+        return pasteboard.writeText(text, history);
+    }
+};
+
+double secondsSince(Instant begun) { return inSeconds(std::chrono::steady_clock::now() - begun); }
+
+TEST_F(ClipboardTest, GivesEveryFormBackAsItWas) {
+    const auto forms = officeForms();
+    ASSERT_EQ(forms.size(), 22U);
+    PasteboardSnapshot snapshot;
+    {
+        const CopyingProgram office(forms);
+        snapshot = capture();
+    }
+    EXPECT_EQ(snapshot, PasteboardSnapshot{{forms}});
+    EXPECT_TRUE(capture().isEmpty()) << "the program has gone, and its clipboard with it";
+    pasteboard.write(snapshot);
+    EXPECT_EQ(capture(), snapshot) << "our own";
+    PastingProgram program;
+    EXPECT_EQ(program.targets().size(), forms.size() + 4);
+    for (const auto& data : forms) {
+        const auto form = SelectionForms::of(data);
+        const auto read = program.read(data.type);
+        ASSERT_TRUE(read) << data.type;
+        EXPECT_EQ(read->bytes, data.bytes) << data.type;
+        EXPECT_EQ(program.typeName(*read), form.type);
+        EXPECT_EQ(read->format, form.format);
+    }
+    EXPECT_EQ(program.readMultiple({"UTF8_STRING", "no/such", "text/html"}), (std::vector<std::string>{"Äpfel 👍🏽", "", "<b>Äpfel</b>"}));
+    EXPECT_EQ(program.read("no/such"), std::nullopt);
+    EXPECT_EQ(program.read("UTF8_STRING", SIZE_MAX, 1), std::nullopt) << "a key that was pressed before these contents were there";
+    EXPECT_EQ(log.lines(), std::vector<std::string>());
+}
+
+TEST_F(ClipboardTest, CarriesLargeImagesInPieces) {
+    const PasteboardSnapshot::Item image = {{"image/png", randomBytes(30'000'000, 7), "image/png/8"}};
+    PasteboardSnapshot snapshot;
+    const auto begun = std::chrono::steady_clock::now();
+    {
+        const CopyingProgram owner(image, {.largestPiece = 1'000'000});
+        snapshot = capture();
+    }
+    EXPECT_LT(secondsSince(begun), 2);
+    EXPECT_TRUE(snapshot == PasteboardSnapshot{{image}});
+    pasteboard.write(snapshot);
+    PastingProgram first;
+    PastingProgram second;
+    PastingProgram gone;
+    EXPECT_TRUE(gone.read("image/png", 3));
+    gone.destroyWindow();
+    std::optional<XcbProperty> read;
+    std::thread reader([&] { read = second.read("image/png"); });
+    EXPECT_TRUE(first.read("image/png")->bytes == image.front().bytes);
+    reader.join();
+    EXPECT_TRUE(read && read->bytes == image.front().bytes);
+    EXPECT_EQ(log.lines(), std::vector<std::string>());
+}
+
+TEST_F(ClipboardTest, LeavesOutWhatDoesNotComeInTime) {
+    PasteboardSnapshot::Item forms = {{"image/bmp", "b", "image/bmp/8"},   {"image/png", "p", "image/png/8"},
+                                      {"image/jpeg", "j", "image/jpeg/8"}, {"image/tiff", "t", "image/tiff/8"},
+                                      {"x/slow", "s", "x/slow/8"},         {"UTF8_STRING", "Text", "UTF8_STRING/8"}};
+    const CopyingProgram owner(forms, {.unanswered = {"x/slow"}, .perImage = std::chrono::milliseconds(250)});
+    const auto begun = std::chrono::steady_clock::now();
+    const auto snapshot = capture();
+    EXPECT_LT(secondsSince(begun), 2);
+    EXPECT_EQ(snapshot, (PasteboardSnapshot{{{forms[1], forms[5]}}})) << "the text, and one image";
+    EXPECT_TRUE(log.has("[clipboard] 4 von 6 Formen der Zwischenablage blieben aus."));
+}
+
+TEST_F(ClipboardTest, TakesAnOwnerThatNeverAnswersForEmpty) {
+    const CopyingProgram owner(officeForms(), {.unanswered = {"TARGETS"}});
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_TRUE(capture().isEmpty());
+    EXPECT_LT(secondsSince(begun), 0.8);
+    EXPECT_EQ(log.countOf("antwortet nicht"), 1U);
+}
+
+TEST_F(ClipboardTest, KeepsWhatADyingOwnerHasGiven) {
+    const auto forms = officeForms();
+    const CopyingProgram owner(forms, {.diesAfter = 5});
+    const auto begun = std::chrono::steady_clock::now();
+    const auto snapshot = capture();
+    EXPECT_LT(secondsSince(begun), 0.5) << "nobody is waited for";
+    ASSERT_EQ(snapshot.items.size(), 1U);
+    EXPECT_EQ(snapshot.items[0], (PasteboardSnapshot::Item(forms.begin(), forms.begin() + 4)));
+    EXPECT_TRUE(log.has("[clipboard] 18 von 22 Formen der Zwischenablage blieben aus."));
+}
+
+TEST_F(ClipboardTest, ReadsTheNewOwnerIfItChangesMeanwhile) {
+    const PasteboardSnapshot::Item old = {{"UTF8_STRING", "alt", "UTF8_STRING/8"}, {"x/never", "", "x/never/8"}};
+    const PasteboardSnapshot::Item fresh = {{"UTF8_STRING", "neu", "UTF8_STRING/8"}};
+    const CopyingProgram former(old, {.unanswered = {"x/never"}});
+    std::optional<CopyingProgram> latter;
+    std::thread copies([&] {
+        eventually([&] { return former.answers() == 2; });
+        latter.emplace(fresh);
+    });
+    EXPECT_EQ(capture(), PasteboardSnapshot{{fresh}});
+    copies.join();
+}
+
+TEST_F(ClipboardTest, LeavesOutAFormThatIsRefusedOrBreaksOff) {
+    const PasteboardSnapshot::Item forms = {
+        {"UTF8_STRING", "Text", "UTF8_STRING/8"}, {"x/refused", "x", "x/refused/8"}, {"x/broken", std::string(900'000, 'x'), "x/broken/8"}};
+    const CopyingProgram owner(forms, {.refused = {"x/refused"}, .stopsAfterPieces = 2});
+    EXPECT_EQ(capture(), (PasteboardSnapshot{{{forms[0]}}}));
+    EXPECT_TRUE(log.has("[clipboard] 1 von 2 Formen der Zwischenablage blieben aus."));
+}
+
+TEST_F(ClipboardTest, CountsWhoHasTakenTheText) {
+    const auto offer = copy("Diktat 5 €", ClipboardHistory::skip);
+    EXPECT_TRUE(offer->isCurrent());
+    PastingProgram history;
+    PastingProgram editor;
+    EXPECT_EQ(history.targets(), (std::vector<std::string>{"TARGETS", "TIMESTAMP", "MULTIPLE", "UTF8_STRING", "text/plain;charset=utf-8",
+                                                           "text/plain", "TEXT", "x-kde-passwordManagerHint"}));
+    EXPECT_TRUE(offer->isBeingRead());
+    EXPECT_EQ(history.read("x-kde-passwordManagerHint")->bytes, "secret");
+    EXPECT_FALSE(offer->isBeingRead()) << "it leaves the text alone";
+    (void)editor.targets();
+    EXPECT_TRUE(offer->isBeingRead());
+    EXPECT_EQ(offer->completedReads(), 0U);
+    EXPECT_EQ(editor.read("UTF8_STRING")->bytes, "Diktat 5 €");
+    EXPECT_TRUE(eventually([&] { return offer->completedReads() == 1 && !offer->isBeingRead(); }));
+    EXPECT_EQ(shell("xclip -selection clipboard -o"), "Diktat 5 €");
+    EXPECT_GE(offer->completedReads(), 2U);
+    shell("printf kopiert | xclip -selection clipboard -i >/dev/null");
+    EXPECT_TRUE(eventually([&] { return !offer->isCurrent(); }));
+    const auto contents = capture();
+    ASSERT_EQ(contents.items.size(), 1U);
+    EXPECT_EQ(contents.items[0].front().bytes, "kopiert");
+    const auto next = copy("Übung");
+    EXPECT_EQ(editor.read("STRING")->bytes, "\xDC"
+                                            "bung");
+    copy("noch eins");
+    EXPECT_FALSE(next->isCurrent());
+}
+
+TEST_F(ClipboardTest, IsBeingReadUntilTheLastPieceOrTheReaderStops) {
+    const std::string text(1'000'000, 'x');
+    const auto offer = copy(text);
+    PastingProgram stalled;
+    (void)stalled.read("UTF8_STRING", 2);
+    EXPECT_TRUE(eventually([&] { return offer->isBeingRead(); }));
+    PastingProgram reader;
+    EXPECT_EQ(reader.read("UTF8_STRING")->bytes.size(), text.size());
+    EXPECT_TRUE(eventually([&] { return offer->completedReads() == 1; }));
+    EXPECT_TRUE(offer->isBeingRead());
+    copy("etwas anderes");
+    EXPECT_FALSE(offer->isCurrent());
+    EXPECT_TRUE(eventually([&] { return !offer->isBeingRead(); })) << "after five seconds";
+    EXPECT_EQ(log.countOf("aufgehört zu lesen"), 1U);
+    EXPECT_EQ(offer->completedReads(), 1U);
+}
+
+TEST_F(ClipboardTest, IsEmptiedByNothing) {
+    const CopyingProgram owner(officeForms());
+    pasteboard.write({});
+    EXPECT_EQ(PastingProgram().read("TARGETS"), std::nullopt);
+    EXPECT_TRUE(capture().isEmpty());
+    const auto offer = copy("Text");
+    pasteboard.write({});
+    EXPECT_FALSE(offer->isCurrent());
+    EXPECT_EQ(PastingProgram().read("UTF8_STRING"), std::nullopt);
+}
+
+TEST_F(ClipboardTest, WritesAlsoWhileSomebodyIsWaitedFor) {
+    const CopyingProgram owner(officeForms(), {.unanswered = {"text/html"}});
+    std::optional<PasteboardSnapshot> captured;
+    TaskGroup tasks;
+    const auto keep = [](Task<PasteboardSnapshot> task, std::optional<PasteboardSnapshot>& to) -> Task<> {
+        to.emplace(co_await std::move(task));
+    };
+    tasks.start(keep(pasteboard.capture(), captured));
+    EXPECT_TRUE(eventually([&] { return owner.answers() == 4; }));
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_TRUE(copy("Diktat")->isCurrent());
+    EXPECT_LT(secondsSince(begun), 0.2);
+    EXPECT_TRUE(serveUntil(loop, [&] { return captured.has_value(); }, seconds(1)));
+}
+
+TEST_F(ClipboardTest, LetsAManagerKeepWhatIsNoSecret) {
+    for (const auto history : {ClipboardHistory::keep, ClipboardHistory::skip}) {
+        const CopyingProgram manager({}, {.manages = "CLIPBOARD_MANAGER"});
+        auto ours = std::make_unique<X11Pasteboard>(loop);
+        ours->writeText("Text", history);
+        ours.reset();
+        EXPECT_EQ(manager.savesAsked, history == ClipboardHistory::keep ? 1 : 0);
+    }
+    const CopyingProgram hung({}, {.unanswered = {"SAVE_TARGETS"}, .manages = "CLIPBOARD_MANAGER"});
+    auto ours = std::make_unique<X11Pasteboard>(loop);
+    ours->writeText("Text", ClipboardHistory::keep);
+    const auto begun = std::chrono::steady_clock::now();
+    ours.reset();
+    EXPECT_LT(secondsSince(begun), 0.9);
+}
+
+TEST_F(ClipboardTest, OutlivesTheServer) {
+    auto server = std::make_unique<OwnServer>();
+    X11Pasteboard there(loop, server->display());
+    const auto offer = there.writeText("Text", ClipboardHistory::keep);
+    EXPECT_TRUE(offer->isCurrent());
+    server->kill();
+    EXPECT_TRUE(eventually([&] { return !offer->isCurrent(); }));
+    EXPECT_TRUE(await(loop, there.capture()).isEmpty());
+    EXPECT_FALSE(there.writeText("Text", ClipboardHistory::keep)->isCurrent());
+    there.write({{officeForms()}});
+    EXPECT_EQ(log.countOf("abgerissen"), 1U);
+    EXPECT_EQ(log.countOf("nicht erreichbar"), 1U);
+}
+
+TEST_F(ClipboardTest, HoldsNobodyUpWithAStoppedServer) {
+    const OwnServer server;
+    auto there = std::make_unique<X11Pasteboard>(loop, server.display());
+    there->write({{officeForms()}});
+    server.stop();
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_FALSE(there->writeText("Text", ClipboardHistory::keep)->isCurrent());
+    EXPECT_LT(secondsSince(begun), 0.5);
+    there.reset();
+    EXPECT_LT(secondsSince(begun), 3);
+}
+
+} // namespace
+} // namespace querlin

@@ -1,0 +1,135 @@
+// The shortcut that pastes, pressed into real programs.
+
+#include "platform/x11/KeyboardMap.h"
+#include "platform/x11/X11PasteKey.h"
+#include "platform/x11/X11Pasteboard.h"
+#include "platform/x11/X11Workspace.h"
+#include "support/CapturedLog.h"
+#include "support/Desktop.h"
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+/// Keys 8 to 14 in two layouts with two levels each.
+KeyboardMap smallMap() {
+    KeyboardMap map;
+    map.columns = 4;
+    const std::vector<std::vector<std::uint32_t>> rows = {
+        {'v', 'V', 'k', 'K'}, {'k', 'K', 'v', 'V'}, {Keysym::leftControl}, {Keysym::leftShift}, {Keysym::insert}, {0xFF7F}, {0xFE03}};
+    for (auto row : rows) {
+        row.resize(map.columns);
+        map.keysyms.insert(map.keysyms.end(), row.begin(), row.end());
+    }
+    map.modifiers = {11, 0, 8, 9, 10, 0, 0, 0, 13, 0, 0, 0, 0, 0, 0, 0};
+    return map;
+}
+
+TEST(KeyboardMapTest, FindsThePasteOfALayout) {
+    auto map = smallMap();
+    EXPECT_EQ(pasteChord(map, PasteShortcut::standard), (KeyChord{{10}, 8}));
+    EXPECT_EQ(pasteChord(map, PasteShortcut::terminal), (KeyChord{{10, 11}, 8}));
+    map.layout = 1;
+    EXPECT_EQ(pasteChord(map, PasteShortcut::standard), (KeyChord{{10}, 9}));
+    map.layout = 3;
+    EXPECT_EQ(pasteChord(map, PasteShortcut::standard), (KeyChord{{10}, 8})) << "another layout that has a v";
+    map.keysyms[0] = map.keysyms[6] = 0;
+    EXPECT_EQ(pasteChord(map, PasteShortcut::terminal), (KeyChord{{11}, 12})) << "Shift+Insert";
+    map.keysyms[16] = 0;
+    EXPECT_EQ(pasteChord(map, PasteShortcut::standard), std::nullopt);
+    EXPECT_EQ(KeyboardMap().keyFor(Keysym::v), std::nullopt);
+}
+
+TEST(KeyboardMapTest, WaitsForNoLocks) {
+    EXPECT_EQ(smallMap().heldModifiers(), (std::vector<std::uint8_t>{10, 11, 14}))
+        << "neither the row of Lock nor Num_Lock, but AltGr, which no row names";
+}
+
+struct PasteKeyTest : testing::Test {
+    CapturedLog log;
+    RunLoop loop;
+    X11Workspace workspace;
+    X11Pasteboard pasteboard{loop};
+    X11PasteKey pasteKey{loop};
+    std::unique_ptr<Program> editor;
+
+    void SetUp() override {
+        editor = std::make_unique<Program>(std::vector<std::string>{"mousepad", "--disable-server"});
+        ASSERT_TRUE(eventually([this] { return workspace.frontmostApplication().has_value(); }));
+        // The editor is ready when it takes what is typed.
+        ASSERT_TRUE(eventually([this] {
+            shell("xdotool key x");
+            return text().starts_with("x");
+        }));
+        clear();
+    }
+    void clear() { shell("xdotool key ctrl+a key Delete"); }
+    /// What stands in the editor, by its own "select all" and "copy".
+    std::string text() {
+        pasteboard.write({});
+        shell("xdotool key ctrl+a key ctrl+c key End");
+        std::string copied;
+        eventually([&] { return !(copied = shell("timeout 1 xclip -selection clipboard -o")).empty(); }, seconds(0.3));
+        return copied;
+    }
+    bool paste(const std::string& what, PasteShortcut shortcut = PasteShortcut::standard) {
+        const auto offer = pasteboard.writeText(what, ClipboardHistory::skip);
+        if (!await(loop, pasteKey.press(shortcut))) return false;
+        return eventually([&] { return offer->completedReads() > 0; }, seconds(2));
+    }
+};
+
+TEST_F(PasteKeyTest, PastesInAnyLayout) {
+    for (const auto* layout : {"de", "us", "fr", "us -variant dvorak"}) {
+        shell(std::string("setxkbmap -layout ") + layout);
+        EXPECT_TRUE(paste("Grüße €")) << layout;
+        shell("setxkbmap de");
+        EXPECT_EQ(text(), "Grüße €") << layout;
+        clear();
+    }
+    shell("setxkbmap -layout ru");
+    EXPECT_TRUE(paste("Text")) << "by Shift+Insert";
+}
+
+TEST_F(PasteKeyTest, WaitsForTheUsersFingers) {
+    for (const std::string key : {"108", "50", "134"}) {
+        shell("xdotool keydown " + key);
+        bool isUp = false;
+        const auto fingers = loop.after(seconds(0.15), [&] {
+            isUp = true;
+            shell("xdotool keyup " + key);
+        });
+        EXPECT_TRUE(paste("Diktat")) << key;
+        EXPECT_TRUE(isUp) << key;
+    }
+    EXPECT_EQ(text(), "DiktatDiktatDiktat");
+    EXPECT_EQ(log.lines(), std::vector<std::string>());
+}
+
+TEST_F(PasteKeyTest, ReleasesWhatStaysDownAfterASecond) {
+    shell("xdotool keydown 108 keydown 50");
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_TRUE(paste("Diktat"));
+    EXPECT_GE(std::chrono::steady_clock::now() - begun, seconds(1));
+    EXPECT_EQ(text(), "Diktat");
+    EXPECT_TRUE(log.has("[insert] 2 gehaltene Tasten wurden zum Einfügen gelöst."));
+}
+
+TEST_F(PasteKeyTest, CapsLockIsNoFinger) {
+    shell("xdotool key Caps_Lock");
+    EXPECT_TRUE(paste("Diktat"));
+    shell("xdotool key Caps_Lock");
+    EXPECT_EQ(text(), "Diktat");
+}
+
+TEST(NoPasteKeyTest, SaysNoWithoutAServer) {
+    RunLoop loop;
+    CapturedLog log;
+    X11PasteKey nowhere(loop, ":9999");
+    EXPECT_FALSE(await(loop, nowhere.press(PasteShortcut::standard)));
+    EXPECT_EQ(log.countOf("keine Tasten drücken"), 1U);
+}
+
+} // namespace
+} // namespace querlin
