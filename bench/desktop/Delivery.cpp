@@ -1,0 +1,107 @@
+#include "Cases.h"
+#include "Keys.h"
+
+#include "report/Measuring.h"
+
+#include "desktop/HotkeyManager.h"
+#include "desktop/PasteboardInserter.h"
+#include "foundation/ThreadPool.h"
+#include "platform/x11/X11Keyboard.h"
+#include "platform/x11/X11PasteKey.h"
+#include "platform/x11/X11Pasteboard.h"
+#include "support/Desktop.h"
+#include "support/DictationWorld.h"
+
+namespace querlin::bench {
+
+namespace {
+
+constexpr int dictations = 40;
+constexpr double limit = 0.010;
+/// What an insertion waits before it presses.
+constexpr double fixedWait = 0.050;
+
+/// Tells when it was pressed.
+class WatchedPasteKey final : public PasteKey {
+public:
+    explicit WatchedPasteKey(MainQueue& queue) : key_(queue) {}
+    Task<bool> press(PasteShortcut shortcut) override {
+        const bool pressed = co_await key_.press(shortcut);
+        onPressed();
+        co_return pressed;
+    }
+
+    std::function<void()> onPressed = [] {};
+
+private:
+    X11PasteKey key_;
+};
+
+} // namespace
+
+void runDelivery(Report& report) {
+    RunLoop loop;
+    SystemClock clock;
+    ThreadPool pool(1);
+    const Runtime runtime{loop, clock, pool};
+    const TempFolder folder;
+    Eyes eyes(loop);
+    X11Keyboard keyboard(loop);
+    X11Pasteboard pasteboard(loop);
+    WatchedPasteKey pasteKey(loop);
+    HotkeyManager hotkey(loop, keyboard, eyes.permissions, HotkeyConfig(), "");
+    PasteboardInserter inserter(
+        {runtime, eyes.permissions, eyes.detector, eyes.workspace, pasteboard, pasteKey});
+    FakeSurroundings with(runtime, folder.path(), TextWork::real);
+    with.services.script.delay = Duration::zero();
+    with.services.script.result = "Frau Meier Komma geboren am dritten März Punkt";
+    const auto fakes = with.collaborators();
+    DictationController controller(runtime, {fakes.settings,
+                                             fakes.statistics,
+                                             fakes.history,
+                                             fakes.rescue,
+                                             fakes.notifier,
+                                             fakes.windows,
+                                             fakes.sounds,
+                                             hotkey,
+                                             eyes.permissions,
+                                             eyes.detector,
+                                             inserter,
+                                             fakes.correctionWatcher,
+                                             fakes.systemSignals,
+                                             fakes.recorder,
+                                             fakes.audioDevices,
+                                             fakes.transcribers,
+                                             fakes.vocabulary,
+                                             fakes.textStages,
+                                             fakes.ruleBasedEnhancer,
+                                             fakes.enhancement});
+    controller.start();
+    const Program editor({"mousepad", "--disable-server"});
+    const auto isReady = [&] {
+        return eyes.detector.capture().field == DictationContext::FieldKind::multiLine;
+    };
+    serveUntil(loop, isReady, std::chrono::seconds(20));
+
+    Keys keys;
+    Stopwatch released;
+    std::vector<double> waits;
+    pasteKey.onPressed = [&] { waits.push_back(released.seconds() - fixedWait); };
+    for (std::size_t i = 0; i < dictations; ++i) {
+        keys.send(Keys::rightAlt, true);
+        serve(loop, std::chrono::milliseconds(400));
+        released = Stopwatch();
+        keys.send(Keys::rightAlt, false);
+        serveUntil(loop, [&] { return waits.size() > i; }, std::chrono::seconds(5));
+        serveUntil(
+            loop, [&] { return controller.phase().get().is(DictationPhase::Kind::idle); },
+            std::chrono::seconds(5));
+    }
+    if (waits.size() != dictations) report.disagreement("dictations are missing");
+    report.section("from letting go to the shortcut, without recogniser and fixed wait, against the limit");
+    report.times("median", median(waits), limit, {});
+    report.times("one of a hundred", percentile(waits, 0.99), limit, Bar::atLeast(1));
+    controller.shutdown();
+}
+
+} // namespace querlin::bench

@@ -1,0 +1,212 @@
+// Texts pasted into real programs, and what becomes of the user's clipboard.
+
+#include "desktop/CorrectionWatcher.h"
+#include "desktop/HotkeyManager.h"
+#include "desktop/PasteboardInserter.h"
+#include "foundation/ThreadPool.h"
+#include "platform/atspi/AtspiAccessibility.h"
+#include "platform/x11/X11Keyboard.h"
+#include "platform/x11/X11PasteKey.h"
+#include "platform/x11/X11Pasteboard.h"
+#include "platform/x11/X11Workspace.h"
+#include "support/CapturedLog.h"
+#include "support/Desktop.h"
+#include "support/FakeDesktop.h"
+#include "support/TempFolder.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+namespace querlin {
+namespace {
+
+using Outcome = TextInserter::Outcome;
+using FieldKind = DictationContext::FieldKind;
+
+/// Waits are shorter on it, so that many insertions take little time.
+class HastyQueue final : public MainQueue {
+public:
+    HastyQueue(MainQueue& queue, int factor) : queue_(queue), factor_(factor) {}
+    void post(Work work) override { queue_.post(std::move(work)); }
+    Registration after(Duration delay, Work work) override { return queue_.after(delay / factor_, std::move(work)); }
+
+private:
+    MainQueue& queue_;
+    int factor_;
+};
+
+/// What a user may have copied from an office program: text, private forms, numbers of 32 bits, a picture.
+PasteboardSnapshot richClipboard() {
+    PasteboardSnapshot::Item item;
+    for (int i = 0; i < 18; ++i)
+        item.push_back(
+            {fmt::format("application/x-office-{}", i), std::string(100U + 977U * static_cast<unsigned>(i), static_cast<char>(i)), ""});
+    item.push_back({"UTF8_STRING", "Äpfel 👍🏽", ""});
+    item.push_back({"text/html", "<b>Äpfel</b>", ""});
+    item.push_back({"application/x-nul", std::string("\0a\0\xFF", 4), ""});
+    item.push_back({"image/png", std::string(700'000, '\x89'), ""});
+    return {{std::move(item)}};
+}
+
+/// All forms with what tells their bytes from others, in short.
+std::map<std::string, std::string> summary(const PasteboardSnapshot& snapshot) {
+    std::map<std::string, std::string> forms;
+    for (const auto& item : snapshot.items) {
+        for (const auto& data : item)
+            forms[data.type] = data.bytes.size() < 50
+                                   ? data.bytes
+                                   : fmt::format("{} bytes, {:x}", data.bytes.size(), std::hash<std::string>()(data.bytes));
+    }
+    return forms;
+}
+
+struct InsertionTest : testing::Test {
+    TempFolder folder;
+    CapturedLog log;
+    RunLoop loop;
+    HastyQueue hasty{loop, 5};
+    SystemClock clock;
+    ThreadPool pool{1};
+    FakeAccess access;
+    X11Workspace workspace;
+    AtspiAccessibility accessibility{[this]() -> std::optional<std::int32_t> {
+        const auto front = workspace.frontmostApplication();
+        return front ? std::optional(front->processIdentifier) : std::nullopt;
+    }};
+    PermissionsManager permissions{loop, access, workspace};
+    ContextDetector detector{permissions, accessibility, workspace};
+    X11Pasteboard pasteboard{loop};
+    X11PasteKey pasteKey{loop};
+    X11Pasteboard user{loop}; ///< another program's view of the clipboard
+    PasteboardInserter inserter{{Runtime{loop, clock, pool}, permissions, detector, workspace, pasteboard, pasteKey}};
+
+    /// A program with its window in front; `field` is what the cursor must be in.
+    std::unique_ptr<Program> open(std::vector<std::string> command, std::optional<FieldKind> field) {
+        auto program = std::make_unique<Program>(std::move(command));
+        const auto isReady = [&] {
+            const auto context = detector.capture();
+            return workspace.frontmostApplication().has_value() && (!field || context.field == *field);
+        };
+        EXPECT_TRUE(serveUntil(loop, isReady, std::chrono::seconds(20))) << detector.capture().summary();
+        return program;
+    }
+    std::optional<std::string> fieldText() {
+        const auto front = workspace.frontmostApplication();
+        const auto element = detector.focusedElement(front ? std::optional(front->processIdentifier) : std::nullopt);
+        return element ? ContextDetector::stringValue(*element, AX::value) : std::nullopt;
+    }
+    std::map<std::string, std::string> copied() { return summary(await(loop, user.capture())); }
+    std::string copiedText() { return copied()["UTF8_STRING"]; }
+    std::expected<Outcome, InsertError> insert(std::string text) { return await(loop, inserter.insert(std::move(text))); }
+};
+
+TEST_F(InsertionTest, ReachesEditorsAndGivesTheWholeClipboardBack) {
+    const auto rich = richClipboard();
+    user.write(rich);
+    const auto editor = open({"mousepad", "--disable-server"}, FieldKind::multiLine);
+    for (const std::string text : {"Erster Satz äöüß €. ", "👩🏽‍⚖️ und 𝕏 jenseits der Grundebene\n", "- Punkt"}) {
+        const auto before = fieldText().value_or("");
+        EXPECT_EQ(insert(text), Outcome::inserted);
+        EXPECT_EQ(fieldText(), before + text);
+        EXPECT_EQ(copied(), summary(rich));
+    }
+    const auto letter = std::string(4001, 'x') + " Ende";
+    EXPECT_EQ(insert(letter), Outcome::inserted);
+    EXPECT_TRUE(fieldText().value_or("").ends_with(letter));
+}
+
+TEST_F(InsertionTest, GivesALateTargetTheTextAndTheUserTheClipboard) {
+    const auto rich = richClipboard();
+    for (const int delay : {10, 50, 150, 400, 1000}) {
+        user.write(rich);
+        const auto file = (folder / fmt::format("{}", delay)).string();
+        const auto target = open({QUERLIN_TARGET, fmt::format("{}", delay), file}, std::nullopt);
+        EXPECT_EQ(insert("Diktat"), Outcome::unconfirmed) << delay;
+        EXPECT_EQ(contentOf(file), "Diktat\n") << delay;
+        EXPECT_EQ(copied(), summary(rich)) << delay;
+    }
+}
+
+TEST_F(InsertionTest, WaitsTwoSecondsForATargetThatNeverReads) {
+    user.writeText("alt", ClipboardHistory::keep);
+    const auto target = open({QUERLIN_TARGET, "-1", (folder / "never").string()}, std::nullopt);
+    const auto begun = clock.instant();
+    EXPECT_EQ(insert("Diktat"), Outcome::unconfirmed);
+    EXPECT_LT(inSeconds(clock.instant() - begun), 4);
+    EXPECT_EQ(copiedText(), "alt");
+}
+
+TEST_F(InsertionTest, LeavesWhatTheUserCopiesMeanwhile) {
+    const auto target = open({QUERLIN_TARGET, "5", (folder / "text").string()}, std::nullopt);
+    const auto copies = loop.after(seconds(0.45), [this] { user.writeText("eben kopiert", ClipboardHistory::keep); });
+    EXPECT_EQ(insert("Diktat"), Outcome::unconfirmed);
+    EXPECT_EQ(contentOf(folder / "text"), "Diktat\n");
+    EXPECT_EQ(copiedText(), "eben kopiert");
+}
+
+TEST_F(InsertionTest, LosesNoneOfTwoHundredUnnoticed) {
+    PasteboardInserter quick{{Runtime{hasty, clock, pool}, permissions, detector, workspace, pasteboard, pasteKey}};
+    const auto editor = open({"mousepad", "--disable-server"}, FieldKind::multiLine);
+    std::vector<std::string> reported;
+    for (int i = 0; i < 200; ++i) {
+        const auto text = fmt::format("Satz{}. ", i);
+        if (await(loop, quick.insert(text)) == Outcome::inserted) reported.push_back(text);
+    }
+    const auto all = fieldText().value_or("");
+    for (const auto& text : reported) EXPECT_NE(all.find(text), std::string::npos) << text;
+    EXPECT_GE(reported.size(), 190U) << "and hardly one is reported lost";
+}
+
+TEST_F(InsertionTest, LeavesTheTextOnTheClipboardWhereTheFieldStaysAsItIs) {
+    const auto dialog = open({"zenity", "--text-info", "--title=Nur lesen"}, std::nullopt);
+    serveUntil(loop, [&] { return fieldText().has_value(); }, std::chrono::seconds(5));
+    if (!fieldText()) GTEST_SKIP() << "this text view doesn't show its text";
+    EXPECT_EQ(insert("Diktat"), Outcome::notInserted);
+    EXPECT_EQ(copiedText(), "Diktat");
+}
+
+TEST_F(InsertionTest, UsesTheKeysOfATerminal) {
+    const auto file = (folder / "typed").string();
+    const auto terminal =
+        open({"xfce4-terminal", "--disable-server", "-x", "sh", "-c", "head -n 1 > '" + file + "'"}, FieldKind::multiLine);
+    (void)insert("Guten Tag");
+    shell("xdotool key Return");
+    EXPECT_TRUE(eventually([&] { return contentOf(file) == "Guten Tag\n"; })) << contentOf(file);
+}
+
+TEST_F(InsertionTest, RecognisesAPasswordDialog) {
+    const auto dialog = open({"zenity", "--password"}, FieldKind::secure);
+    EXPECT_EQ(fieldText(), std::nullopt);
+}
+
+TEST_F(InsertionTest, ProposesAWordThatIsCorrectedInARealEditor) {
+    CorrectionWatcher watcher(Runtime{hasty, clock, pool}, permissions, accessibility);
+    std::vector<std::string> suggestions;
+    watcher.setOnSuggestion([&](const CorrectionSuggestion& s) { suggestions.push_back(s.recognized + "→" + s.corrected); });
+    const auto editor = open({"mousepad", "--disable-server"}, FieldKind::multiLine);
+    EXPECT_EQ(insert("Frau Meier wohnt in Köln"), Outcome::inserted);
+    watcher.watch("Frau Meier wohnt in Köln", "Mousepad");
+    shell("xdotool key --delay 20 Home ctrl+Right ctrl+Right ctrl+shift+Left type --delay 20 Mayer");
+    EXPECT_TRUE(serveUntil(loop, [&] { return !suggestions.empty(); })) << fieldText().value_or("");
+    serve(loop, seconds(1));
+    EXPECT_EQ(suggestions, std::vector<std::string>{"Meier→Mayer"});
+}
+
+TEST_F(InsertionTest, TheKeyReachesItsCallbackFromAnyProgram) {
+    X11Keyboard keyboard(loop);
+    HotkeyManager hotkey(loop, keyboard, permissions, HotkeyConfig(), "/opt/querlin");
+    std::string calls;
+    hotkey.setCallbacks([&] { calls += '+'; }, [&] { calls += '-'; });
+    ASSERT_TRUE(hotkey.start());
+    const auto editor = open({"mousepad", "--disable-server"}, FieldKind::multiLine);
+    shell("xdotool keydown 108");
+    EXPECT_TRUE(serveUntil(loop, [&] { return calls == "+"; }));
+    shell("setxkbmap us; xdotool key a; setxkbmap de");
+    shell("xdotool keyup 108");
+    EXPECT_TRUE(serveUntil(loop, [&] { return calls == "+-"; }));
+    EXPECT_EQ(insert("Text"), Outcome::inserted) << "the key leaves nothing behind";
+    EXPECT_EQ(calls, "+-") << "keys of our own are none of the user's";
+}
+
+} // namespace
+} // namespace querlin
