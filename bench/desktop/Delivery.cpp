@@ -89,7 +89,7 @@ void runDelivery(Report& report) {
     pasteKey.onPressed = [&] { waits.push_back(released.seconds() - fixedWait); };
     for (std::size_t i = 0; i < dictations; ++i) {
         keys.send(Keys::rightAlt, true);
-        serve(loop, std::chrono::milliseconds(400));
+        serve(loop, std::chrono::milliseconds(600));
         released = Stopwatch();
         keys.send(Keys::rightAlt, false);
         serveUntil(loop, [&] { return waits.size() > i; }, std::chrono::seconds(5));

@@ -28,10 +28,14 @@ void look(Report& report, std::string_view name, std::vector<std::string> comman
         return;
     }
     std::vector<double> times;
+    int unknown = 0;
     for (int i = 0; i < looks; ++i) {
-        times.push_back(secondsOf([&] { return eyes.detector.capture(); }));
+        const Stopwatch stopwatch;
+        if (eyes.detector.capture().field != field) ++unknown;
+        times.push_back(stopwatch.seconds());
         serve(loop, std::chrono::milliseconds(3));
     }
+    if (unknown > 0) report.disagreement(fmt::format("{}: {} looks have found no field", name, unknown));
     report.times(fmt::format("{}, median", name), median(times), limit, {});
     report.times(fmt::format("{}, one of a hundred", name), percentile(times, 0.99), limit, Bar::atLeast(1));
 }

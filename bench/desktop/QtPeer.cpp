@@ -35,7 +35,7 @@ int main(int count, char** arguments) {
         auto* contents = new QMimeData; // The clipboard's own from here on.
         contents->setText("Text");
         contents->setHtml("<b>Text</b>");
-        for (int i = 0; i < 16; ++i)
+        for (int i = 0; i < 17; ++i)
             contents->setData(QString("application/x-form-%1").arg(i), QByteArray(1000 * (i + 1), 'x'));
         QApplication::clipboard()->setMimeData(contents);
     } else if (what == "save") {
