@@ -10,7 +10,7 @@ namespace {
 std::string classOf(const std::string& bytes) {
     const auto end = bytes.find('\0');
     if (end == std::string::npos) return bytes;
-    return std::string(bytes, end + 1, bytes.find('\0', end + 1) - end - 1);
+    return bytes.substr(end + 1, bytes.find('\0', end + 1) - end - 1);
 }
 
 } // namespace

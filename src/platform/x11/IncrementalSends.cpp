@@ -23,8 +23,8 @@ void listenTo(const XcbConnection& connection, xcb_window_t window, std::uint32_
 IncrementalSends::IncrementalSends(XcbConnection& connection, XcbAtoms& atoms) :
     connection_(connection),
     incr_(atoms.atom("INCR")),
-    largestPiece_(std::min(pieceInBytes,
-                           4UZ * xcb_get_maximum_request_length(connection.get()) - headOfRequestInBytes)) {}
+    largestPiece_(std::min(pieceInBytes, (4UZ * xcb_get_maximum_request_length(connection.get())) -
+                                             headOfRequestInBytes)) {}
 
 IncrementalSends::~IncrementalSends() {
     for (const auto& send : sends_) send.contents->offer->transferEnded();

@@ -33,7 +33,7 @@ constexpr const Key* find(std::uint8_t keyCode) {
 }
 
 bool isSet(const KeyTranslation::Keymap& map, std::size_t keyCode) {
-    return ((map.at(keyCode / 8) >> (keyCode % 8)) & 1U) != 0;
+    return ((std::uint32_t{map.at(keyCode / 8)} >> (keyCode % 8)) & 1U) != 0;
 }
 
 } // namespace
@@ -69,7 +69,7 @@ std::vector<KeyEvent> KeyTranslation::begin(const Keymap& held) {
 
 std::optional<KeyEvent> KeyTranslation::translate(std::uint8_t keyCode, bool isDown) {
     const auto* const key = find(keyCode);
-    const bool isModifier = key && key->flags != 0;
+    const bool isModifier = key != nullptr && key->flags != 0;
     if (isModifier && down_[keyCode] == isDown) return std::nullopt;
     down_[keyCode] = isDown;
     const auto type = isDown ? KeyEventType::keyDown : KeyEventType::keyUp;

@@ -34,7 +34,7 @@ bool KeyboardGrab::isGrabbed(XcbConnection& connection) const {
 bool KeyboardGrab::isHeldByOther() {
     const std::scoped_lock guard(mutex_);
     auto* connection = connect();
-    return connection && isGrabbed(*connection);
+    return connection != nullptr && isGrabbed(*connection);
 }
 
 std::optional<std::int32_t> KeyboardGrab::likelyOwner() {

@@ -29,7 +29,7 @@ bool isLock(std::uint32_t keysym) { return std::ranges::find(locks, keysym) != l
 
 std::uint32_t KeyboardMap::keysym(std::uint8_t keyCode, std::size_t column) const {
     if (keyCode < firstKeyCode || column >= columns) return 0;
-    const auto place = static_cast<std::size_t>(keyCode - firstKeyCode) * columns + column;
+    const auto place = (static_cast<std::size_t>(keyCode - firstKeyCode) * columns) + column;
     return place < keysyms.size() ? keysyms[place] : 0;
 }
 
@@ -38,7 +38,7 @@ std::optional<std::uint8_t> KeyboardMap::keyFor(std::uint32_t keysym) const {
     const std::array<std::size_t, 3> preferred = {2 * layout, 0, 2};
     for (const auto column : preferred) {
         for (std::size_t place = column; column < columns && place < keysyms.size(); place += columns) {
-            if (keysyms[place] == keysym) return static_cast<std::uint8_t>(firstKeyCode + place / columns);
+            if (keysyms[place] == keysym) return static_cast<std::uint8_t>(firstKeyCode + (place / columns));
         }
     }
     return std::nullopt;
@@ -52,7 +52,7 @@ std::vector<std::uint8_t> KeyboardMap::heldModifiers() const {
     }
     for (std::size_t place = 0; columns > 0 && place < keysyms.size(); place += columns) {
         if (isModifier(keysyms[place]))
-            found.insert(static_cast<std::uint8_t>(firstKeyCode + place / columns));
+            found.insert(static_cast<std::uint8_t>(firstKeyCode + (place / columns)));
     }
     std::erase_if(found, [this](std::uint8_t keyCode) { return isLock(keysym(keyCode, 0)); });
     return {found.begin(), found.end()};

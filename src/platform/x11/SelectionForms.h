@@ -10,10 +10,8 @@
 #include <string_view>
 #include <vector>
 
-namespace querlin {
-
 /// What the forms of a clipboard are called and how they are stored, as far as it needs no server.
-namespace SelectionForms {
+namespace querlin::SelectionForms {
 
 /// Type and width of a property: "ATOM/32".
 struct Form {
@@ -45,6 +43,4 @@ ClipboardHistory historyOf(const PasteboardSnapshot::Item& item);
 /// Nothing if there is a character beyond U+00FF.
 std::optional<std::string> latin1(std::string_view text);
 
-} // namespace SelectionForms
-
-} // namespace querlin
+} // namespace querlin::SelectionForms

@@ -28,7 +28,7 @@ std::vector<SelectionContents::Form> formsOf(const PasteboardSnapshot::Item& ite
     std::vector<SelectionContents::Form> forms;
     for (std::size_t i = 0; i < item.size(); ++i) {
         const auto target = numbers[2 * i];
-        const auto type = numbers[2 * i + 1];
+        const auto type = numbers[(2 * i) + 1];
         if (target == XCB_NONE || type == XCB_NONE || SelectionForms::isPseudo(item[i].type)) continue;
         if (std::ranges::find(forms, target, &SelectionContents::Form::target) != forms.end()) continue;
         forms.push_back({target, type, formats[i], SelectionForms::isText(item[i].type), i});

@@ -76,7 +76,8 @@ std::vector<std::uint8_t> X11PasteKey::heldAmong(const std::vector<std::uint8_t>
     const auto keymap = connection_->reply(xcb_query_keymap_reply, xcb_query_keymap(connection_->get()));
     std::vector<std::uint8_t> held;
     for (const auto keyCode : keyCodes) {
-        if (keymap && ((keymap->keys[keyCode / 8] >> (keyCode % 8)) & 1U) != 0) held.push_back(keyCode);
+        if (keymap && ((std::uint32_t{keymap->keys[keyCode / 8]} >> (keyCode % 8)) & 1U) != 0)
+            held.push_back(keyCode);
     }
     return held;
 }

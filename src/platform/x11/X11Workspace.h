@@ -32,7 +32,7 @@ private:
     const std::string display_;
     std::unique_ptr<XcbConnection> connection_;
     std::unique_ptr<XcbAtoms> atoms_;
-    Instant nextAttempt_{};
+    Instant nextAttempt_;
     std::unique_ptr<const ApplicationNames> names_;
     std::atomic<bool> areNamesRead_ = false; ///< then `names_` is left alone
     std::thread reading_;

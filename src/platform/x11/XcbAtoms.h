@@ -3,6 +3,7 @@
 #include "platform/x11/XcbConnection.h"
 
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>

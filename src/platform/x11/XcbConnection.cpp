@@ -1,6 +1,7 @@
 #include "platform/x11/XcbConnection.h"
 
 #include <future>
+#include <semaphore>
 #include <thread>
 
 #include <poll.h>
@@ -27,6 +28,25 @@ std::string failure(int code) {
     }
 }
 
+/// xcb's library of access rights puts the name of the user's file into a place that all threads share. A
+/// server that never answers its client keeps its turn; then nobody else waits long.
+class Turn {
+public:
+    Turn() : isOurs_(free().try_acquire_for(std::chrono::milliseconds(200))) {}
+    ~Turn() {
+        if (isOurs_) free().release();
+    }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+private:
+    static std::binary_semaphore& free() {
+        static std::binary_semaphore semaphore(1);
+        return semaphore;
+    }
+    bool isOurs_;
+};
+
 /// What xcb would else ask the server for in the middle of other calls, and wait for without a limit.
 void askBeforehand(xcb_connection_t* connection) {
     for (auto* extension : {&xcb_input_id, &xcb_test_id, &xcb_xfixes_id})
@@ -52,6 +72,7 @@ std::expected<std::unique_ptr<XcbConnection>, std::string> XcbConnection::open(c
     std::promise<Opened> promise;
     auto opened = promise.get_future();
     std::thread([display, promise = std::move(promise)]() mutable {
+        const Turn turn;
         Opened result;
         result.connection.reset(xcb_connect(display.empty() ? nullptr : display.c_str(), &result.screen));
         if (xcb_connection_has_error(result.connection.get()) == 0) askBeforehand(result.connection.get());
@@ -97,7 +118,7 @@ bool XcbConnection::drain() const {
 
 bool XcbConnection::hasExtension(xcb_extension_t& extension) const {
     const auto* data = xcb_get_extension_data(get(), &extension);
-    return data && data->present != 0;
+    return data != nullptr && data->present != 0;
 }
 
 void XcbConnection::breakOff() const { ::shutdown(descriptor(), SHUT_RDWR); }

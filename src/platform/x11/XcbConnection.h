@@ -13,7 +13,8 @@
 namespace querlin {
 
 struct FreeXcb {
-    void operator()(void* memory) const { std::free(memory); } // NOLINT(*-no-malloc): xcb's is from malloc
+    // NOLINTNEXTLINE(*-no-malloc,*-owning-memory): xcb's memory is from malloc
+    void operator()(void* memory) const { std::free(memory); }
 };
 /// What xcb has handed to us; null where there is no answer.
 template<class Reply>

@@ -5,22 +5,35 @@
 #include <csignal>
 #include <string>
 
+#include <unistd.h>
+
 namespace querlin {
 
-/// An X server beside the desktop's, to be killed.
+/// An X server beside the desktop's, to be killed. Its number lies far from those that other tests' desktops pick for
+/// themselves, so that none of them comes in its place.
 class OwnServer {
 public:
-    OwnServer() : process_({"sh", "-c", "exec Xvfb -displayfd 1 -nolisten tcp -ac -noreset >" + file()}) {
-        eventually([this] { return !(number_ = shell("cat " + file())).empty(); });
+    OwnServer() :
+        display_(":" + std::to_string(1000 + ::getpid() % 50000)),
+        process_({"sh", "-c", "exec Xvfb " + display_ + " -displayfd 1 -nolisten tcp -ac -noreset >" + ready}) {
+        eventually([] { return !shell(std::string("cat ") + ready).empty(); });
     }
-    std::string display() const { return ":" + number_; }
+    ~OwnServer() {
+        kill();
+        const auto number = display_.substr(1);
+        for (const auto& left : {"/tmp/.X" + number + "-lock", "/tmp/.X11-unix/X" + number}) ::unlink(left.c_str());
+    }
+    OwnServer(const OwnServer&) = delete;
+    OwnServer& operator=(const OwnServer&) = delete;
+
+    std::string display() const { return display_; }
     void kill() const { process_.signal(SIGKILL); }
     void stop() const { process_.signal(SIGSTOP); }
 
 private:
-    static std::string file() { return "\"$DESKTOP_DIR\"/own-server"; }
+    static constexpr auto ready = "\"$DESKTOP_DIR\"/own-server";
 
-    std::string number_;
+    std::string display_;
     Program process_;
 };
 
