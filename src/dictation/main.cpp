@@ -5,10 +5,13 @@
 #include "foundation/RunLoop.h"
 #include "foundation/ThreadPool.h"
 #include "legal/LegalCorpus.h"
+#include "platform/atspi/AtspiAccessibility.h"
 #include "platform/av/SwrConverter.h"
 #include "platform/pocketsphinx/ClassicService.h"
 #include "platform/pulse/PulseAudio.h"
 #include "platform/sherpa/StreamingService.h"
+#include "platform/x11/X11Keyboard.h"
+#include "platform/x11/X11Workspace.h"
 #include "speech/AudioDevices.h"
 #include "speech/VocabularyProvider.h"
 #include "state/AppSettings.h"
@@ -59,6 +62,20 @@ std::string describeHearing(const ApplicationPaths& paths) {
     return text;
 }
 
+/// What the program reaches of the desktop.
+std::string describeDesktop() {
+    RunLoop queue;
+    X11Workspace workspace;
+    AtspiAccessibility accessibility([&workspace] {
+        const auto front = workspace.frontmostApplication();
+        return front ? std::optional(front->processIdentifier) : std::nullopt;
+    });
+    return fmt::format("  Diktiertaste:          {}\n  Eingabefelder:         {}\n",
+                       X11Keyboard(queue).isAvailable() ? "kann gehört werden"
+                                                        : "kein X-Server mit XInput 2 und XTest",
+                       accessibility.isAvailable() ? "können gelesen werden" : "kein Bedienungshilfen-Bus");
+}
+
 int runProgram(std::string_view executable) {
     const auto paths = ApplicationPaths::fromEnvironment();
     const SystemClock clock;
@@ -87,16 +104,17 @@ int runProgram(std::string_view executable) {
     ThreadPool pool(1);
     const VocabularyProvider vocabulary(QUERLIN_RESOURCES, pool);
 
-    fmt::print("{} ist startklar. Taste und Fenster kommen mit den nächsten Schritten.\n"
+    fmt::print("{} ist startklar. Hauptschleife und Fenster kommen mit dem nächsten Schritt.\n"
                "  Diktate bisher:        {}\n"
                "  Nach Absturz gerettet: {}{}\n"
                "  Gesetze:               {} mit {} Paragraphen\n"
                "  Fachwortschatz:        {} Begriffe\n"
                "{}"
+               "{}"
                "  Protokoll:             {}\n",
                Product::name, statistics.dictationCount.get(), recovered,
                recovered > 0 ? " (in " + rescueFolder.path().string() + ")" : "", loadedLaws.size(), sections,
-               vocabulary.totalTerms(), describeHearing(paths), log.path().string());
+               vocabulary.totalTerms(), describeHearing(paths), describeDesktop(), log.path().string());
     DiagnosticsLog::note("app", "=== Ende ===");
     return EXIT_SUCCESS;
 }
