@@ -115,6 +115,36 @@ TEST_F(InsertionTest, ReachesEditorsAndGivesTheWholeClipboardBack) {
     EXPECT_TRUE(fieldText().value_or("").ends_with(letter));
 }
 
+TEST_F(InsertionTest, ReachesALineOfQt) {
+    const auto program = open({QUERLIN_QT_FIELDS}, FieldKind::singleLine);
+    shell("xdotool key End");
+    EXPECT_EQ(insert(" und mehr 👍🏽"), Outcome::inserted);
+    EXPECT_EQ(fieldText(), "Zeile und mehr 👍🏽");
+}
+
+TEST_F(InsertionTest, ReachesTheFieldsOfAWebPage) {
+    if (!isInstalled("firefox-esr")) GTEST_SKIP() << "Firefox isn't installed.";
+    writeFile(folder / "page.html", "<meta charset=utf-8><title>Seite</title><input autofocus><input type=search>");
+    const auto browser =
+        open({"firefox-esr", "--no-remote", "--profile", folder.path().string(), (folder / "page.html").string()}, FieldKind::singleLine);
+    EXPECT_EQ(insert("Straße"), Outcome::inserted);
+    EXPECT_EQ(fieldText(), "Straße");
+    shell("xdotool key Tab");
+    ASSERT_TRUE(serveUntil(loop, [&] { return detector.capture().field == FieldKind::search; }));
+    EXPECT_EQ(insert("Betreuung"), Outcome::inserted);
+    EXPECT_EQ(fieldText(), "Betreuung");
+}
+
+TEST_F(InsertionTest, LosesNothingWhenTheFocusMovesBeforeThePaste) {
+    const auto file = (folder / "text").string();
+    const auto target = open({QUERLIN_TARGET, "5", file}, std::nullopt);
+    const auto editor = open({"mousepad", "--disable-server"}, FieldKind::multiLine);
+    const auto moves = loop.after(std::chrono::milliseconds(5), [] { shell("xdotool search --name '^Target$' windowactivate --sync"); });
+    EXPECT_EQ(insert("Diktat"), Outcome::notInserted) << "the field that was looked at is as it was";
+    EXPECT_EQ(contentOf(file), "Diktat\n");
+    EXPECT_EQ(copiedText(), "Diktat") << "and it can be pasted by hand";
+}
+
 TEST_F(InsertionTest, GivesALateTargetTheTextAndTheUserTheClipboard) {
     const auto rich = richClipboard();
     for (const int delay : {10, 50, 150, 400, 1000}) {
