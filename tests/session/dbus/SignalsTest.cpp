@@ -1,11 +1,192 @@
-#include "support/Desktop.h"
+#include "Buses.h"
+
+#include "foundation/RunLoop.h"
+#include "platform/dbus/DBusThread.h"
+#include "platform/dbus/DesktopSignals.h"
+#include "platform/dbus/SignalEchoes.h"
+#include "support/CapturedLog.h"
 
 #include <gtest/gtest.h>
+
+#include <thread>
 
 namespace querlin {
 namespace {
 
-TEST(Placeholder, RunsInADesktopOfItsOwn) { EXPECT_TRUE(isInVirtualDesktop()); }
+using enum SystemSignal;
+using Signals = std::vector<SystemSignal>;
+
+constexpr Duration soon = std::chrono::milliseconds(50);
+
+/// The adapter with one observer, which keeps all it is told.
+class Observed {
+public:
+    Signals told;
+    std::vector<SystemHold> holds;
+    RunLoop loop;
+    CountingQueue queue{loop};
+    DBusThread buses{soon};
+    DesktopSignals signals{queue, buses};
+    Registration observing = observe();
+
+    Registration observe() {
+        return signals.observe([this](SystemSignal signal, SystemHold hold) {
+            told.push_back(signal);
+            holds.push_back(std::move(hold));
+        });
+    }
+    bool comesTo(const Signals& expected) {
+        return serveUntil(loop, [&] { return told.size() >= expected.size(); }) && told == expected;
+    }
+};
+
+bool inhibitorsBecome(Login& login, const std::string& expected) {
+    return eventually([&] { return login.inhibitors() == expected; });
+}
+
+TEST(DesktopSignals, ASleepWaitsUntilTheHoldIsLetGo) {
+    Login login;
+    Observed desktop;
+    ASSERT_TRUE(inhibitorsBecome(login, "shutdown sleep"));
+
+    login.prepareFor("Sleep", true);
+    ASSERT_TRUE(desktop.comesTo({willSleep}));
+    EXPECT_EQ(login.inhibitors(), "shutdown sleep");
+    std::thread([hold = std::move(desktop.holds[0])]() mutable { hold.reset(); }).join();
+    EXPECT_TRUE(inhibitorsBecome(login, "shutdown"));
+
+    login.prepareFor("Sleep", false);
+    EXPECT_TRUE(inhibitorsBecome(login, "shutdown sleep"));
+    login.prepareFor("Sleep", true);
+    ASSERT_TRUE(desktop.comesTo({willSleep, willSleep})) << "who has a hold is no echo";
+    desktop.observing.reset();
+    desktop.holds.clear();
+    EXPECT_TRUE(inhibitorsBecome(login, ""));
+}
+
+TEST(DesktopSignals, AShutdownIsTheEndOfTheLoginAndWaitsToo) {
+    Login login;
+    Observed desktop;
+    ASSERT_TRUE(inhibitorsBecome(login, "shutdown sleep"));
+    login.setActive("c2", false);
+    login.setActive("c1", false);
+    ASSERT_TRUE(desktop.comesTo({sessionResigned}));
+    EXPECT_EQ(desktop.holds[0], nullptr);
+
+    login.prepareFor("Shutdown", true);
+    ASSERT_TRUE(desktop.comesTo({sessionResigned, sessionResigned})) << "a hold is handed on though the event is told";
+    EXPECT_NE(desktop.holds[1], nullptr);
+    desktop.holds.clear();
+    EXPECT_TRUE(inhibitorsBecome(login, "sleep"));
+    login.prepareFor("Shutdown", false);
+    EXPECT_TRUE(inhibitorsBecome(login, "shutdown sleep"));
+}
+
+/// A lock told again and again, until it comes on whichever way is under test: echoes of it don't count.
+bool isTold(Observed& desktop, int times, const std::function<void()>& lock) {
+    return eventually([&] {
+        lock();
+        return desktop.queue.posted == times;
+    });
+}
+
+class OurSession : public testing::TestWithParam<Login::Knows> {};
+
+TEST_P(OurSession, ALockToldOnThreeWaysIsOneAndOnlyOurs) {
+    Login login(GetParam());
+    Speaker saver(Speaker::On::session);
+    const std::string name = "org.gnome.ScreenSaver";
+    saver.own(name);
+    Observed desktop;
+
+    ASSERT_TRUE(isTold(desktop, 1, [&] { login.session("c1", "Lock"); }));
+    login.session("c1", "SetLockedHint true");
+    login.session("c1", "SetLockedHint false");
+    for (const auto* call : {"Lock", "SetLockedHint true"}) login.session("c2", call);
+    login.setActive("c2", false);
+    login.session("c1", "Unlock");
+    ASSERT_TRUE(isTold(desktop, 2, [&] { login.session("c1", "SetLockedHint true"); }));
+    ASSERT_TRUE(isTold(desktop, 2, [&] { saver.emit("/", name, "ActiveChanged", true); }));
+    saver.emit("/", name, "ActiveChanged", false);
+    EXPECT_TRUE(isTold(desktop, 3, [&] { saver.emit("/", name, "ActiveChanged", true); }));
+    login.setActive("c1", false);
+    EXPECT_TRUE(desktop.comesTo({screenLocked, screenLocked, screenLocked, sessionResigned}));
+}
+
+INSTANTIATE_TEST_SUITE_P(KnownBy, OurSession, testing::Values(Login::Knows::processes, Login::Knows::sessions),
+                         [](const auto& instance) { return instance.param == Login::Knows::processes ? "process" : "name"; });
+
+TEST(DesktopSignals, EachScreenSaverCountsWhenItSpeaksItself) {
+    Observed desktop;
+    Speaker saver(Speaker::On::session);
+    Speaker stranger(Speaker::On::session);
+    int told = 0;
+    for (const std::string name : {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver", "org.cinnamon.ScreenSaver",
+                                   "org.mate.ScreenSaver", "org.xfce.ScreenSaver"}) {
+        saver.own(name);
+        EXPECT_TRUE(isTold(desktop, ++told, [&] { saver.emit("/anywhere", name, "ActiveChanged", true); })) << name;
+        saver.emit("/anywhere", name, "ActiveChanged", false);
+        stranger.emit("/anywhere", name, "ActiveChanged", true);
+    }
+    EXPECT_TRUE(desktop.comesTo(Signals(5, screenLocked)));
+}
+
+TEST(DesktopSignals, AnObserverIsNotToldOfWhatWasBefore) {
+    Observed desktop;
+    Speaker saver(Speaker::On::session);
+    saver.own("org.gnome.ScreenSaver");
+    ASSERT_TRUE(isTold(desktop, 1, [&] { saver.emit("/", "org.gnome.ScreenSaver", "ActiveChanged", true); }));
+    desktop.observing = desktop.observe();
+    serve(desktop.loop, soon);
+    EXPECT_EQ(desktop.told, Signals());
+}
+
+TEST(DesktopSignals, TheLoginServiceAndItsBusMayComeBack) {
+    const CapturedLog log;
+    OwnBus bus("DBUS_SYSTEM_BUS_ADDRESS");
+    Observed desktop;
+    const auto goesOn = [&](std::size_t times) {
+        Login login;
+        if (!inhibitorsBecome(login, "shutdown sleep")) return false;
+        login.prepareFor("Sleep", true);
+        return serveUntil(desktop.loop, [&] { return desktop.told.size() == times; }) && desktop.holds.back() != nullptr;
+    };
+    ASSERT_TRUE(eventually([&] { return log.countOf("Der Systembus ist nicht erreichbar") == 1; }));
+    bus.start();
+    EXPECT_TRUE(goesOn(1));
+    EXPECT_TRUE(goesOn(2)) << "another service at the same bus";
+    bus.kill();
+    ASSERT_TRUE(eventually([&] { return log.countOf("Der Systembus ist nicht erreichbar") == 2; }));
+    bus.start();
+    EXPECT_TRUE(goesOn(3)) << "a new bus";
+    EXPECT_EQ(log.countOf("Der Systembus ist wieder erreichbar"), 2U);
+    EXPECT_EQ(log.countOf("Der Sitzungsbus"), 0U);
+}
+
+TEST(DesktopSignals, WithoutBusesThereIsNothingToWaitFor) {
+    const CapturedLog log;
+    const OwnBus system("DBUS_SYSTEM_BUS_ADDRESS");
+    const OwnBus session("DBUS_SESSION_BUS_ADDRESS");
+    const auto begin = std::chrono::steady_clock::now();
+    {
+        const Observed desktop;
+        EXPECT_TRUE(eventually([&] { return log.countOf("ist nicht erreichbar") == 2; }));
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
+    EXPECT_EQ(log.lines().size(), 2U);
+}
+
+TEST(SignalEchoes, AreTheSameWithinTwoSecondsUnlessForgotten) {
+    SignalEchoes echoes;
+    const auto at = [](int milliseconds) { return Instant(std::chrono::milliseconds(milliseconds)); };
+    EXPECT_TRUE(echoes.isNew(screenLocked, at(0)));
+    EXPECT_TRUE(echoes.isNew(sessionResigned, at(100)));
+    EXPECT_FALSE(echoes.isNew(screenLocked, at(1999)));
+    EXPECT_TRUE(echoes.isNew(screenLocked, at(2001))) << "counted from the one that was told";
+    echoes.forget(screenLocked);
+    EXPECT_TRUE(echoes.isNew(screenLocked, at(2100)));
+    EXPECT_FALSE(echoes.isNew(sessionResigned, at(2099)));
+}
 
 } // namespace
 } // namespace querlin

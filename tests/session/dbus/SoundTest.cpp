@@ -1,0 +1,150 @@
+#include "Buses.h"
+
+#include "platform/pulse/PulseSoundPlayer.h"
+#include "platform/pulse/WavSound.h"
+#include "support/CapturedLog.h"
+#include "support/Desktop.h"
+#include "support/SoundServer.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+
+namespace querlin {
+namespace {
+
+using enum FeedbackSound;
+
+/// Hears what the desktop's loudspeaker plays.
+class Listener {
+public:
+    Listener() {
+        eventually([this] { return !heard().empty(); });
+    }
+
+    /// In all samples so far, full scale 1.
+    double loudest() const {
+        double most = 0;
+        for (const auto sample : heard()) most = std::max(most, std::abs(sample / 32768.0));
+        return most;
+    }
+    /// How many milliseconds have sound in them.
+    int loudMilliseconds() const {
+        const auto samples = heard();
+        int count = 0;
+        for (std::size_t place = 0; place + 48 <= samples.size(); place += 48) {
+            double energy = 0;
+            for (std::size_t index = place; index < place + 48; ++index) energy += std::pow(samples[index] / 32768.0, 2);
+            count += energy / 48 > 1e-6 ? 1 : 0;
+        }
+        return count;
+    }
+
+private:
+    std::vector<std::int16_t> heard() const {
+        const auto bytes = contentOf(file_);
+        std::vector<std::int16_t> samples(bytes.size() / sizeof(std::int16_t));
+        if (!samples.empty()) std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(std::int16_t));
+        return samples;
+    }
+
+    TempFolder folder_;
+    std::filesystem::path file_ = folder_ / "heard.s16";
+    Program recorder_{
+        {"sh", "-c",
+         "exec parec --device=lautsprecher.monitor --raw --format=s16le --rate=48000 --channels=1 --latency-msec=10 > " + file_.string()}};
+};
+
+TEST(PulseSoundPlayer, EachSoundIsHeard) {
+    PulseSoundPlayer player(QUERLIN_SOUNDS);
+    const Listener listener;
+    struct Row {
+        FeedbackSound sound;
+        int leastMilliseconds; ///< of which each has sound in it
+    };
+    int heard = 0;
+    for (const auto& row : {Row{start, 120}, Row{success, 80}, Row{failure, 280}}) {
+        player.play(row.sound);
+        EXPECT_TRUE(eventually([&] { return listener.loudMilliseconds() > heard + row.leastMilliseconds; }))
+            << static_cast<int>(row.sound) << ": " << listener.loudMilliseconds() - heard;
+        heard = listener.loudMilliseconds();
+    }
+}
+
+TEST(PulseSoundPlayer, TwoAtOnceAreHeardTogether) {
+    const Listener listener;
+    PulseSoundPlayer player(QUERLIN_SOUNDS);
+    const auto begin = std::chrono::steady_clock::now();
+    player.play(failure);
+    player.play(failure);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(20));
+    EXPECT_TRUE(eventually([&] { return listener.loudest() > 0.35; })) << "the same sound twice as loud";
+}
+
+TEST(PulseSoundPlayer, PlaysAsASoundOfAnEvent) {
+    TempFolder sounds;
+    auto wave = contentOf(std::filesystem::path(QUERLIN_SOUNDS) / "Funk.wav");
+    // Twenty seconds of silence in place of the sound.
+    const std::uint32_t length = 48000U * 2 * 20;
+    wave.resize(44);
+    std::memcpy(wave.data() + 40, &length, sizeof length);
+    wave.append(length, '\0');
+    writeFile(sounds / "Funk.wav", wave);
+    const CapturedLog log;
+    PulseSoundPlayer player(sounds.path());
+    EXPECT_TRUE(log.has("[audio] Signaltöne fehlen oder sind beschädigt: Tink.wav, Pop.wav."));
+    player.play(start);
+    player.play(failure);
+    EXPECT_TRUE(eventually([] {
+        const auto inputs = shell("pactl list sink-inputs");
+        return inputs.contains("media.role = \"event\"") && inputs.contains("media.name = \"Funk\"") &&
+               inputs.contains("application.name = \"Querlin\"");
+    })) << shell("pactl list sink-inputs");
+    EXPECT_EQ(log.lines().size(), 1U);
+}
+
+TEST(PulseSoundPlayer, WithoutAServerThereIsSilenceUntilThereIsOne) {
+    const CapturedLog log;
+    const OwnBus noBus("DBUS_SESSION_BUS_ADDRESS"); // The desktop's server has its name on the desktop's.
+    SoundServer server;
+    server.addLoudspeaker("anderer");
+    server.pause();
+    {
+        PulseSoundPlayer player(QUERLIN_SOUNDS, server.address());
+        const auto begin = std::chrono::steady_clock::now();
+        for (int count = 0; count < 100; ++count) player.play(success);
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(50));
+    }
+    server.resume();
+    PulseSoundPlayer player(QUERLIN_SOUNDS, server.address());
+    server.kill();
+    ASSERT_TRUE(eventually([&] { return log.countOf("keine Signaltöne") == 1; }));
+    player.play(success);
+    server.start();
+    server.addLoudspeaker("anderer");
+    player.play(success);
+    EXPECT_TRUE(
+        eventually([&] { return shell("PULSE_SERVER=" + server.address() + " pactl list clients short").contains("session_dbus"); }));
+    EXPECT_EQ(log.lines().size(), 1U);
+}
+
+TEST(WavSound, DamagedFilesAreRefused) {
+    const auto whole = contentOf(std::filesystem::path(QUERLIN_SOUNDS) / "Pop.wav");
+    const auto sound = WavSound::parse(whole);
+    ASSERT_TRUE(sound);
+    EXPECT_EQ(sound->samples, whole.substr(44));
+    for (std::size_t length = 0; length < 46; ++length) EXPECT_FALSE(WavSound::parse(whole.substr(0, length))) << length;
+    EXPECT_FALSE(WavSound::parse(whole.substr(0, whole.size() - 1)));
+    const auto with = [&](std::size_t place, std::string_view bytes) { return std::string(whole).replace(place, bytes.size(), bytes); };
+    using namespace std::string_view_literals;
+    for (const auto& damaged : {with(0, "RIFX"), with(8, "WAVX"), with(16, "\xFF\xFF\xFF\xFF"), with(20, "\3"), with(22, "\0"sv),
+                                with(22, "\3"), with(24, "\0\0\0\0"sv), with(34, "\x18"), with(36, "datb"), with(40, "\xFF\xFF\xFF\xFF")}) {
+        EXPECT_FALSE(WavSound::parse(damaged));
+    }
+    EXPECT_TRUE(WavSound::parse(std::string(whole).insert(36, "LIST\3\0\0\0abc\0"sv))) << "a chunk of odd length";
+}
+
+} // namespace
+} // namespace querlin
