@@ -39,8 +39,13 @@ void DictationController::interrupted(SystemSignal signal, SystemHold hold) {
 }
 
 void DictationController::interrupt(std::string_view reason, bool forceRescue, SystemHold hold) {
-    // A dictation whose key is up is delivered, whatever happens to the screen.
-    if (!phase_.get().is(DictationPhase::Kind::recording)) return;
+    // A dictation whose key is up is delivered, whatever happens to the screen; the machine may wait for it.
+    if (!phase_.get().is(DictationPhase::Kind::recording)) {
+        for (auto* run : inPipeline_) {
+            if (hold) run->hold = hold;
+        }
+        return;
+    }
     DiagnosticsLog::note("controller", fmt::format("Diktat unterbrochen: {}", reason));
     if (forceRescue) newest_->rescueReason = reason;
     newest_->hold = std::move(hold);
