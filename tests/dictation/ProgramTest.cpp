@@ -23,7 +23,8 @@ protected:
 
     /// Starts the program with this home folder, for ten seconds at most, and gives its exit status.
     int start() const {
-        const auto command = "timeout 10 env -i HOME='" + home.path().string() + "' " + QUERLIN_PROGRAM + " >/dev/null";
+        const auto command =
+            "timeout 10 env -i TSAN_OPTIONS=\"$TSAN_OPTIONS\" HOME='" + home.path().string() + "' " + QUERLIN_PROGRAM + " >/dev/null";
         return std::system(command.c_str());
     }
 };

@@ -36,6 +36,7 @@ Program::Program(std::vector<std::string> commandLine) {
     if (id_ != 0) return;
     ::prctl(PR_SET_PDEATHSIG, SIGKILL); // Of the thread that starts it.
     ::setpgid(0, 0);
+    ::setenv("TSAN_OPTIONS", "report_bugs=0", 1); // What toolkits do isn't under test.
     const int silence = ::open("/dev/null", O_RDONLY);
     const int output = ::open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
     ::dup2(silence, STDIN_FILENO);

@@ -95,6 +95,13 @@ struct InsertionTest : testing::Test {
         const auto element = detector.focusedElement(front ? std::optional(front->processIdentifier) : std::nullopt);
         return element ? ContextDetector::stringValue(*element, AX::value) : std::nullopt;
     }
+    /// A program that is slow at the moment may show the text after the look at the field; then it counts as lost,
+    /// and is on the clipboard too.
+    bool arrives(const std::string& text) {
+        const auto outcome = insert(text);
+        const bool isHonest = outcome == Outcome::inserted || (outcome == Outcome::notInserted && copiedText() == text);
+        return isHonest && serveUntil(loop, [&] { return fieldText() == text; });
+    }
     std::map<std::string, std::string> copied() { return summary(await(loop, user.capture())); }
     std::string copiedText() { return copied()["UTF8_STRING"]; }
     std::expected<Outcome, InsertError> insert(std::string text) { return await(loop, inserter.insert(std::move(text))); }
@@ -127,12 +134,10 @@ TEST_F(InsertionTest, ReachesTheFieldsOfAWebPage) {
     writeFile(folder / "page.html", "<meta charset=utf-8><title>Seite</title><input autofocus><input type=search>");
     const auto browser =
         open({"firefox-esr", "--no-remote", "--profile", folder.path().string(), (folder / "page.html").string()}, FieldKind::singleLine);
-    EXPECT_EQ(insert("Straße"), Outcome::inserted);
-    EXPECT_EQ(fieldText(), "Straße");
+    EXPECT_TRUE(arrives("Straße"));
     shell("xdotool key Tab");
     ASSERT_TRUE(serveUntil(loop, [&] { return detector.capture().field == FieldKind::search; }));
-    EXPECT_EQ(insert("Betreuung"), Outcome::inserted);
-    EXPECT_EQ(fieldText(), "Betreuung");
+    EXPECT_TRUE(arrives("Betreuung"));
 }
 
 TEST_F(InsertionTest, LosesNothingWhenTheFocusMovesBeforeThePaste) {
