@@ -1,5 +1,7 @@
 #include "support/Desktop.h"
 
+#include "support/TempFolder.h"
+
 #include <array>
 #include <csignal>
 #include <cstdio>
@@ -76,6 +78,15 @@ std::string shell(const std::string& command) {
 }
 
 bool isInstalled(const std::string& program) { return !shell("command -v " + program).empty(); }
+
+std::vector<std::string> firefoxWith(const std::filesystem::path& folder, const std::string& body) {
+    writeFile(folder / "user.js", "user_pref('datareporting.policy.dataSubmissionPolicyBypassNotification', true);\n"
+                                  "user_pref('datareporting.policy.firstRunURL', '');\n"
+                                  "user_pref('browser.aboutwelcome.enabled', false);\n");
+    const auto page = folder / "page.html";
+    writeFile(page, "<meta charset=utf-8><title>Seite</title>" + body);
+    return {"firefox-esr", "--no-remote", "--profile", folder.string(), page.string()};
+}
 
 bool eventually(const std::function<bool()>& reached, Duration longest) {
     const auto deadline = std::chrono::steady_clock::now() + longest;

@@ -3,6 +3,7 @@
 #include "foundation/RunLoop.h"
 #include "foundation/TaskGroup.h"
 
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -35,6 +36,9 @@ private:
 /// What a command of the shell prints, without line ends behind it; empty where it fails.
 std::string shell(const std::string& command);
 bool isInstalled(const std::string& program);
+
+/// Firefox with a profile of its own in this folder, showing a page with this body, and no welcome of its own.
+std::vector<std::string> firefoxWith(const std::filesystem::path& folder, const std::string& body);
 
 /// Waits until something is so, without a main queue.
 bool eventually(const std::function<bool()>& reached, Duration longest = std::chrono::seconds(10));

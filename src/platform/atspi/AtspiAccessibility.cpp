@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -91,7 +92,7 @@ public:
         if (name != AX::focusedElement) return std::unexpected(-ENOENT);
         if (!owner_.tree()) return std::unexpected(-ENOTCONN);
         auto found = process_ ? owner_.searchedFocus(*process_) : owner_.trackedFocus();
-        if (!found) return std::unexpected(-ENOENT);
+        if (!found) return std::unexpected(found.error());
         return ElementPointer(std::make_shared<Element>(owner_, std::move(*found)));
     }
     std::expected<std::string, AccessibilityError> stringForRange(std::int64_t, std::int64_t) override {
@@ -156,43 +157,63 @@ bool AtspiAccessibility::belongsTo(const AtspiReference& element, std::int32_t p
     return ProcessTree::areRelated(known->second, process);
 }
 
-std::optional<AtspiReference> AtspiAccessibility::trackedFocus() {
+/// Without a window in front nobody's word about the focus counts.
+std::expected<AtspiReference, int> AtspiAccessibility::trackedFocus() {
     const auto front = frontProcess_();
+    if (!front) return std::unexpected(-ENOENT);
     for (const auto& element : tracker_.recent()) {
-        if (front && !belongsTo(element, *front)) continue;
+        if (!belongsTo(element, *front)) continue;
         const auto states = tree_->states(element);
         if (states && (*states & AtspiState::focused) != 0)
             return tree_->innermostFocus(element, *states, std::chrono::steady_clock::now() + longestSearch);
-        if (!states && states.error() != -ETIMEDOUT) tracker_.forget(element);
-        if (front) break; // What else this application had the focus on is older.
+        if (states) continue; // A relative of the window's process may have it.
+        if (states.error() == -ETIMEDOUT) return std::unexpected(-ETIMEDOUT);
+        tracker_.forget(element);
     }
-    return std::nullopt;
+    return std::unexpected(-ENOENT);
 }
 
-std::optional<AtspiReference> AtspiAccessibility::searchedFocus(std::int32_t process) {
+std::expected<AtspiReference, int> AtspiAccessibility::searchedFocus(std::int32_t process) {
     const auto deadline = std::chrono::steady_clock::now() + longestSearch;
+    const auto applications = tree_->children(atspiRoot());
+    if (!applications) return std::unexpected(applications.error());
     bool isKnown = false;
-    for (const auto& application : tree_->children(atspiRoot)) {
+    for (const auto& application : *applications) {
         if (!belongsTo(application, process)) continue;
         isKnown = true;
-        for (const auto& window : tree_->children(application)) {
-            if ((tree_->states(window).value_or(0) & AtspiState::active) == 0) continue;
-            auto found = tree_->findFocus(window, deadline);
-            if (!found) continue;
-            tracker_.remember(*found);
-            return found;
-        }
+        auto found = focusWithin(application, deadline);
+        if (found) tracker_.remember(*found);
+        if (found || found.error() != -ENOENT) return found;
     }
-    if (!isKnown) hint(process, "ist auf dem Bedienungshilfen-Bus nicht zu finden");
-    return std::nullopt;
+    hint(process, isKnown ? "zeigt kein Feld mit der Eingabemarke"
+                          : "ist auf dem Bedienungshilfen-Bus nicht zu finden");
+    return std::unexpected(-ENOENT);
+}
+
+/// In its active windows; in all of them where none says that it is.
+std::expected<AtspiReference, int> AtspiAccessibility::focusWithin(const AtspiReference& application,
+                                                                   Instant deadline) {
+    auto windows = tree_->children(application);
+    if (!windows) return std::unexpected(windows.error());
+    const auto isActive = [this](const AtspiReference& window) {
+        return (tree_->states(window).value_or(0) & AtspiState::active) != 0;
+    };
+    const auto inactive = std::ranges::stable_partition(*windows, isActive);
+    if (inactive.size() < windows->size()) windows->erase(inactive.begin(), inactive.end());
+    for (const auto& window : *windows) {
+        auto found = tree_->findFocus(window, deadline);
+        if (found || found.error() != -ENOENT) return found;
+    }
+    return std::unexpected(-ENOENT);
 }
 
 void AtspiAccessibility::hint(std::int32_t process, std::string_view what) {
-    if (!hinted_.insert(process).second) return;
+    const auto name = ProcessTree::name(process);
+    if (!hinted_.insert(name).second) return;
     DiagnosticsLog::note("context",
                          fmt::format("{} (PID {}) {} – die Art seiner Felder bleibt unbekannt. Neu starten "
                                      "hilft oft; Chromium braucht --force-renderer-accessibility.",
-                                     ProcessTree::name(process), process, what));
+                                     name, process, what));
 }
 
 } // namespace querlin

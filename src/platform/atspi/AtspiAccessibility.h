@@ -4,6 +4,7 @@
 #include "platform/atspi/AtspiTree.h"
 #include "platform/atspi/FocusTracker.h"
 
+#include <expected>
 #include <functional>
 #include <map>
 #include <memory>
@@ -14,10 +15,11 @@
 namespace querlin {
 
 /// Other applications' elements by the accessibility bus (AT-SPI 2). Toolkits show their trees from the
-/// moment on at which this is made; some only to programs that start later. Main thread.
+/// moment on at which this is made; some only to programs that start later. Main thread. It must outlive what
+/// it hands out.
 ///
-/// Nothing here waits for long: a call 100 ms at most, an application that has let one wait isn't asked again
-/// for a second, a search 150 ms.
+/// Nothing here waits for long: a call 100 ms at most, a search 150 ms, an application 200 ms within a
+/// second, whatever it is asked.
 class AtspiAccessibility final : public Accessibility {
 public:
     /// `frontProcess` tells whose window has the keyboard: the focus of another application is none.
@@ -29,7 +31,7 @@ public:
 
     /// Whether the accessibility bus is there. At the first time it waits for it, half a second at most.
     bool isAvailable();
-    /// Whether it is there now; if not, it is tried again at once, which shows a moment later.
+    /// Whether it is there now; if not, it is started and switched on at once, which shows a moment later.
     bool requestEnable();
 
 private:
@@ -38,8 +40,9 @@ private:
 
     std::optional<std::string> busAddress();
     AtspiTree* tree();
-    std::optional<AtspiReference> trackedFocus();
-    std::optional<AtspiReference> searchedFocus(std::int32_t process);
+    std::expected<AtspiReference, int> trackedFocus();
+    std::expected<AtspiReference, int> searchedFocus(std::int32_t process);
+    std::expected<AtspiReference, int> focusWithin(const AtspiReference& application, Instant deadline);
     bool belongsTo(const AtspiReference& element, std::int32_t process);
     void hint(std::int32_t process, std::string_view what);
 
@@ -48,10 +51,10 @@ private:
     std::string address_;
     std::unique_ptr<AtspiBus> bus_;
     std::unique_ptr<AtspiTree> tree_;
-    Instant nextAttempt_{};
+    Instant nextAttempt_;
     bool hasWaited_ = false;
     std::map<std::string, std::int32_t> processes_; ///< of names on the bus
-    std::set<std::int32_t> hinted_;                 ///< processes that have been complained about
+    std::set<std::string> hinted_;                  ///< programs that have been complained about
 };
 
 } // namespace querlin

@@ -1,30 +1,48 @@
 #include "platform/atspi/AtspiBus.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <limits>
+
+#include <poll.h>
 
 namespace querlin {
 
 namespace {
 
-constexpr Duration leftAlone = std::chrono::seconds(1);
+using Microseconds = std::chrono::microseconds;
+using Milliseconds = std::chrono::milliseconds;
+using Slot = std::unique_ptr<sd_bus_slot, Release<sd_bus_slot_unref>>;
+
+constexpr Duration longestPoll = std::chrono::hours(1);
 
 Instant now() { return std::chrono::steady_clock::now(); }
 
 std::uint64_t inMicroseconds(Duration span) {
-    const auto count = std::chrono::duration_cast<std::chrono::microseconds>(span).count();
-    return count > 0 ? static_cast<std::uint64_t>(count) : 1;
+    return static_cast<std::uint64_t>(
+        std::max(Microseconds(1), std::chrono::ceil<Microseconds>(span)).count());
+}
+
+/// When the library wants to be called without anything having come (sd_bus_get_timeout(3)).
+Instant ownDeadline(sd_bus* connection) {
+    std::uint64_t moment = 0;
+    constexpr auto never = std::numeric_limits<std::uint64_t>::max();
+    if (sd_bus_get_timeout(connection, &moment) < 0 || moment == never) return Instant::max();
+    return Instant(Microseconds(moment)); // Both clocks are the monotonic one.
 }
 
 } // namespace
 
-std::expected<AtspiBus, int> AtspiBus::openSession(Duration longest) {
+std::expected<AtspiBus, int> AtspiBus::openSession(Duration longest, Interruption interruption) {
     sd_bus* opened = nullptr;
     const int fault = sd_bus_open_user(&opened);
     if (fault < 0) return std::unexpected(fault);
-    return whenReady(AtspiConnection(opened), longest);
+    return whenReady(AtspiBus(AtspiConnection(opened), interruption), longest);
 }
 
-std::expected<AtspiBus, int> AtspiBus::open(const std::string& address, Duration longest) {
+std::expected<AtspiBus, int> AtspiBus::open(const std::string& address, Duration longest,
+                                            Interruption interruption) {
     sd_bus* made = nullptr;
     int fault = sd_bus_new(&made);
     AtspiConnection connection(made);
@@ -32,39 +50,58 @@ std::expected<AtspiBus, int> AtspiBus::open(const std::string& address, Duration
     if (fault >= 0) fault = sd_bus_set_bus_client(made, 1);
     if (fault >= 0) fault = sd_bus_start(made);
     if (fault < 0) return std::unexpected(fault);
-    return whenReady(std::move(connection), longest);
+    return whenReady(AtspiBus(std::move(connection), interruption), longest);
 }
 
-/// A call would wait for the greeting without a limit.
-std::expected<AtspiBus, int> AtspiBus::whenReady(AtspiConnection connection, Duration longest) {
-    const auto deadline = now() + longest;
-    while (sd_bus_is_ready(connection.get()) == 0) {
-        const int processed = sd_bus_process(connection.get(), nullptr);
-        if (processed < 0) return std::unexpected(processed);
+std::expected<AtspiBus, int> AtspiBus::whenReady(AtspiBus bus, Duration longest) {
+    const int fault = bus.serve([&bus] { return sd_bus_is_ready(bus.get()) != 0; }, now() + longest);
+    if (fault < 0) return std::unexpected(fault);
+    if (sd_bus_is_ready(bus.get()) < 0) return std::unexpected(-ENOTCONN);
+    return bus;
+}
+
+int AtspiBus::serve(const std::function<bool()>& reached, Instant deadline) {
+    while (!reached()) {
+        const int processed = sd_bus_process(get(), nullptr);
+        if (processed < 0) return processed;
+        if (reached()) break;
+        if (now() >= deadline) return -ETIMEDOUT;
         if (processed > 0) continue;
-        const auto left = deadline - now();
-        if (left <= Duration::zero()) return std::unexpected(-ETIMEDOUT);
-        const int waited = sd_bus_wait(connection.get(), inMicroseconds(left));
-        if (waited < 0 && waited != -EINTR) return std::unexpected(waited);
+        if (const int waited = wait(deadline); waited < 0) return waited;
     }
-    if (sd_bus_is_ready(connection.get()) < 0) return std::unexpected(-ENOTCONN);
-    return AtspiBus(std::move(connection));
+    return 0;
 }
 
-std::expected<AtspiMessage, int> AtspiBus::send(const std::string& name, sd_bus_message* message,
-                                                Duration longest) {
-    if (const auto found = hung_.find(name); found != hung_.end()) {
-        if (now() < found->second) return std::unexpected(-ETIMEDOUT);
-        hung_.erase(found);
-    }
-    if (longest <= Duration::zero()) return std::unexpected(-ETIMEDOUT);
-    sd_bus_error error = SD_BUS_ERROR_NULL;
-    sd_bus_message* answer = nullptr;
-    const int result = sd_bus_call(get(), message, inMicroseconds(longest), &error, &answer);
-    sd_bus_error_free(&error);
-    if (result == -ETIMEDOUT) hung_[name] = now() + leftAlone;
-    if (result < 0) return std::unexpected(result);
-    return AtspiMessage(answer);
+int AtspiBus::wait(Instant deadline) const {
+    const int events = sd_bus_get_events(get());
+    if (events < 0) return events;
+    const auto until = std::min(deadline, ownDeadline(get()));
+    const auto left = std::clamp(until - now(), Duration::zero(), longestPoll);
+    std::array<pollfd, 2> waiting = {
+        {{interruption_, POLLIN, 0}, {sd_bus_get_fd(get()), static_cast<short>(events), 0}}};
+    const auto milliseconds = std::chrono::ceil<Milliseconds>(left).count();
+    if (::poll(waiting.data(), waiting.size(), static_cast<int>(milliseconds)) < 0)
+        return errno == EINTR ? 0 : -errno;
+    return waiting.front().revents != 0 ? -ECANCELED : 0;
+}
+
+/// An answer that comes too late finds nobody waiting and is thrown away when the next call serves the
+/// connection.
+std::expected<AtspiMessage, int> AtspiBus::send(sd_bus_message* message, Duration longest) {
+    AtspiMessage answer;
+    const auto take = [](sd_bus_message* came, void* place, sd_bus_error*) {
+        static_cast<AtspiMessage*>(place)->reset(sd_bus_message_ref(came));
+        return 0;
+    };
+    sd_bus_slot* made = nullptr;
+    const int sent = sd_bus_call_async(get(), &made, message, take, &answer, inMicroseconds(longest));
+    if (sent < 0) return std::unexpected(sent);
+    const Slot slot(made);
+    const int served = serve([&answer] { return answer != nullptr; }, now() + longest);
+    if (served < 0) return std::unexpected(served);
+    if (sd_bus_message_is_method_error(answer.get(), nullptr) > 0)
+        return std::unexpected(-sd_bus_message_get_errno(answer.get()));
+    return answer;
 }
 
 } // namespace querlin

@@ -4,9 +4,8 @@
 #include "foundation/Time.h"
 
 #include <compare>
-#include <cstdint>
 #include <expected>
-#include <map>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -33,21 +32,26 @@ constexpr auto properties = "org.freedesktop.DBus.Properties";
 } // namespace AtspiInterface
 
 /// Where all applications of the accessibility bus hang.
-inline const AtspiReference atspiRoot{"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"};
+inline AtspiReference atspiRoot() { return {"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"}; }
 
-/// A connection to a bus on which each call waits for a limited time only. Of one thread. Errors are negative
-/// numbers of the system (-ETIMEDOUT, -ENOTCONN, …).
+/// A connection to a bus on which each wait has its end. Of one thread. Errors are negative numbers of the
+/// system
+/// (-ETIMEDOUT, -ENOTCONN, …).
 class AtspiBus {
 public:
+    /// A descriptor that ends all waits with -ECANCELED as soon as it can be read; none by default.
+    using Interruption = int;
+
     /// The bus of the user's login.
-    static std::expected<AtspiBus, int> openSession(Duration longest);
-    static std::expected<AtspiBus, int> open(const std::string& address, Duration longest);
+    static std::expected<AtspiBus, int> openSession(Duration longest, Interruption interruption = -1);
+    static std::expected<AtspiBus, int> open(const std::string& address, Duration longest,
+                                             Interruption interruption = -1);
 
     sd_bus* get() const { return connection_.get(); }
     bool isLost() const { return sd_bus_is_open(get()) <= 0; }
 
-    /// Calls a method with its arguments, as `types` names them, and waits for the answer. An application
-    /// that has let a call wait in vain isn't asked again for a second.
+    /// Calls a method with its arguments, as `types` names them, and waits for the answer. Signals that come
+    /// meanwhile are served.
     template<class... Arguments>
     std::expected<AtspiMessage, int> call(const AtspiReference& of, const char* interface, const char* member,
                                           Duration longest, const char* types = "", Arguments... arguments) {
@@ -58,16 +62,20 @@ public:
         const AtspiMessage message(made);
         const int appended = sd_bus_message_append(made, types, arguments...);
         if (appended < 0) return std::unexpected(appended);
-        return send(of.name, made, longest);
+        return send(made, longest);
     }
+    /// Serves what comes until `reached`. Zero, or an error.
+    int serve(const std::function<bool()>& reached, Instant deadline);
 
 private:
-    explicit AtspiBus(AtspiConnection connection) : connection_(std::move(connection)) {}
-    static std::expected<AtspiBus, int> whenReady(AtspiConnection connection, Duration longest);
-    std::expected<AtspiMessage, int> send(const std::string& name, sd_bus_message* message, Duration longest);
+    AtspiBus(AtspiConnection connection, Interruption interruption) :
+        connection_(std::move(connection)), interruption_(interruption) {}
+    static std::expected<AtspiBus, int> whenReady(AtspiBus bus, Duration longest);
+    std::expected<AtspiMessage, int> send(sd_bus_message* message, Duration longest);
+    int wait(Instant deadline) const;
 
     AtspiConnection connection_;
-    std::map<std::string, Instant> hung_; ///< who isn't asked before then
+    Interruption interruption_;
 };
 
 } // namespace querlin

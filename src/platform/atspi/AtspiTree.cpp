@@ -2,23 +2,21 @@
 
 #include "foundation/Utf8.h"
 
-#include <cerrno>
 #include <cstring>
 
 namespace querlin {
 
 namespace {
 
-constexpr Duration longestCall = std::chrono::milliseconds(100);
 constexpr std::size_t largestText = 1U << 20U;
 constexpr int mostNodes = 2000;
 constexpr int greatestDepth = 60;
-const AtspiReference theBus{"org.freedesktop.DBus", "/org/freedesktop/DBus"};
+AtspiReference theBus() { return {"org.freedesktop.DBus", "/org/freedesktop/DBus"}; }
 
 } // namespace
 
 std::expected<std::uint64_t, int> AtspiTree::states(const AtspiReference& element) {
-    const auto answer = bus_.call(element, AtspiInterface::accessible, "GetState", longestCall);
+    const auto answer = ask(element, AtspiInterface::accessible, "GetState");
     if (!answer) return std::unexpected(answer.error());
     const void* words = nullptr;
     std::size_t size = 0;
@@ -34,12 +32,13 @@ std::expected<AtspiDescription, int> AtspiTree::describe(const AtspiReference& e
     const auto states = this->states(element);
     if (!states) return std::unexpected(states.error());
     description.states = *states;
-    const auto role = bus_.call(element, AtspiInterface::accessible, "GetRole", longestCall);
+    const auto role = ask(element, AtspiInterface::accessible, "GetRole");
     if (!role) return std::unexpected(role.error());
     if (const int read = sd_bus_message_read(role->get(), "u", &description.role); read < 0)
         return std::unexpected(read);
-    // Not all have attributes.
-    const auto attributes = bus_.call(element, AtspiInterface::accessible, "GetAttributes", longestCall);
+    const auto attributes = ask(element, AtspiInterface::accessible, "GetAttributes");
+    // Not all have attributes; but one that doesn't answer may have one that tells of a password.
+    if (!attributes && attributes.error() == -ETIMEDOUT) return std::unexpected(attributes.error());
     if (!attributes || sd_bus_message_enter_container(attributes->get(), 'a', "{ss}") <= 0)
         return description;
     const char* key = nullptr;
@@ -49,10 +48,11 @@ std::expected<AtspiDescription, int> AtspiTree::describe(const AtspiReference& e
     return description;
 }
 
-std::vector<AtspiReference> AtspiTree::children(const AtspiReference& element) {
+std::expected<std::vector<AtspiReference>, int> AtspiTree::children(const AtspiReference& element) {
+    const auto answer = ask(element, AtspiInterface::accessible, "GetChildren");
+    if (!answer) return std::unexpected(answer.error());
     std::vector<AtspiReference> children;
-    const auto answer = bus_.call(element, AtspiInterface::accessible, "GetChildren", longestCall);
-    if (!answer || sd_bus_message_enter_container(answer->get(), 'a', "(so)") <= 0) return children;
+    if (sd_bus_message_enter_container(answer->get(), 'a', "(so)") <= 0) return children;
     const char* name = nullptr;
     const char* path = nullptr;
     while (sd_bus_message_read(answer->get(), "(so)", &name, &path) > 0) children.push_back({name, path});
@@ -60,7 +60,7 @@ std::vector<AtspiReference> AtspiTree::children(const AtspiReference& element) {
 }
 
 std::expected<bool, int> AtspiTree::hasText(const AtspiReference& element) {
-    const auto answer = bus_.call(element, AtspiInterface::accessible, "GetInterfaces", longestCall);
+    const auto answer = ask(element, AtspiInterface::accessible, "GetInterfaces");
     if (!answer) return std::unexpected(answer.error());
     if (sd_bus_message_enter_container(answer->get(), 'a', "s") <= 0) return false;
     const char* interface = nullptr;
@@ -71,8 +71,8 @@ std::expected<bool, int> AtspiTree::hasText(const AtspiReference& element) {
 }
 
 std::expected<std::int64_t, int> AtspiTree::characterCount(const AtspiReference& element) {
-    const auto answer = bus_.call(element, AtspiInterface::properties, "Get", longestCall, "ss",
-                                  AtspiInterface::text, "CharacterCount");
+    const auto answer =
+        ask(element, AtspiInterface::properties, "Get", "ss", AtspiInterface::text, "CharacterCount");
     if (!answer) return std::unexpected(answer.error());
     std::int32_t count = 0;
     const int read = sd_bus_message_read(answer->get(), "v", "i", &count);
@@ -82,8 +82,8 @@ std::expected<std::int64_t, int> AtspiTree::characterCount(const AtspiReference&
 
 std::expected<std::string, int> AtspiTree::text(const AtspiReference& element, std::int64_t from,
                                                 std::int64_t to) {
-    const auto answer = bus_.call(element, AtspiInterface::text, "GetText", longestCall, "ii",
-                                  static_cast<std::int32_t>(from), static_cast<std::int32_t>(to));
+    const auto answer = ask(element, AtspiInterface::text, "GetText", "ii", static_cast<std::int32_t>(from),
+                            static_cast<std::int32_t>(to));
     if (!answer) return std::unexpected(answer.error());
     const char* text = nullptr;
     if (const int read = sd_bus_message_read(answer->get(), "s", &text); read < 0)
@@ -94,8 +94,8 @@ std::expected<std::string, int> AtspiTree::text(const AtspiReference& element, s
 }
 
 std::expected<std::int32_t, int> AtspiTree::process(const std::string& name) {
-    const auto answer = bus_.call(theBus, "org.freedesktop.DBus", "GetConnectionUnixProcessID", longestCall,
-                                  "s", name.c_str());
+    const auto answer =
+        ask(theBus(), "org.freedesktop.DBus", "GetConnectionUnixProcessID", "s", name.c_str());
     if (!answer) return std::unexpected(answer.error());
     std::uint32_t process = 0;
     const int read = sd_bus_message_read(answer->get(), "u", &process);
@@ -110,10 +110,16 @@ bool AtspiTree::isField(const AtspiReference& element, std::uint64_t states) {
            (description->role == AtspiRole::terminal || description->role == AtspiRole::passwordText);
 }
 
-std::optional<AtspiReference> AtspiTree::findFocus(const AtspiReference& top, Instant deadline) {
-    Search state{deadline, mostNodes, std::nullopt};
+std::expected<AtspiReference, int> AtspiTree::findFocus(const AtspiReference& top, Instant deadline) {
+    Search state;
+    state.deadline = deadline;
+    state.nodesLeft = mostNodes;
+    deadline_ = deadline;
     auto found = search(top, 0, state);
-    return found ? found : state.secondBest;
+    deadline_ = Instant::max();
+    if (found) return std::move(*found);
+    if (state.secondBest) return std::move(*state.secondBest);
+    return std::unexpected(state.fault);
 }
 
 AtspiReference AtspiTree::innermostFocus(const AtspiReference& focused, std::uint64_t states,
@@ -124,18 +130,25 @@ AtspiReference AtspiTree::innermostFocus(const AtspiReference& focused, std::uin
     return findFocus(focused, deadline).value_or(focused);
 }
 
-/// What can't be seen has no focus, and neither has what is in it. Some toolkits call visible alone what
-/// others call showing.
+/// What can't be seen has no focus, and neither has what is in it. Most toolkits say showing of what is seen,
+/// and visible also of a menu that is closed; GTK 4 says showing of windows alone. An element that is gone is
+/// nothing to complain about.
 std::optional<AtspiReference> AtspiTree::search(const AtspiReference& element, int depth, Search& state) {
-    if (--state.nodesLeft < 0 || depth > greatestDepth || std::chrono::steady_clock::now() > state.deadline)
-        return std::nullopt;
-    const auto states = this->states(element).value_or(0);
-    if (depth > 0 && (states & (AtspiState::showing | AtspiState::visible)) == 0) return std::nullopt;
-    if (depth > 0 && (states & AtspiState::focused) != 0) {
-        if (isField(element, states)) return element;
+    if (--state.nodesLeft < 0 || std::chrono::steady_clock::now() > state.deadline) state.fault = -ETIMEDOUT;
+    if (state.fault == -ETIMEDOUT || depth > greatestDepth) return std::nullopt;
+    const auto states = this->states(element);
+    if (!states && states.error() == -ETIMEDOUT) state.fault = -ETIMEDOUT;
+    if (!states) return std::nullopt;
+    if (depth > 0 && (*states & AtspiState::showing) != 0) state.seen = AtspiState::showing;
+    if (depth > 0 && (*states & state.seen) == 0) return std::nullopt;
+    if (depth > 0 && (*states & AtspiState::focused) != 0) {
+        if (isField(element, *states)) return element;
         state.secondBest = element; // The innermost one, and the last that says so.
     }
-    for (const auto& child : children(element)) {
+    const auto children = this->children(element);
+    if (!children && children.error() == -ETIMEDOUT) state.fault = -ETIMEDOUT;
+    if (!children) return std::nullopt;
+    for (const auto& child : *children) {
         if (auto found = search(child, depth + 1, state)) return found;
     }
     return std::nullopt;

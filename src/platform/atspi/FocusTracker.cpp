@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include <fmt/format.h>
 #include <poll.h>
@@ -16,62 +18,40 @@ namespace querlin {
 namespace {
 
 constexpr Duration longestCall = std::chrono::seconds(1);
-constexpr int betweenAttemptsInMilliseconds = 1000;
+constexpr Duration betweenAttempts = std::chrono::seconds(1);
 constexpr std::size_t mostApplications = 32;
 
-constexpr auto rule = "type='signal',interface='org.a11y.atspi.Event.Object',member='StateChanged',"
-                      "arg0='focused'";
-const AtspiReference launcher{"org.a11y.Bus", "/org/a11y/bus"};
-const AtspiReference registry{"org.a11y.atspi.Registry", "/org/a11y/atspi/registry"};
-
-std::string readText(sd_bus_message* message) {
-    const char* text = nullptr;
-    return sd_bus_message_read(message, "s", &text) > 0 ? text : "";
-}
-
-/// The bus's address. On the way toolkits are told to show their trees.
-std::expected<std::string, int> findBus() {
-    auto session = AtspiBus::openSession(longestCall);
-    if (!session) return std::unexpected(session.error());
-    // One that can't be told so may still have a bus.
-    (void)session->call(launcher, AtspiInterface::properties, "Set", longestCall, "ssv", "org.a11y.Status",
-                        "IsEnabled", "b", 1);
-    const auto answer = session->call(launcher, "org.a11y.Bus", "GetAddress", longestCall);
-    if (!answer) return std::unexpected(answer.error());
-    auto address = readText(answer->get());
-    if (address.empty()) return std::unexpected(-ENOENT);
-    return address;
-}
-
-void waitAtMost(int wakeUp, int descriptor, short events, int longestInMilliseconds) {
-    std::array<pollfd, 2> waiting = {{{wakeUp, POLLIN, 0}, {descriptor, events, 0}}};
-    ::poll(waiting.data(), waiting.size(), longestInMilliseconds);
-    eventfd_t rung = 0;
-    if (waiting.front().revents != 0) (void)::eventfd_read(wakeUp, &rung);
-}
+constexpr auto focusRule = "type='signal',interface='org.a11y.atspi.Event.Object',member='StateChanged',"
+                           "arg0='focused'";
+constexpr auto registryRule = "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                              "member='NameOwnerChanged',arg0='org.a11y.atspi.Registry'";
+AtspiReference launcher() { return {"org.a11y.Bus", "/org/a11y/bus"}; }
+AtspiReference registry() { return {"org.a11y.atspi.Registry", "/org/a11y/atspi/registry"}; }
 
 } // namespace
 
-FocusTracker::FocusTracker() : wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+FocusTracker::Bell::Bell() : descriptor_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+
+FocusTracker::Bell::~Bell() { ::close(descriptor_); }
+
+void FocusTracker::Bell::ring() const { (void)::eventfd_write(descriptor_, 1); }
+
+void FocusTracker::Bell::silence() const {
+    eventfd_t rung = 0;
+    (void)::eventfd_read(descriptor_, &rung);
+}
+
+FocusTracker::FocusTracker() {
     thread_ = std::thread([this] { run(); });
 }
 
 FocusTracker::~FocusTracker() {
-    {
-        const std::scoped_lock guard(mutex_);
-        isEnding_ = true;
-    }
-    hurry();
+    isEnding_ = true;
+    end_.ring();
     thread_.join();
-    ::close(wakeUp_);
 }
 
-void FocusTracker::hurry() { (void)::eventfd_write(wakeUp_, 1); }
-
-bool FocusTracker::isEnding() const {
-    const std::scoped_lock guard(mutex_);
-    return isEnding_;
-}
+void FocusTracker::hurry() { hurry_.ring(); }
 
 void FocusTracker::setAddress(std::optional<std::string> address) {
     const std::scoped_lock guard(mutex_);
@@ -111,47 +91,85 @@ void FocusTracker::forget(const AtspiReference& element) {
 
 void FocusTracker::run() {
     bool isNoted = false;
-    while (!isEnding()) {
+    while (!isEnding_) {
         const auto address = findBus();
-        auto bus = address ? AtspiBus::open(*address, longestCall) : std::unexpected(address.error());
+        auto bus = address ? AtspiBus::open(*address, longestCall, end_.descriptor())
+                           : std::unexpected(address.error());
         if (bus) {
             isNoted = false;
-            setAddress(*address);
-            follow(*bus);
-        } else if (!std::exchange(isNoted, true)) {
+            follow(*bus, *address);
+        } else if (bus.error() != -ECANCELED && !std::exchange(isNoted, true)) {
             DiagnosticsLog::note("context",
                                  fmt::format("Der Bedienungshilfen-Bus ist nicht erreichbar ({}).",
                                              std::strerror(-bus.error()))); // NOLINT(concurrency-mt-unsafe)
         }
         setAddress(std::nullopt);
-        if (!isEnding()) waitAtMost(wakeUp_, -1, 0, betweenAttemptsInMilliseconds);
+        if (!isEnding_) pause();
     }
 }
 
-/// Until the connection breaks or the end comes.
-void FocusTracker::follow(AtspiBus& bus) {
-    if (sd_bus_add_match(bus.get(), nullptr, rule, &FocusTracker::heard, this) < 0) return;
-    // Toolkits send only what somebody has asked for.
-    (void)bus.call(registry, AtspiInterface::registry, "RegisterEvent", longestCall, "s",
-                   "object:state-changed:focused");
-    while (!isEnding()) {
-        const int processed = sd_bus_process(bus.get(), nullptr);
-        if (processed < 0 || bus.isLost()) return;
-        if (processed > 0) continue;
-        const int events = sd_bus_get_events(bus.get());
-        if (events < 0) return;
-        waitAtMost(wakeUp_, sd_bus_get_fd(bus.get()), static_cast<short>(events), -1);
+/// The bus's address. On the way toolkits are told to show their trees.
+std::expected<std::string, int> FocusTracker::findBus() const {
+    auto session = AtspiBus::openSession(longestCall, end_.descriptor());
+    if (!session) return std::unexpected(session.error());
+    // One that can't be told so may still have a bus.
+    (void)session->call(launcher(), AtspiInterface::properties, "Set", longestCall, "ssv", "org.a11y.Status",
+                        "IsEnabled", "b", 1);
+    const auto answer = session->call(launcher(), "org.a11y.Bus", "GetAddress", longestCall);
+    if (!answer) return std::unexpected(answer.error());
+    const char* address = nullptr;
+    if (sd_bus_message_read(answer->get(), "s", &address) <= 0 || *address == '\0')
+        return std::unexpected(-ENOENT);
+    return address;
+}
+
+/// Until the connection breaks, its registry goes or the end comes. Toolkits send only what somebody has
+/// asked for; so the bus counts as there when that is done. A registry that is just being started may answer
+/// late.
+void FocusTracker::follow(AtspiBus& bus, const std::string& address) {
+    isRegistryLost_ = false;
+    if (sd_bus_add_match_async(bus.get(), nullptr, focusRule, &FocusTracker::focusMoved, nullptr, this) < 0)
+        return;
+    if (sd_bus_add_match_async(bus.get(), nullptr, registryRule, &FocusTracker::registryChanged, nullptr,
+                               this) < 0)
+        return;
+    const auto isGone = [this] { return isRegistryLost_; };
+    bool isRegistered = false;
+    while (!isRegistered) {
+        isRegistered = bus.call(registry(), AtspiInterface::registry, "RegisterEvent", longestCall, "s",
+                                "object:state-changed:focused")
+                           .has_value();
+        setAddress(address);
+        const auto deadline =
+            isRegistered ? Instant::max() : std::chrono::steady_clock::now() + betweenAttempts;
+        if (bus.serve(isGone, deadline) != -ETIMEDOUT) return;
     }
 }
 
-int FocusTracker::heard(sd_bus_message* message, void* self, sd_bus_error* /*error*/) {
+/// Until the next attempt is due, or somebody is in a hurry.
+void FocusTracker::pause() const {
+    std::array<pollfd, 2> waiting = {{{end_.descriptor(), POLLIN, 0}, {hurry_.descriptor(), POLLIN, 0}}};
+    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(betweenAttempts).count();
+    ::poll(waiting.data(), waiting.size(), static_cast<int>(milliseconds));
+    hurry_.silence();
+}
+
+int FocusTracker::focusMoved(sd_bus_message* message, void* self, sd_bus_error* /*error*/) {
     const char* kind = nullptr;
     int isFocused = 0;
     if (sd_bus_message_read(message, "si", &kind, &isFocused) <= 0 || isFocused == 0) return 0;
     const char* sender = sd_bus_message_get_sender(message);
     const char* path = sd_bus_message_get_path(message);
-    if (!sender || !path) return 0;
-    static_cast<FocusTracker*>(self)->remember({sender, path});
+    if (sender && path) static_cast<FocusTracker*>(self)->remember({sender, path});
+    return 0;
+}
+
+/// A new registry doesn't know what the old one was asked for.
+int FocusTracker::registryChanged(sd_bus_message* message, void* self, sd_bus_error* /*error*/) {
+    const char* name = nullptr;
+    const char* before = nullptr;
+    if (sd_bus_message_read(message, "ss", &name, &before) > 0 && *before != '\0')
+        static_cast<FocusTracker*>(self)->isRegistryLost_ = true;
     return 0;
 }
 

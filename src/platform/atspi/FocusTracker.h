@@ -2,8 +2,8 @@
 
 #include "platform/atspi/AtspiBus.h"
 
+#include <atomic>
 #include <condition_variable>
-#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -13,11 +13,12 @@
 namespace querlin {
 
 /// Follows the focus on the accessibility bus, on a thread and a connection of its own, which is made again
-/// when it breaks. It hears which element has got the focus, and nothing else: no text is ever listened to.
+/// when it breaks or the bus's registry restarts, at most once a second. It hears which element has got the
+/// focus, and nothing else: no text is ever listened to.
 class FocusTracker {
 public:
     FocusTracker();
-    /// At once, unless the bus hangs just while it is asked.
+    /// At once, whatever the thread waits for.
     ~FocusTracker();
     FocusTracker(const FocusTracker&) = delete;
     FocusTracker& operator=(const FocusTracker&) = delete;
@@ -36,18 +37,38 @@ public:
     void hurry();
 
 private:
-    void run();
-    void follow(AtspiBus& bus);
-    void setAddress(std::optional<std::string> address);
-    bool isEnding() const;
-    static int heard(sd_bus_message* message, void* self, sd_bus_error* error);
+    /// Something that ends a wait (eventfd(2)).
+    class Bell {
+    public:
+        Bell();
+        ~Bell();
+        Bell(const Bell&) = delete;
+        Bell& operator=(const Bell&) = delete;
 
-    const int wakeUp_;
+        int descriptor() const { return descriptor_; }
+        void ring() const;
+        void silence() const;
+
+    private:
+        const int descriptor_;
+    };
+
+    void run();
+    std::expected<std::string, int> findBus() const;
+    void follow(AtspiBus& bus, const std::string& address);
+    void setAddress(std::optional<std::string> address);
+    void pause() const;
+    static int focusMoved(sd_bus_message* message, void* self, sd_bus_error* error);
+    static int registryChanged(sd_bus_message* message, void* self, sd_bus_error* error);
+
+    const Bell end_;
+    const Bell hurry_;
+    std::atomic<bool> isEnding_ = false;
+    bool isRegistryLost_ = false; ///< of the thread
     mutable std::mutex mutex_;
     mutable std::condition_variable attempted_;
     // Guarded by the mutex
     bool hasAttempted_ = false;
-    bool isEnding_ = false;
     std::optional<std::string> address_;
     std::vector<AtspiReference> recent_;
 

@@ -1,9 +1,10 @@
 #include "platform/atspi/ProcessTree.h"
 
+#include <cstdlib>
 #include <fstream>
-#include <string_view>
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 namespace querlin {
 
@@ -32,7 +33,9 @@ bool descends(std::int32_t process, std::int32_t ancestor) {
 
 } // namespace
 
-bool ProcessTree::areRelated(std::int32_t a, std::int32_t b) { return descends(a, b) || descends(b, a); }
+bool ProcessTree::areRelated(std::int32_t a, std::int32_t b) {
+    return a == b || (::getsid(a) == ::getsid(b) && (descends(a, b) || descends(b, a)));
+}
 
 std::string ProcessTree::name(std::int32_t process) {
     std::ifstream file(fmt::format("/proc/{}/comm", process));

@@ -1,8 +1,9 @@
-// A window of Qt fields, for tests: Tab goes from one to the next.
+// A window of Qt fields, for tests: Tab goes from one to the next. With an argument it shows that, and no field.
 
 #include <QApplication>
 #include <QComboBox>
 #include <QFormLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -10,6 +11,11 @@
 
 int main(int count, char** arguments) {
     QApplication application(count, arguments);
+    if (count > 1) {
+        QLabel label(arguments[1]);
+        label.show();
+        return QApplication::exec();
+    }
     QWidget window;
     QFormLayout layout(&window);
     QLineEdit line("Zeile");

@@ -131,9 +131,7 @@ TEST_F(InsertionTest, ReachesALineOfQt) {
 
 TEST_F(InsertionTest, ReachesTheFieldsOfAWebPage) {
     if (!isInstalled("firefox-esr")) GTEST_SKIP() << "Firefox isn't installed.";
-    writeFile(folder / "page.html", "<meta charset=utf-8><title>Seite</title><input autofocus><input type=search>");
-    const auto browser =
-        open({"firefox-esr", "--no-remote", "--profile", folder.path().string(), (folder / "page.html").string()}, FieldKind::singleLine);
+    const auto browser = open(firefoxWith(folder.path(), "<input autofocus><input type=search>"), FieldKind::singleLine);
     EXPECT_TRUE(arrives("Straße"));
     shell("xdotool key Tab");
     ASSERT_TRUE(serveUntil(loop, [&] { return detector.capture().field == FieldKind::search; }));
