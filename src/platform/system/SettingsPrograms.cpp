@@ -1,5 +1,6 @@
 #include "platform/system/SettingsPrograms.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <memory>
@@ -42,6 +43,7 @@ bool isInstalled(const char* program) {
 
 /// Its output goes nowhere, and nobody has to wait for its end.
 bool start(char** arguments) {
+    // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): a set of flags
     constexpr auto flags = static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL |
                                                     G_SPAWN_STDERR_TO_DEV_NULL);
     return g_spawn_async(nullptr, arguments, nullptr, flags, nullptr, nullptr, nullptr, nullptr) != FALSE;
@@ -72,10 +74,9 @@ bool SettingsPrograms::isFor(const Command& command, std::string_view currentDes
 
 bool SettingsPrograms::open(std::string_view subject) {
     const char* desktop = g_getenv("XDG_CURRENT_DESKTOP");
-    for (const auto& command : commandsFor(subject)) {
-        if (isFor(command, desktop ? desktop : "") && startLine(command.line)) return true;
-    }
-    return false;
+    return std::ranges::any_of(commandsFor(subject), [desktop](const Command& command) {
+        return isFor(command, desktop ? desktop : "") && startLine(command.line);
+    });
 }
 
 bool SettingsPrograms::openFolder(const std::string& folder) {

@@ -4,10 +4,8 @@
 #include <string>
 #include <string_view>
 
-namespace querlin {
-
 /// The programs in which desktops let their users set things.
-namespace SettingsPrograms {
+namespace querlin::SettingsPrograms {
 
 /// A program with what it is told, as words of a command line.
 struct Command {
@@ -29,6 +27,4 @@ bool open(std::string_view subject);
 /// Shows a folder in the desktop's file manager.
 bool openFolder(const std::string& folder);
 
-} // namespace SettingsPrograms
-
-} // namespace querlin
+} // namespace querlin::SettingsPrograms
