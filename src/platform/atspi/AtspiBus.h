@@ -35,8 +35,7 @@ constexpr auto properties = "org.freedesktop.DBus.Properties";
 inline AtspiReference atspiRoot() { return {"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"}; }
 
 /// A connection to a bus on which each wait has its end. Of one thread. Errors are negative numbers of the
-/// system
-/// (-ETIMEDOUT, -ENOTCONN, …).
+/// system (-ETIMEDOUT, -ENOTCONN, …).
 class AtspiBus {
 public:
     /// A descriptor that ends all waits with -ECANCELED as soon as it can be read; none by default.

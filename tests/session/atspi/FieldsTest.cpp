@@ -77,10 +77,9 @@ TEST_F(FieldsTest, OfATerminal) {
 TEST_F(FieldsTest, OfAWebPage) {
     if (!isInstalled("firefox-esr")) GTEST_SKIP() << "Firefox isn't installed.";
     const TempFolder folder;
-    writeFile(folder / "page.html",
-              "<meta charset=utf-8><title>Seite</title><input value=Eingabe autofocus><input type=search value=Suche>"
-              "<input type=password value=geheim><textarea>Fläche</textarea><div contenteditable>frei</div><input readonly value=fest>");
-    const Program browser({"firefox-esr", "--no-remote", "--profile", folder.path().string(), (folder / "page.html").string()});
+    const Program browser(firefoxWith(folder.path(), "<input value=Eingabe autofocus><input type=search value=Suche>"
+                                                     "<input type=password value=geheim><textarea>Fläche</textarea>"
+                                                     "<div contenteditable>frei</div><input readonly value=fest>"));
     ASSERT_TRUE(becomes("AXTextField - Eingabe", std::chrono::seconds(40)));
     for (const auto* field : {"AXTextField AXSearchField Suche", "AXTextField AXSecureTextField -", "AXTextArea - Fläche",
                               "AXTextArea - frei", "AXUnknown - fest"}) {
