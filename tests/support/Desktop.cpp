@@ -55,13 +55,6 @@ Program::~Program() {
     ::waitpid(id_, nullptr, 0);
 }
 
-bool Program::isRunning() {
-    if (id_ < 0) return false;
-    if (::waitpid(id_, nullptr, WNOHANG) == 0) return true;
-    id_ = -1;
-    return false;
-}
-
 void Program::signal(int number) const { ::kill(-id_, number); }
 
 std::string shell(const std::string& command) {

@@ -26,7 +26,6 @@ public:
     Program& operator=(const Program&) = delete;
 
     pid_t id() const { return id_; }
-    bool isRunning();
     void signal(int number) const;
 
 private:
