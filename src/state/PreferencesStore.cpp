@@ -15,14 +15,18 @@ PreferencesStore::PreferencesStore(std::filesystem::path file, const Clock& cloc
     }
     if (read.error() == DomainFault::NotThere) return;
     if (const auto place = Files::setAside(file_, clock.now())) {
-        DiagnosticsLog::note("app", fmt::format("Einstellungen nicht lesbar – beiseitegelegt als {}.",
-                                                place->filename().string()));
+        readingTrouble_ =
+            fmt::format("Einstellungen nicht lesbar – beiseitegelegt als {}.", place->filename().string());
     } else {
         mayWrite_ = false;
-        DiagnosticsLog::note("app",
-                             fmt::format("Einstellungen nicht lesbar, Änderungen gelten nur bis zum Ende: {}",
-                                         place.error().description()));
+        readingTrouble_ = fmt::format("Einstellungen nicht lesbar, Änderungen gelten nur bis zum Ende: {}",
+                                      place.error().description());
     }
+    DiagnosticsLog::note("app", *readingTrouble_);
+}
+
+std::optional<std::string> PreferencesStore::trouble() const {
+    return readingTrouble_ ? readingTrouble_ : writingTrouble_;
 }
 
 void PreferencesStore::set(std::string_view key, PreferenceValue value) {
@@ -50,9 +54,11 @@ void PreferencesStore::save() {
     auto result = Files::makeFolder(file_.parent_path());
     if (result) result = Files::writeAtomically(file_, domain_.text());
     if (result) {
-        unsaved_ = failureNoted_ = false;
-    } else if (!std::exchange(failureNoted_, true)) {
-        DiagnosticsLog::note("app", "Einstellungen nicht gespeichert: " + result.error().description());
+        unsaved_ = false;
+        writingTrouble_.reset();
+    } else if (!writingTrouble_) {
+        writingTrouble_ = "Einstellungen nicht gespeichert: " + result.error().description();
+        DiagnosticsLog::note("app", *writingTrouble_);
     }
 }
 

@@ -4,6 +4,8 @@
 #include "state/PreferenceDomain.h"
 
 #include <filesystem>
+#include <optional>
+#include <string>
 
 namespace querlin {
 
@@ -29,6 +31,9 @@ public:
     void remove(std::string_view key);
     void copyFrom(const PreferenceDomain& other, std::string_view key);
 
+    /// What is wrong with the file, in German for the user; nothing as a rule.
+    std::optional<std::string> trouble() const;
+
     /// Puts the changes of a scope into one write at its end.
     class Batch {
     public:
@@ -52,7 +57,8 @@ private:
     int openBatches_ = 0;
     bool unsaved_ = false;
     bool mayWrite_ = true;
-    bool failureNoted_ = false;
+    std::optional<std::string> readingTrouble_;
+    std::optional<std::string> writingTrouble_;
 };
 
 } // namespace querlin

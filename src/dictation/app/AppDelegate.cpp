@@ -1,0 +1,219 @@
+#include "dictation/app/AppDelegate.h"
+
+#include "cleanup/EnhancementCoordinator.h"
+#include "cleanup/RuleBasedEnhancer.h"
+#include "desktop/PasteboardInserter.h"
+#include "dictation/CrashRecovery.h"
+#include "dictation/app/SetupReport.h"
+#include "platform/av/SwrConverter.h"
+#include "speech/LocalTranscribers.h"
+#include "state/DiagnosticsLog.h"
+#include "state/Migration.h"
+#include "state/Product.h"
+#include "textchain/TextStages.h"
+#include "ui/brand/Theme.h"
+
+#include <sys/utsname.h>
+#include <unistd.h>
+
+#include <fmt/format.h>
+
+namespace querlin {
+
+namespace {
+
+/// Something is to be seen first.
+constexpr auto untilOverlayIsPrepared = std::chrono::milliseconds(500);
+/// By then the notification service can be reached.
+constexpr auto untilRecovery = std::chrono::seconds(1);
+constexpr auto untilLawCheck = std::chrono::seconds(8);
+
+std::string systemName() {
+    utsname system{};
+    return ::uname(&system) == 0 ? fmt::format("{} {}", system.sysname, system.release) : "unbekannt";
+}
+
+} // namespace
+
+struct AppDelegate::Dictation {
+    explicit Dictation(AppDelegate& app);
+
+    // Texts
+    TextChain stages;
+    RuleBasedEnhancer rules;
+    NoLanguageModel model;
+    LocalFoundationEnhancer modelEnhancer{model};
+    EnhancementCoordinator enhancement;
+    DictationHistory history;
+
+    // The desktop
+    HotkeyManager hotkey;
+    ContextDetector contextDetector;
+    CorrectionWatcher watcher;
+    PasteboardInserter inserter;
+    Notifier notifier;
+    RescueFolder rescueFolder;
+    DictationRescue rescue{rescueFolder, inserter, notifier};
+
+    // Hearing
+    AudioRecorder recorder;
+    LocalTranscribers transcribers;
+
+    DictationController controller;
+};
+
+AppDelegate::Dictation::Dictation(AppDelegate& app) :
+    stages(app.corpus_),
+    rules(app.machine_.runtime()),
+    enhancement(*app.settings_, rules, modelEnhancer),
+    history(app.places_.paths.support, app.machine_.clock),
+    hotkey(app.machine_.queue, app.machine_.keyboard, app.permissions_, app.settings_->hotkey.get(),
+           app.places_.executable),
+    contextDetector(app.permissions_, app.machine_.accessibility, app.machine_.workspace),
+    watcher(app.machine_.runtime(), app.permissions_, app.machine_.accessibility),
+    inserter({.runtime = app.machine_.runtime(),
+              .permissions = app.permissions_,
+              .contextDetector = contextDetector,
+              .workspace = app.machine_.workspace,
+              .pasteboard = app.machine_.pasteboard,
+              .pasteKey = app.machine_.pasteKey}),
+    notifier(&app.machine_.notifications),
+    rescueFolder(app.places_.paths.rescuedDictations(), app.machine_.clock),
+    recorder({.mainQueue = app.machine_.queue,
+              .clock = app.machine_.clock,
+              .hardware = app.machine_.hardware,
+              .files = app.machine_.audioFiles,
+              .folder = RecordingFolder(app.places_.paths.recordings)}),
+    transcribers(app.machine_.runtime(), app.machine_.classic, app.machine_.streaming, makeSwrConverter),
+    controller(app.machine_.runtime(), {.settings = *app.settings_,
+                                        .statistics = *app.statistics_,
+                                        .history = history,
+                                        .rescue = rescue,
+                                        .notifier = notifier,
+                                        .windows = *app.windows_,
+                                        .sounds = app.machine_.sounds,
+                                        .hotkey = hotkey,
+                                        .permissions = app.permissions_,
+                                        .contextDetector = contextDetector,
+                                        .inserter = inserter,
+                                        .correctionWatcher = watcher,
+                                        .systemSignals = app.machine_.signals,
+                                        .recorder = recorder,
+                                        .audioDevices = app.machine_.devices,
+                                        .transcribers = transcribers,
+                                        .vocabulary = app.vocabulary_,
+                                        .textStages = stages,
+                                        .ruleBasedEnhancer = rules,
+                                        .enhancement = enhancement}) {}
+
+AppDelegate::AppDelegate(Machine& machine, Places places, std::function<void()> quit) :
+    machine_(machine),
+    places_(std::move(places)),
+    quit_(std::move(quit)),
+    lawFiles_(places_.paths.laws(), places_.resources),
+    corpus_(lawFiles_, machine.clock),
+    vocabulary_(places_.resources, machine.pool),
+    permissions_(machine.queue, machine.access, machine.workspace),
+    attention_(machine.queue, machine.buses, std::string(Product::bundleIdentifier),
+               [this] {
+                   if (statusItemController_) statusItemController_->present();
+               }),
+    colors_(machine.queue, machine.buses, [](bool prefersDark) {
+        Theme::appearance().set(prefersDark ? Appearance::dark : Appearance::light);
+    }) {}
+
+AppDelegate::~AppDelegate() {
+    if (windows_) windows_->setController(nullptr);
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    DiagnosticsLog::note("app", fmt::format("=== Start === {}", places_.executable));
+    DiagnosticsLog::note("app", fmt::format("PID {}, {}", ::getpid(), systemName()));
+
+    preferences_ = std::make_unique<PreferencesStore>(places_.paths.preferencesFile(Product::bundleIdentifier),
+                                                      machine_.clock);
+    Migration::runIfNeeded(*preferences_, Product::legacyDomain, places_.paths.preferencesFile(Product::legacyDomain));
+    settings_ = std::make_unique<AppSettings>(*preferences_);
+    settings_->recordLaunch(machine_.clock.now());
+    statistics_ = std::make_unique<UsageStatistics>(*preferences_, machine_.clock);
+    legalUpdates_ =
+        std::make_unique<LegalUpdateService>(*settings_, lawFiles_, corpus_, machine_.http, machine_.runtime());
+    windows_ = std::make_unique<WindowCoordinator>(WindowSources{.runtime = machine_.runtime(),
+                                                                 .settings = *settings_,
+                                                                 .statistics = *statistics_,
+                                                                 .legalUpdates = *legalUpdates_,
+                                                                 .corpus = corpus_,
+                                                                 .focusReturn = machine_.focusReturn,
+                                                                 .findings = [this] { return findings(); }});
+    dictation_ = std::make_unique<Dictation>(*this);
+    windows_->setController(&dictation_->controller);
+    makeStatusItem();
+    preload();
+    dictation_->controller.start();
+    startLater();
+    if (!permissions_.isAccessibilityTrusted()) {
+        DiagnosticsLog::note("app", "Nicht berechtigt – zeige Systemdialog.");
+        permissions_.requestAccessibility();
+    }
+    if (!settings_->hasCompletedOnboarding.get()) windows_->showOnboarding();
+}
+
+void AppDelegate::makeStatusItem() {
+    statusItemController_ =
+        std::make_unique<StatusItemController>(StatusItemSources{.mainQueue = machine_.queue,
+                                                                 .controller = dictation_->controller,
+                                                                 .settings = *settings_,
+                                                                 .windows = *windows_,
+                                                                 .legalUpdates = *legalUpdates_,
+                                                                 .permissions = permissions_,
+                                                                 .inserter = dictation_->inserter,
+                                                                 .focusReturn = machine_.focusReturn,
+                                                                 .logFile = places_.paths.log,
+                                                                 .quit = quit_});
+}
+
+/// Each returns at once; whoever is faster than these waits.
+void AppDelegate::preload() {
+    corpus_.preload(machine_.pool);
+    vocabulary_.preload();
+    if (settings_->cleanupMode.get() == CleanupMode::local)
+        dictation_->modelEnhancer.prewarm(settings_->writingStyle.get());
+    if (settings_->engine.get() == TranscriptionEngine::speechAnalyzer && machine_.streaming.isHere()) {
+        machine_.streaming.preload();
+        return;
+    }
+    auto begin = lifetime_.onMain(machine_.queue, [this](std::vector<std::string> words) { machine_.classic.preload(std::move(words)); });
+    machine_.pool.run([this, begin, terms = settings_->userDictionary.get(), limit = settings_->contextualLimit.get()] {
+        begin(vocabulary_.contextualStrings(terms, limit));
+    });
+}
+
+void AppDelegate::startLater() {
+    const auto later = [this](Duration delay, Work work) { delayed_.push_back(machine_.queue.after(delay, std::move(work))); };
+    later(untilOverlayIsPrepared, [this] { windows_->prepareOverlay(); });
+    later(untilRecovery, [this] { reportTroubles(); });
+    later(untilLawCheck, [this] { legalUpdates_->checkIfDue(); });
+}
+
+void AppDelegate::reportTroubles() {
+    CrashRecovery::rescueLeftBehind(RecordingFolder(places_.paths.recordings), dictation_->rescueFolder,
+                                    dictation_->notifier);
+    if (const auto trouble = preferences_->trouble()) {
+        windows_->showEnhancementFailureNotice(*trouble);
+        dictation_->notifier.post("Einstellungen", *trouble);
+    }
+}
+
+std::vector<SetupFinding> AppDelegate::findings() {
+    return SetupReport::make({.machine = machine_,
+                              .models = places_.paths.models(),
+                              .corpus = corpus_,
+                              .hotkey = settings_->hotkey.get().displayName(),
+                              .settingsTrouble = preferences_->trouble()});
+}
+
+void AppDelegate::applicationWillTerminate() {
+    if (dictation_) dictation_->controller.shutdown();
+}
+
+} // namespace querlin

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "desktop/FocusReturn.h"
+#include "foundation/Clock.h"
+#include "foundation/Runtime.h"
+#include "foundation/ThreadPool.h"
+#include "platform/atspi/AtspiAccessibility.h"
+#include "platform/curl/CurlHttpClient.h"
+#include "platform/dbus/DBusThread.h"
+#include "platform/dbus/DesktopNotifications.h"
+#include "platform/dbus/DesktopSignals.h"
+#include "platform/pocketsphinx/ClassicService.h"
+#include "platform/pulse/PulseAudio.h"
+#include "platform/pulse/PulseSoundPlayer.h"
+#include "platform/qt/QtMainQueue.h"
+#include "platform/sherpa/StreamingService.h"
+#include "platform/sndfile/SndfileCreator.h"
+#include "platform/system/SystemPermissions.h"
+#include "platform/x11/KeyboardGrab.h"
+#include "platform/x11/X11FocusReturn.h"
+#include "platform/x11/X11Keyboard.h"
+#include "platform/x11/X11PasteKey.h"
+#include "platform/x11/X11Pasteboard.h"
+#include "platform/x11/X11Workspace.h"
+#include "speech/AudioDevices.h"
+#include "state/ApplicationPaths.h"
+
+#include <filesystem>
+
+namespace querlin {
+
+/// All that the program reaches of the machine it runs on: an adapter for each port, in the order in which they
+/// need one another. Nothing here decides anything. Made and destroyed on the main thread, behind the toolkit's
+/// application object.
+struct Machine {
+    Machine(const ApplicationPaths& paths, const std::filesystem::path& resources);
+
+    Runtime runtime() { return {.mainQueue = queue, .clock = clock, .background = pool}; }
+    bool hasMicrophone() { return devices.systemDefaultInput().has_value(); }
+    bool canRecognise();
+
+    QtMainQueue queue;
+    SystemClock clock;
+
+    // The desktop
+    X11Workspace workspace;
+    /// Early: programs that start from here on show what is in their windows.
+    AtspiAccessibility accessibility;
+    X11Keyboard keyboard{queue};
+    KeyboardGrab keyboardGrab;
+    X11Pasteboard pasteboard{queue};
+    X11PasteKey pasteKey{queue};
+    X11FocusReturn focusReturn{queue};
+    DBusThread buses;
+    DesktopSignals signals{queue, buses};
+    DesktopNotifications notifications{buses};
+
+    // Sound and recognition
+    PulseAudio hardware{queue};
+    AudioDevices devices{hardware};
+    SndfileCreator audioFiles;
+    PulseSoundPlayer sounds;
+    ClassicService classic;
+    StreamingService streaming;
+
+    SystemPermissions access;
+    CurlHttpClient http{queue};
+    ThreadPool pool{2}; ///< last: what still runs on it is waited for first
+};
+
+} // namespace querlin

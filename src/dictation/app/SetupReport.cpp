@@ -1,0 +1,73 @@
+#include "dictation/app/SetupReport.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include <fmt/format.h>
+
+namespace querlin::SetupReport {
+
+namespace {
+
+SetupFinding microphone(Machine& machine) {
+    const auto input = machine.devices.systemDefaultInput();
+    return {.name = "Mikrofon",
+            .state = input ? input->name
+                           : "Keines gefunden. Ein angeschlossenes Mikrofon wird von selbst bemerkt; sonst hilft ein Blick in "
+                             "die Klangeinstellungen.",
+            .isFine = input.has_value()};
+}
+
+SetupFinding recognition(Machine& machine, const std::filesystem::path& models) {
+    if (machine.streaming.isHere())
+        return {.name = "Spracherkennung", .state = "Eigenes Sprachmodell", .isFine = true};
+    std::string state = machine.canRecognise() ? "Nur das Startmodell zur Vorführung, das Menschen kaum versteht."
+                                               : "Das mitgelieferte Startmodell fehlt oder ist beschädigt.";
+    state += fmt::format(" Für die Arbeit gehört ein deutsches Sprachmodell in den Ordner {}.", models.string());
+    for (const auto& report : machine.streaming.models()) {
+        if (!report.model) state += fmt::format("\n„{}“: {}", report.name, report.model.error());
+    }
+    return {.name = "Spracherkennung", .state = std::move(state), .isFine = false};
+}
+
+SetupFinding hotkey(Machine& machine, const std::string& name) {
+    const bool canListen = machine.keyboard.isAvailable();
+    return {.name = "Diktiertaste",
+            .state = canListen ? fmt::format("{} halten, sprechen, loslassen", name)
+                               : "Tasten lassen sich hier nicht hören: Das geht bisher nur in einer X11-Sitzung.",
+            .isFine = canListen};
+}
+
+SetupFinding fields(Machine& machine) {
+    const bool canLook = machine.accessibility.isAvailable();
+    return {.name = "Bedienungshilfen",
+            .state = canLook ? "Felder anderer Programme können gelesen werden."
+                             : "Der Bedienungshilfen-Bus fehlt (Paket at-spi2-core): Passwortfelder würden nicht erkannt.",
+            .isFine = canLook};
+}
+
+SetupFinding laws(LegalCorpus& corpus) {
+    if (!corpus.isLoaded()) return {.name = "Gesetze", .state = "Werden gelesen …", .isFine = true};
+    const auto loaded = corpus.laws();
+    const auto sections = std::accumulate(loaded.begin(), loaded.end(), std::size_t{0},
+                                          [](std::size_t sum, const LegalLaw& law) { return sum + law.sections.size(); });
+    if (sections == 0)
+        return {.name = "Gesetze",
+                .state = "Noch keine Texte da: Sie werden kurz nach dem Start vom Gesetzesportal des Bundes geladen.",
+                .isFine = false};
+    return {.name = "Gesetze",
+            .state = fmt::format("{} Gesetze mit {} Paragraphen", loaded.size(), sections),
+            .isFine = true};
+}
+
+} // namespace
+
+std::vector<SetupFinding> make(const Sources& sources) {
+    std::vector findings = {microphone(sources.machine), recognition(sources.machine, sources.models),
+                            hotkey(sources.machine, sources.hotkey), fields(sources.machine), laws(sources.corpus)};
+    if (sources.settingsTrouble)
+        findings.push_back({.name = "Einstellungen", .state = *sources.settingsTrouble, .isFine = false});
+    return findings;
+}
+
+} // namespace querlin::SetupReport

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "dictation/app/Machine.h"
+#include "legal/LegalCorpus.h"
+#include "ui/windows/SetupFinding.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace querlin {
+
+/// What the program needs and how it stands with it, for the user.
+namespace SetupReport {
+
+struct Sources {
+    Machine& machine;
+    std::filesystem::path models;
+    LegalCorpus& corpus;
+    std::string hotkey;
+    /// What is wrong with the settings' file.
+    std::optional<std::string> settingsTrouble;
+};
+
+std::vector<SetupFinding> make(const Sources& sources);
+
+} // namespace SetupReport
+
+} // namespace querlin

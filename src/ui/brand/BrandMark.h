@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+
+#include <QColor>
+#include <QIcon>
+#include <QImage>
+#include <QPainterPath>
+#include <QRectF>
+
+class QPainter;
+
+/// The program's mark: a microphone, as a rule with a section sign beside it. Vector shapes in any colour.
+namespace querlin::BrandMark {
+
+enum class SectionSign : std::uint8_t { without, with };
+
+void draw(QPainter& painter, const QRectF& rect, const QColor& color, SectionSign sectionSign);
+
+/// The mark for the tray, `height` · 1.15 wide, black on nothing: trays don't colour pictures, so the caller
+/// names the colour.
+QImage statusItemImage(int height, const QColor& color, qreal devicePixelRatio = 1);
+
+/// A superellipse of exponent 5.
+QPainterPath squirclePath(const QRectF& rect);
+
+/// The program's icon, square.
+QImage appIcon(int pixelSize);
+
+/// The mark with the section sign, filling the image.
+QImage glyphImage(int pixelSize, const QColor& color);
+
+/// The icon in all the sizes that desktops ask for.
+QIcon windowIcon();
+
+} // namespace querlin::BrandMark

@@ -1,0 +1,215 @@
+#include "ui/windows/WindowCoordinator.h"
+
+#include "state/DiagnosticsLog.h"
+#include "ui/brand/Brand.h"
+#include "ui/brand/BrandMark.h"
+#include "ui/lookup/LegalLookupView.h"
+#include "ui/overlay/OverlayView.h"
+#include "ui/suggestion/CorrectionSuggestionView.h"
+#include "ui/suggestion/SuggestionPanel.h"
+#include "ui/windows/BringToFront.h"
+#include "ui/windows/ComingLaterView.h"
+#include "ui/windows/SetupView.h"
+
+#include <map>
+
+#include <fmt/format.h>
+
+namespace querlin {
+
+namespace {
+
+constexpr auto noticeTime = std::chrono::seconds(30);
+constexpr auto suggestionTime = std::chrono::seconds(20);
+
+/// A window with its frame, not yet shown.
+struct Frame {
+    std::string title;
+    QSize size;
+    bool isResizable = false;
+};
+
+void frame(QWidget& window, const Frame& frame) {
+    Qt::WindowFlags flags = Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint |
+                            Qt::WindowMinimizeButtonHint | Qt::CustomizeWindowHint;
+    if (frame.isResizable) flags |= Qt::WindowMaximizeButtonHint;
+    window.setWindowFlags(flags);
+    window.setWindowTitle(Brand::text(frame.title));
+    window.setWindowIcon(BrandMark::windowIcon());
+    if (frame.isResizable) {
+        window.resize(frame.size);
+    } else {
+        window.setFixedSize(frame.size);
+    }
+    centre(window);
+}
+
+std::string ofProduct(std::string_view title) { return fmt::format(fmt::runtime(title), Brand::productName); }
+
+} // namespace
+
+/// One of each kind at most. A closed window keeps what it shows.
+struct WindowCoordinator::Windows {
+    using Pointer = std::unique_ptr<QWidget>;
+
+    /// Brings the window to the front; makes it where there is none.
+    template<class Window, class Make>
+    static void show(std::unique_ptr<Window>& window, const Frame& wanted, Make make) {
+        if (!window) {
+            window = make();
+            frame(*window, wanted);
+        }
+        bringToFront(*window);
+    }
+    static void showComingLater(Pointer& window, const Frame& wanted, const std::string& text) {
+        show(window, wanted, [&] { return std::make_unique<ComingLaterView>(text); });
+    }
+
+    Pointer settings;
+    Pointer onboarding;
+    Pointer about;
+    Pointer history;
+    Pointer update;
+    Pointer suite;
+    std::unique_ptr<LegalLookupView> legal;
+    std::map<std::string, Pointer> comingLater;
+    std::unique_ptr<FloatingPanel> overlay;
+    std::unique_ptr<SuggestionPanel> suggestion;
+};
+
+WindowCoordinator::WindowCoordinator(WindowSources sources) :
+    sources_(std::move(sources)), windows_(std::make_unique<Windows>()) {}
+
+WindowCoordinator::~WindowCoordinator() = default;
+
+void WindowCoordinator::setController(DictationController* controller) {
+    controller_ = controller;
+    if (controller) return;
+    windows_->overlay.reset(); // They look at it.
+    windows_->legal.reset();
+}
+
+// Windows
+
+void WindowCoordinator::showSettings(SettingsSection /*section*/) {
+    Windows::showComingLater(
+        windows_->settings, {.title = ofProduct("{} – Einstellungen"), .size = {800, 580}},
+        fmt::format("Die Einstellungen kommen mit der nächsten Version. Bis dahin gelten die Vorgaben: gehalten wird {}, "
+                    "geschrieben im Aktenstil.",
+                    sources_.settings.hotkey.get().displayName()));
+}
+
+void WindowCoordinator::showOnboarding() {
+    Windows::show(windows_->onboarding, {.title = ofProduct("{} einrichten"), .size = {620, 720}},
+                   [this] { return std::make_unique<SetupView>(sources_.findings, [this] { finishOnboarding(); }); });
+}
+
+/// The window is under its own button: it goes later.
+void WindowCoordinator::finishOnboarding() {
+    sources_.settings.hasCompletedOnboarding.set(true);
+    windows_->onboarding->close();
+    windows_->onboarding.release()->deleteLater();
+    if (controller_) controller_->installHotkey();
+}
+
+void WindowCoordinator::showAbout() {
+    Windows::showComingLater(windows_->about, {.title = ofProduct("Über {}"), .size = {400, 320}},
+                              fmt::format("{} {}\n\nSprechen · Erkennen · Einfügen", Brand::productName, Product::version));
+}
+
+void WindowCoordinator::showLegalLookup() {
+    Windows::show(windows_->legal, {.title = "Gesetze nachschlagen – BGB und FamFG", .size = {820, 520}, .isResizable = true},
+                   [this] {
+                       return std::make_unique<LegalLookupView>(LegalLookupSources{.runtime = sources_.runtime,
+                                                                                   .corpus = sources_.corpus,
+                                                                                   .updates = sources_.legalUpdates,
+                                                                                   .controller = controller_,
+                                                                                   .focusReturn = sources_.focusReturn});
+                   });
+}
+
+void WindowCoordinator::showHistory() {
+    if (!controller_) return;
+    Windows::showComingLater(windows_->history, {.title = "Diktatverlauf", .size = {780, 520}, .isResizable = true},
+                              "Das Fenster des Diktatverlaufs kommt mit der nächsten Version. Aufgezeichnet wird er "
+                              "schon: Was Sie diktieren, geht nicht verloren.");
+}
+
+void WindowCoordinator::showUpdateWindow() {
+    Windows::showComingLater(windows_->update, {.title = ofProduct("{} aktualisieren"), .size = {460, 320}},
+                              "Die Suche nach neuen Versionen kommt mit der nächsten Version. Bis dahin kommen sie über "
+                              "die Paketverwaltung.");
+}
+
+void WindowCoordinator::showSuite() {
+    Windows::showComingLater(windows_->suite,
+                              {.title = fmt::format("Die {} kennenlernen", Brand::suiteName), .size = {460, 360}},
+                              fmt::format("{} gehört zur {}: Werkzeuge für dieselbe Arbeit – alle auf dem eigenen Rechner. "
+                                          "Mehr darüber kommt mit der nächsten Version.",
+                                          Brand::productName, Brand::suiteName));
+}
+
+void WindowCoordinator::showComingLater(const std::string& title, const std::string& text) {
+    Windows::showComingLater(windows_->comingLater[title], {.title = title, .size = {460, 320}}, text);
+}
+
+// Panels
+
+void WindowCoordinator::prepareOverlay() {
+    if (!controller_ || windows_->overlay) return;
+    windows_->overlay =
+        std::make_unique<FloatingPanel>(new OverlayView(*controller_, sources_.settings),
+                                        FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"));
+    windows_->overlay->positionAtBottomCenter();
+    windows_->overlay->winId();
+    windows_->overlay->grab(); // Fonts are loaded, everything is laid out.
+}
+
+void WindowCoordinator::showOverlay() {
+    prepareOverlay();
+    if (!windows_->overlay) return;
+    windows_->overlay->positionAtBottomCenter();
+    windows_->overlay->orderFront();
+}
+
+void WindowCoordinator::hideOverlay() {
+    if (windows_->overlay) windows_->overlay->orderOut();
+}
+
+void WindowCoordinator::showCorrectionSuggestion(const CorrectionSuggestion& suggestion) {
+    dismissSuggestion();
+    auto* view = new CorrectionSuggestionView(suggestion, [this, suggestion] { accept(suggestion); },
+                                              [this] { dismissSuggestion(); });
+    windows_->suggestion = std::make_unique<SuggestionPanel>(view);
+    windows_->suggestion->positionAtBottomCenter();
+    windows_->suggestion->orderFront();
+    suggestionTimeout_ = sources_.runtime.mainQueue.after(suggestionTime, [this] { dismissSuggestion(); });
+}
+
+void WindowCoordinator::accept(const CorrectionSuggestion& suggestion) {
+    sources_.settings.addUserTerm(suggestion.corrected);
+    DiagnosticsLog::note("learn", fmt::format("„{}“ ins Wörterbuch übernommen.", suggestion.corrected));
+    dismissSuggestion();
+}
+
+/// The panel may be under one of its own buttons: it goes later.
+void WindowCoordinator::dismissSuggestion() {
+    suggestionTimeout_.reset();
+    if (!windows_->suggestion) return;
+    windows_->suggestion->orderOut();
+    windows_->suggestion.release()->deleteLater();
+}
+
+// The notice
+
+void WindowCoordinator::showEnhancementFailureNotice(const std::string& reason) {
+    lastNotice_.set(reason);
+    noticeReset_ = sources_.runtime.mainQueue.after(noticeTime, [this] { lastNotice_.set(std::nullopt); });
+}
+
+void WindowCoordinator::clearNotice() {
+    noticeReset_.reset();
+    lastNotice_.set(std::nullopt);
+}
+
+} // namespace querlin

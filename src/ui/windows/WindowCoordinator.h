@@ -1,0 +1,96 @@
+#pragma once
+
+#include "desktop/FocusReturn.h"
+#include "dictation/DictationController.h"
+#include "dictation/DictationWindows.h"
+#include "foundation/Published.h"
+#include "foundation/Runtime.h"
+#include "legal/LegalUpdateService.h"
+#include "state/AppSettings.h"
+#include "state/UsageStatistics.h"
+#include "ui/windows/SetupFinding.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace querlin {
+
+/// The page that the settings window opens with.
+enum class SettingsSection : std::uint8_t {
+    general,
+    audio,
+    transcription,
+    enhancement,
+    profiles,
+    blocks,
+    vocabulary,
+    laws,
+    privacy,
+    statistics,
+    permissions
+};
+
+/// What the windows show, and work with; all of it outlives the coordinator.
+struct WindowSources {
+    Runtime runtime;
+    AppSettings& settings;
+    UsageStatistics& statistics;
+    LegalUpdateService& legalUpdates;
+    LegalCorpus& corpus;
+    FocusReturn& focusReturn;
+    /// What the program finds of all that it needs, looked up afresh.
+    std::function<std::vector<SetupFinding>()> findings;
+};
+
+/// Owns every window and floating panel: makes each at its first use, keeps it, and brings it to the front.
+/// Keeps the one message that outlives a dictation, too. Main thread.
+class WindowCoordinator final : public DictationWindows {
+public:
+    explicit WindowCoordinator(WindowSources sources);
+    ~WindowCoordinator() override;
+    WindowCoordinator(const WindowCoordinator&) = delete;
+    WindowCoordinator& operator=(const WindowCoordinator&) = delete;
+
+    /// The controller needs this object, and this one the controller: told later, and null when it is gone.
+    void setController(DictationController* controller);
+
+    void showSettings(SettingsSection section);
+    void showOnboarding() override;
+    void showAbout();
+    void showLegalLookup();
+    void showHistory();
+    void showUpdateWindow();
+    void showSuite();
+    /// Says that something comes with a later version.
+    void showComingLater(const std::string& title, const std::string& text);
+
+    /// Makes the overlay ready, so that the first dictation doesn't wait for it.
+    void prepareOverlay();
+    void showOverlay() override;
+    void hideOverlay() override;
+    void showCorrectionSuggestion(const CorrectionSuggestion& suggestion) override;
+    void dismissSuggestion();
+
+    /// The notice in the status menu; it goes after 30 seconds.
+    void showEnhancementFailureNotice(const std::string& reason) override;
+    void clearNotice();
+    const Published<std::optional<std::string>>& lastNotice() const { return lastNotice_; }
+
+private:
+    struct Windows;
+
+    void accept(const CorrectionSuggestion& suggestion);
+    void finishOnboarding();
+
+    WindowSources sources_;
+    DictationController* controller_ = nullptr;
+    Published<std::optional<std::string>> lastNotice_;
+    Registration noticeReset_;
+    Registration suggestionTimeout_;
+    std::unique_ptr<Windows> windows_;
+};
+
+} // namespace querlin

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QApplication>
+
+namespace querlin {
+
+/// The toolkit's one application of this process. Without a display it draws into memory.
+inline QApplication& qtApplication() {
+    static int count = 1;
+    static std::array<char, 8> name{"querlin"};
+    static std::array<char*, 2> arguments{name.data(), nullptr};
+    if (!qEnvironmentVariableIsSet("DISPLAY")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    static QApplication application(count, arguments.data());
+    QApplication::setQuitOnLastWindowClosed(false);
+    return application;
+}
+
+} // namespace querlin
