@@ -33,7 +33,7 @@ SetupFinding recognition(Machine& machine, const std::filesystem::path& models) 
 SetupFinding hotkey(Machine& machine, const std::string& name) {
     const bool canListen = machine.keyboard.isAvailable();
     return {.name = "Diktiertaste",
-            .state = canListen ? fmt::format("{} halten, sprechen, loslassen", name)
+            .state = canListen ? fmt::format("{}, sprechen, loslassen", name)
                                : "Tasten lassen sich hier nicht hören: Das geht bisher nur in einer X11-Sitzung.",
             .isFine = canListen};
 }

@@ -70,9 +70,10 @@ private:
 };
 
 ApplicationService::ApplicationService(MainQueue& queue, DBusThread& buses, std::string name,
-                                       std::function<void()> onActivate) :
-    client_(std::make_shared<Client>(std::move(name), lifetime_.onMain(queue, std::move(onActivate)))),
-    joined_(buses.add(client_)) {}
+                                       std::function<void()> onActivate) {
+    client_ = std::make_shared<Client>(std::move(name), lifetime_.onMain(queue, std::move(onActivate)));
+    joined_ = buses.add(client_);
+}
 
 ApplicationService::~ApplicationService() = default;
 

@@ -71,8 +71,10 @@ private:
     BusSlot asking_;
 };
 
-ColorScheme::ColorScheme(MainQueue& queue, DBusThread& buses, std::function<void(bool)> changed) :
-    client_(std::make_shared<Client>(lifetime_.onMain(queue, std::move(changed)))), joined_(buses.add(client_)) {}
+ColorScheme::ColorScheme(MainQueue& queue, DBusThread& buses, std::function<void(bool)> changed) {
+    client_ = std::make_shared<Client>(lifetime_.onMain(queue, std::move(changed)));
+    joined_ = buses.add(client_);
+}
 
 ColorScheme::~ColorScheme() = default;
 

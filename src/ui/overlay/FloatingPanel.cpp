@@ -42,7 +42,7 @@ QScreen* chosenScreen() {
 void paintShadow(QPainter& painter, const QRectF& shape, double radius) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0, 0, 0, 5));
+    painter.setBrush(QColor(0, 0, 0, 2));
     for (int reach = 1; reach < shadowReach - shadowOffset; ++reach) {
         painter.drawRoundedRect(shape.adjusted(-reach, -reach, reach, reach), radius + reach, radius + reach);
     }

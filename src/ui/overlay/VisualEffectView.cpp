@@ -15,13 +15,17 @@ void VisualEffectView::setTranslucent(bool translucent) {
 }
 
 void VisualEffectView::paintEvent(QPaintEvent* /*event*/) {
-    auto material = Theme::material();
-    if (!isTranslucent_) material.setAlpha(255);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(material);
-    painter.drawRoundedRect(rect(), cornerRadius_, cornerRadius_);
+    auto material = Theme::material();
+    if (isTranslucent_) {
+        painter.setBrush(material);
+        painter.drawRoundedRect(rect(), cornerRadius_, cornerRadius_);
+    } else { // The window is cut to its shape; half a pixel of nothing would be black.
+        material.setAlpha(255);
+        painter.fillRect(rect(), material);
+    }
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(Brand::withOpacity(Brand::primary, 0.22), 1));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius_ - 0.5, cornerRadius_ - 0.5);

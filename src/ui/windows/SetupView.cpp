@@ -84,7 +84,8 @@ void SetupView::showEvent(QShowEvent* /*event*/) {
 void SetupView::hideEvent(QHideEvent* /*event*/) { timer_.stop(); }
 
 void SetupView::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::PaletteChange && rows_) rebuild();
+    // Later: the new palette is on its way to the rows, which go.
+    if (event->type() == QEvent::PaletteChange && rows_) QTimer::singleShot(0, this, [this] { rebuild(); });
     QWidget::changeEvent(event);
 }
 
