@@ -1,6 +1,6 @@
 #include "legal/LegalUpdateService.h"
 
-#include "FakePortal.h"
+#include "support/FakePortal.h"
 #include "support/Laws.h"
 #include "support/CapturedLog.h"
 #include "support/HostileDisk.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include <QApplication>
 
 namespace querlin {
@@ -9,7 +11,8 @@ inline QApplication& qtApplication() {
     static int count = 1;
     static std::array<char, 8> name{"querlin"};
     static std::array<char*, 2> arguments{name.data(), nullptr};
-    if (!qEnvironmentVariableIsSet("DISPLAY")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     static QApplication application(count, arguments.data());
     QApplication::setQuitOnLastWindowClosed(false);
     return application;

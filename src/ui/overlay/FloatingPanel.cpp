@@ -1,6 +1,6 @@
 #include "ui/overlay/FloatingPanel.h"
 
-#include "ui/overlay/Compositor.h"
+#include "ui/display/Compositor.h"
 #include "ui/overlay/OverlayMetrics.h"
 
 #include <algorithm>

@@ -67,18 +67,21 @@ void OverlayView::build() {
     stack->setSpacing(0);
     stack->addWidget(makeStatusRow());
 
-    divider_ = new Tint([] { return Brand::withOpacity(Theme::secondaryText(), 0.22); }, 0);
-    divider_->setFixedHeight(1);
-    auto* line = new QHBoxLayout;
-    line->setContentsMargins(14, 0, 14, 0);
-    line->addWidget(divider_);
-    stack->addLayout(line);
-
     liveText_ = new LiveText;
     liveTextRoom_ = new QWidget;
+    auto* divider = new Tint([] { return Brand::withOpacity(Theme::secondaryText(), 0.22); }, 0);
+    divider->setFixedHeight(1);
+    auto* line = new QHBoxLayout;
+    line->setContentsMargins(14, 0, 14, 8);
+    line->addWidget(divider);
+    auto* text = new QHBoxLayout;
+    text->setContentsMargins(sideMargin, 0, sideMargin, 12);
+    text->addWidget(liveText_);
     auto* room = new QVBoxLayout(liveTextRoom_);
-    room->setContentsMargins(sideMargin, 8, sideMargin, 12);
-    room->addWidget(liveText_);
+    room->setContentsMargins(0, 0, 0, 0);
+    room->setSpacing(0);
+    room->addLayout(line);
+    room->addLayout(text);
     stack->addWidget(liveTextRoom_);
 }
 
@@ -148,7 +151,6 @@ void OverlayView::subscribe() {
 void OverlayView::refreshLiveText() {
     const auto& text = controller_.livePartialText().get();
     const bool isShown = !text.empty() && !controller_.phase().get().is(DictationPhase::Kind::idle);
-    divider_->setVisible(isShown);
     liveTextRoom_->setVisible(isShown);
     if (isShown) liveText_->setText(Brand::text(text));
     refresh();

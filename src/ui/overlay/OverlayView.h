@@ -43,7 +43,6 @@ private:
     ElidedLabel* badgeText_ = nullptr;
     LevelMeter* level_ = nullptr;
     QLabel* elapsed_ = nullptr;
-    QWidget* divider_ = nullptr;
     QWidget* liveTextRoom_ = nullptr;
     LiveText* liveText_ = nullptr;
     std::vector<Registration> subscriptions_;

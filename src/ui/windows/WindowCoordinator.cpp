@@ -7,7 +7,7 @@
 #include "ui/overlay/OverlayView.h"
 #include "ui/suggestion/CorrectionSuggestionView.h"
 #include "ui/suggestion/SuggestionPanel.h"
-#include "ui/windows/BringToFront.h"
+#include "ui/display/BringToFront.h"
 #include "ui/windows/ComingLaterView.h"
 #include "ui/windows/SetupView.h"
 

@@ -1,0 +1,121 @@
+#include "ui/overlay/OverlayView.h"
+
+#include "support/DictationWorld.h"
+#include "support/QtApplication.h"
+#include "ui/brand/Brand.h"
+#include "ui/brand/Theme.h"
+#include "ui/overlay/OverlayMetrics.h"
+
+#include <algorithm>
+
+#include <QAccessible>
+
+namespace querlin {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+class OverlayViewTest : public ::testing::Test {
+protected:
+    OverlayViewTest() { qtApplication(); }
+
+    /// What can be read in it, from left to right and from top to bottom.
+    Texts texts() {
+        Texts found;
+        for (const auto* label : view.findChildren<QLabel*>()) {
+            if (label->isVisibleTo(&view)) found.push_back(Brand::utf8(label->text()));
+        }
+        return found;
+    }
+    bool hasLevelMeter() { return meter()->isVisibleTo(&view); }
+    LevelMeter* meter() {
+        const auto all = view.findChildren<QWidget*>();
+        const auto found = std::ranges::find_if(all, [](QWidget* child) { return dynamic_cast<LevelMeter*>(child) != nullptr; });
+        return dynamic_cast<LevelMeter*>(*found);
+    }
+    int height() { return view.sizeHint().height(); }
+
+    DictationWorld world;
+    OverlayView view{world.controller, world.settings};
+};
+
+/// One dictation through all its phases.
+TEST_F(OverlayViewTest, shows_what_the_controller_publishes) {
+    EXPECT_EQ(texts(), Texts({"Bereit", "Bereit"}));
+    EXPECT_EQ(height(), OverlayMetrics::compactHeight);
+
+    world.press();
+    EXPECT_EQ(texts(), Texts({"Aufnehmen", "Sprechen Sie – Taste loslassen zum Beenden", "Mail", "0:00"}));
+    EXPECT_TRUE(hasLevelMeter());
+
+    world.services.transcriber->partial("<b>Hallo</b>");
+    world.wait(seconds(61.9));
+    const auto& style = world.controller.effectiveStyle().get();
+    EXPECT_EQ(texts(), Texts({"Aufnehmen", std::string(displayName(style.style)) + " · " + style.reason, "Mail", "1:01",
+                              "<b>Hallo</b>"}));
+    EXPECT_EQ(view.findChildren<QLabel*>().last()->textFormat(), Qt::PlainText);
+    EXPECT_EQ(height(), OverlayMetrics::expandedHeight);
+
+    world.wait(seconds(240));
+    EXPECT_EQ(texts()[1], "Langes Diktat – Taste loslassen zum Beenden");
+    EXPECT_EQ(texts().size(), 5U) << "the live text stays";
+
+    world.release();
+    EXPECT_EQ(texts(), Texts({"Transkribieren", "Erkennung wird abgeschlossen", "<b>Hallo</b>"}));
+    EXPECT_FALSE(hasLevelMeter());
+    world.wait(seconds(0.5));
+    EXPECT_EQ(texts()[1], "Text wird eingesetzt");
+    world.wait(seconds(5));
+    EXPECT_EQ(texts(), Texts({"Bereit", "Bereit"})) << "text from before isn't shown at rest";
+}
+
+TEST_F(OverlayViewTest, an_error_is_read_to_its_end) {
+    world.access.microphone = AuthorizationStatus::denied;
+    world.press();
+    EXPECT_EQ(texts(), Texts({"Mikrofon-Zugriff fehlt", "Bitte erneut versuchen"}));
+    EXPECT_EQ(view.findChildren<QLabel*>().first()->palette().color(QPalette::WindowText), Brand::warning);
+}
+
+TEST_F(OverlayViewTest, what_is_unknown_or_switched_off_is_left_out) {
+    world.settings.contextAwareStyle.set(false);
+    world.settings.showLevelMeter.set(false);
+    world.press();
+    EXPECT_EQ(texts(), Texts({"Aufnehmen", "Sprechen Sie – Taste loslassen zum Beenden", "0:00"}));
+    EXPECT_FALSE(hasLevelMeter());
+    world.settings.showLevelMeter.set(true);
+    EXPECT_TRUE(hasLevelMeter()) << "at once, in mid-recording";
+}
+
+/// A screen reader is told the level in words; the bar is never quite empty.
+TEST_F(OverlayViewTest, the_level_can_be_heard_and_seen) {
+    auto* bar = meter();
+    auto* accessible = QAccessible::queryAccessibleInterface(bar);
+    ASSERT_NE(accessible, nullptr);
+    EXPECT_EQ(accessible->text(QAccessible::Name), QStringLiteral("Eingangspegel"));
+    bar->setLevel(0.429);
+    EXPECT_EQ(accessible->text(QAccessible::Value), QStringLiteral("42 Prozent"));
+
+    for (const auto& [level, width] : {std::pair{0.0, 2}, std::pair{0.5, 23}, std::pair{1.7, 46}}) {
+        bar->setLevel(level);
+        const auto image = bar->grab().toImage();
+        int red = 0;
+        for (int x = 0; x < image.width(); ++x) {
+            const auto color = image.pixelColor(x, image.height() / 2);
+            if (color.red() - color.green() > 60) ++red;
+        }
+        EXPECT_NEAR(red, width, 1) << level;
+    }
+}
+
+/// Every change of the desktop's appearance shows at once, while the overlay is up.
+TEST_F(OverlayViewTest, follows_light_and_dark) {
+    const auto theme = Theme::apply();
+    const auto lightness = [this] { return view.grab().toImage().pixelColor(220, 5).lightness(); };
+    EXPECT_GT(lightness(), 200);
+    Theme::appearance().set(Appearance::dark);
+    EXPECT_LT(lightness(), 80);
+    Theme::appearance().set(Appearance::light);
+}
+
+} // namespace
+} // namespace querlin

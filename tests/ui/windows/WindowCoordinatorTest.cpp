@@ -1,0 +1,160 @@
+#include "ui/windows/WindowCoordinator.h"
+
+#include "support/FakePortal.h"
+#include "support/DictationWorld.h"
+#include "support/QtApplication.h"
+#include "ui/brand/Brand.h"
+
+#include <QLabel>
+#include <QPushButton>
+
+namespace querlin {
+namespace {
+
+class NoFocusReturn final : public FocusReturn {
+public:
+    Task<bool> giveBack() override { co_return false; }
+};
+
+/// All windows and panels, over a controller on virtual time.
+class WindowCoordinatorTest : public ::testing::Test {
+protected:
+    WindowCoordinatorTest() {
+        qtApplication();
+        windows.setController(&world.controller);
+    }
+    ~WindowCoordinatorTest() override { windows.setController(nullptr); }
+
+    static std::vector<QWidget*> shown(const std::string& title) {
+        std::vector<QWidget*> found;
+        for (auto* window : QApplication::topLevelWidgets()) {
+            if (window->isVisible() && window->windowTitle() == Brand::text(title)) found.push_back(window);
+        }
+        return found;
+    }
+    static std::vector<std::string> suggested() {
+        std::vector<std::string> words;
+        for (const auto* panel : shown("Querlin Vorschlag")) {
+            for (const auto* label : panel->findChildren<QLabel*>()) words.push_back(Brand::utf8(label->text()));
+        }
+        return words;
+    }
+    static void press(const std::string& button) {
+        for (const auto* panel : shown("Querlin Vorschlag")) {
+            for (auto* child : panel->findChildren<QPushButton*>()) {
+                if (child->text() == Brand::text(button)) child->click();
+            }
+        }
+    }
+    static CorrectionSuggestion suggestion(std::string recognized, std::string corrected) {
+        return {.id = "1", .recognized = std::move(recognized), .corrected = std::move(corrected), .appName = "Notizen"};
+    }
+
+    DictationWorld world;
+    FakePortal portal{world.time};
+    LegalCorpusStore laws{world.folder.path() / "Gesetze", world.folder.path()};
+    LegalCorpus corpus{laws, world.time};
+    LegalUpdateService updates{world.settings, laws, corpus, portal, world.time.runtime()};
+    NoFocusReturn focusReturn;
+    std::vector<SetupFinding> findings = {{.name = "Mikrofon", .state = "da", .isFine = true}};
+    WindowCoordinator windows{{.runtime = world.time.runtime(),
+                               .settings = world.settings,
+                               .statistics = world.statistics,
+                               .legalUpdates = updates,
+                               .corpus = corpus,
+                               .focusReturn = focusReturn,
+                               .findings = [this] { return findings; }}};
+};
+
+TEST_F(WindowCoordinatorTest, there_is_one_window_of_each_kind_and_it_comes_back_as_it_was) {
+    struct Row {
+        std::string title;
+        std::function<void()> show;
+        QSize size;
+    };
+    const std::vector<Row> rows = {
+        {"Querlin – Einstellungen", [this] { windows.showSettings(SettingsSection::laws); }, {800, 580}},
+        {"Querlin einrichten", [this] { windows.showOnboarding(); }, {620, 720}},
+        {"Gesetze nachschlagen – BGB und FamFG", [this] { windows.showLegalLookup(); }, {820, 520}},
+        {"Diktatverlauf", [this] { windows.showHistory(); }, {780, 520}},
+        {"Querlin aktualisieren", [this] { windows.showUpdateWindow(); }, {460, 320}},
+        {"Die Mandolan kennenlernen", [this] { windows.showSuite(); }, {460, 360}},
+    };
+    for (const auto& [title, show, size] : rows) {
+        show();
+        const auto first = shown(title);
+        ASSERT_EQ(first.size(), 1U) << title;
+        EXPECT_EQ(first[0]->size(), size) << title;
+        show();
+        EXPECT_EQ(shown(title), first) << title << ": a second call brings it forward";
+        first[0]->close();
+        EXPECT_TRUE(shown(title).empty());
+        show();
+        EXPECT_EQ(shown(title), first) << title << ": the same window";
+        first[0]->close();
+    }
+}
+
+TEST_F(WindowCoordinatorTest, the_end_of_the_setup_tries_the_key_again) {
+    windows.showOnboarding();
+    auto* window = shown("Querlin einrichten").at(0);
+    world.keyboard.canTap = false;
+    world.controller.installHotkey();
+    world.keyboard.canTap = true;
+    window->findChild<QPushButton*>()->click();
+    EXPECT_TRUE(world.settings.hasCompletedOnboarding.get());
+    EXPECT_FALSE(world.controller.hotkeyBlocked().get());
+    EXPECT_TRUE(shown("Querlin einrichten").empty());
+    windows.showOnboarding();
+    EXPECT_NE(shown("Querlin einrichten").at(0), window) << "a new one";
+}
+
+TEST_F(WindowCoordinatorTest, the_overlay_comes_and_goes_with_a_dictation) {
+    windows.showOverlay();
+    ASSERT_EQ(shown("Querlin Overlay").size(), 1U);
+    windows.hideOverlay();
+    EXPECT_TRUE(shown("Querlin Overlay").empty());
+    windows.setController(nullptr);
+    windows.showOverlay();
+    EXPECT_TRUE(shown("Querlin Overlay").empty()) << "with nothing to show";
+}
+
+TEST_F(WindowCoordinatorTest, a_notice_stays_thirty_seconds) {
+    windows.clearNotice(); // Without one.
+    windows.showEnhancementFailureNotice("Erster");
+    world.wait(seconds(29));
+    windows.showEnhancementFailureNotice("Zweiter");
+    world.wait(seconds(29));
+    EXPECT_EQ(windows.lastNotice().get(), "Zweiter") << "with thirty seconds of its own";
+    world.wait(seconds(1));
+    EXPECT_EQ(windows.lastNotice().get(), std::nullopt);
+
+    windows.showEnhancementFailureNotice("Dritter");
+    windows.clearNotice();
+    EXPECT_EQ(windows.lastNotice().get(), std::nullopt);
+}
+
+TEST_F(WindowCoordinatorTest, a_corrected_word_is_learnt_by_a_click_and_not_otherwise) {
+    windows.showCorrectionSuggestion(suggestion("Meier", "<i>Mayer</i>"));
+    EXPECT_EQ(suggested(), (std::vector<std::string>{"Ins Wörterbuch übernehmen?", "Meier", "<i>Mayer</i>"}));
+    press("Nein");
+    EXPECT_TRUE(suggested().empty());
+
+    windows.showCorrectionSuggestion(suggestion("Schmidt", "Schmitt"));
+    world.wait(seconds(19));
+    windows.showCorrectionSuggestion(suggestion("Meier", "Mayer"));
+    world.wait(seconds(19));
+    EXPECT_EQ(suggested().size(), 3U) << "the second one stays for its full time";
+    world.wait(seconds(1));
+    EXPECT_TRUE(suggested().empty());
+    EXPECT_TRUE(world.settings.userDictionary.get().empty());
+
+    windows.showCorrectionSuggestion(suggestion("Meier", "Mayer"));
+    press("Übernehmen");
+    EXPECT_TRUE(suggested().empty());
+    EXPECT_EQ(world.settings.userDictionary.get(), std::vector<std::string>{"Mayer"});
+    EXPECT_TRUE(world.log.has("[learn] „Mayer“ ins Wörterbuch übernommen."));
+}
+
+} // namespace
+} // namespace querlin
