@@ -35,7 +35,10 @@ Program::Program(std::vector<std::string> commandLine) {
     for (auto& part : commandLine) arguments.push_back(part.data());
     arguments.push_back(nullptr);
     id_ = ::fork();
-    if (id_ != 0) return;
+    if (id_ != 0) {
+        ::setpgid(id_, id_); // Here too: whichever is first.
+        return;
+    }
     ::prctl(PR_SET_PDEATHSIG, SIGKILL); // Of the thread that starts it.
     ::setpgid(0, 0);
     ::setenv("TSAN_OPTIONS", "report_bugs=0", 1); // What toolkits do isn't under test.

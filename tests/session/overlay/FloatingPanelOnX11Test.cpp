@@ -102,7 +102,7 @@ TEST_F(FloatingPanelOnX11Test, corners_are_round_without_a_compositor) {
     FloatingPanel panel(new Block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"));
     editor.reset();
     ASSERT_TRUE(show(panel));
-    EXPECT_EQ(onScreen(corner), QColor(0, 255, 0));
+    EXPECT_TRUE(until([this] { return onScreen(corner) == QColor(0, 255, 0); }));
 }
 
 TEST_F(FloatingPanelOnX11Test, corners_are_soft_with_a_compositor) {
