@@ -34,24 +34,24 @@ bool hasDisplay() {
     return false;
 }
 
-void setUp(QApplication& application) {
-    application.setApplicationName(Brand::text(Product::name));
-    application.setDesktopFileName(Brand::text(Product::bundleIdentifier));
-    application.setWindowIcon(BrandMark::windowIcon());
-    application.setQuitOnLastWindowClosed(false); // It has none, as a rule.
+void setUpToolkit() {
+    QApplication::setApplicationName(Brand::text(Product::name));
+    QApplication::setDesktopFileName(Brand::text(Product::bundleIdentifier));
+    QApplication::setWindowIcon(BrandMark::windowIcon());
+    QApplication::setQuitOnLastWindowClosed(false); // It has none, as a rule.
 }
 
-int run(QApplication& application, const ApplicationPaths& paths) {
+int run(const ApplicationPaths& paths) {
     Machine machine(paths, QUERLIN_RESOURCES);
     AppDelegate delegate(machine,
                          {.executable = Brand::utf8(QApplication::applicationFilePath()),
                           .resources = QUERLIN_RESOURCES,
                           .paths = paths},
-                         [] { QCoreApplication::quit(); });
+                         [] { QCoreApplication::exit(); });
     const QuitSignals signals;
     const auto theme = Theme::apply();
     delegate.applicationDidFinishLaunching();
-    const int status = application.exec();
+    const int status = QApplication::exec();
     delegate.applicationWillTerminate();
     return status;
 }
@@ -70,9 +70,9 @@ int start(int argumentCount, char** arguments) {
         return EXIT_SUCCESS;
     }
     if (!hasDisplay()) return EXIT_FAILURE;
-    QApplication application(argumentCount, arguments);
-    setUp(application);
-    const int status = run(application, paths);
+    const QApplication application(argumentCount, arguments);
+    setUpToolkit();
+    const int status = run(paths);
     DiagnosticsLog::note("app", "=== Ende ===");
     log.flush(logsLastWait);
     return status;

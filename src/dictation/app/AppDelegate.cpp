@@ -160,7 +160,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 void AppDelegate::makeStatusItem() {
     statusItemController_ =
-        std::make_unique<StatusItemController>(StatusItemSources{.mainQueue = machine_.queue,
+        std::make_unique<StatusItemController>(StatusItemSources{.runtime = machine_.runtime(),
                                                                  .controller = dictation_->controller,
                                                                  .settings = *settings_,
                                                                  .windows = *windows_,

@@ -8,10 +8,8 @@
 #include <string>
 #include <vector>
 
-namespace querlin {
-
 /// What the program needs and how it stands with it, for the user.
-namespace SetupReport {
+namespace querlin::SetupReport {
 
 struct Sources {
     Machine& machine;
@@ -24,6 +22,4 @@ struct Sources {
 
 std::vector<SetupFinding> make(const Sources& sources);
 
-} // namespace SetupReport
-
-} // namespace querlin
+} // namespace querlin::SetupReport

@@ -23,6 +23,18 @@ std::string pathOf(std::string name) {
     return "/" + name;
 }
 
+bool activate(sd_bus* bus, const std::string& name) {
+    const auto path = pathOf(name);
+    sd_bus_message* made = nullptr;
+    if (sd_bus_message_new_method_call(bus, &made, name.c_str(), path.c_str(), interfaceName, "Activate") < 0)
+        return false;
+    const BusMessage call(made);
+    sd_bus_message_set_auto_start(call.get(), 0);
+    sd_bus_message_append(call.get(), "a{sv}", 0);
+    constexpr std::uint64_t longestInMicroseconds = 1'000'000;
+    return sd_bus_call(bus, call.get(), longestInMicroseconds, nullptr, nullptr) >= 0;
+}
+
 } // namespace
 
 /// The buses' thread.
@@ -37,7 +49,7 @@ public:
         if (sd_bus_add_object(bus, &slot, path_.c_str(), answerCall, this) >= 0) object_.reset(slot);
         constexpr std::uint32_t doNotQueue = 4;
         const auto request = BusCalls::message(bus, BusCalls::ofTheBus("RequestName"), "su", name_.c_str(), doNotQueue);
-        asking_ = BusCalls::send(bus, request, std::chrono::seconds(5), [this](sd_bus_message* answer) {
+        asking_ = BusCalls::send(bus, request, std::chrono::seconds(5), [](sd_bus_message* answer) {
             std::uint32_t result = 0;
             constexpr std::uint32_t owner = 1;
             if (sd_bus_message_read_basic(answer, SD_BUS_TYPE_UINT32, &result) <= 0 || result != owner)
@@ -82,18 +94,11 @@ bool ApplicationService::activateOther(const std::string& name, Duration longest
     if (sd_bus_open_user(&opened) < 0) return false;
     const BusConnection bus(opened);
     const auto deadline = std::chrono::steady_clock::now() + longestWait;
-    do { // The other one may be on its way up still.
-        sd_bus_message* made = nullptr;
-        if (sd_bus_message_new_method_call(bus.get(), &made, name.c_str(), pathOf(name).c_str(), interfaceName,
-                                           "Activate") < 0)
-            return false;
-        const BusMessage call(made);
-        sd_bus_message_set_auto_start(call.get(), 0);
-        sd_bus_message_append(call.get(), "a{sv}", 0);
-        if (sd_bus_call(bus.get(), call.get(), 1'000'000, nullptr, nullptr) >= 0) return true;
+    while (!activate(bus.get(), name)) { // The other one may be on its way up still.
+        if (std::chrono::steady_clock::now() > deadline) return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    } while (std::chrono::steady_clock::now() < deadline);
-    return false;
+    }
+    return true;
 }
 
 } // namespace querlin

@@ -32,7 +32,7 @@ QuitSignals::QuitSignals() {
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [] {
         std::uint64_t count = 0;
         [[maybe_unused]] const auto read = ::read(arrived, &count, sizeof count);
-        QCoreApplication::quit();
+        QCoreApplication::exit(); // Not `quit`, which asks the windows first.
     });
     struct sigaction action {};
     action.sa_handler = tell;

@@ -1,0 +1,132 @@
+#include "ui/menu/CommandWindow.h"
+
+#include "ui/brand/Brand.h"
+#include "ui/brand/BrandMark.h"
+#include "ui/brand/Symbol.h"
+#include "ui/brand/Theme.h"
+
+#include <QCloseEvent>
+#include <QFrame>
+#include <QLabel>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace querlin {
+
+namespace {
+
+constexpr int windowWidth = 320;
+
+QWidget* makeHead(const std::string& status, const std::string& hotkey, const std::string& symbol, qreal ratio) {
+    auto* head = new QWidget;
+    auto* row = new QHBoxLayout(head);
+    row->setContentsMargins(4, 0, 4, 4);
+    row->setSpacing(12);
+    auto* sign = new QLabel;
+    sign->setPixmap(Symbol::pixmap(symbol, 28, Brand::primary, ratio));
+    row->addWidget(sign);
+    auto* lines = new QVBoxLayout;
+    lines->setSpacing(2);
+    for (const auto& [text, font] : {std::pair{status, Brand::font(13, QFont::DemiBold)}, {hotkey, Brand::font(11)}}) {
+        auto* label = new QLabel(Brand::text(text));
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+        label->setFont(font);
+        lines->addWidget(label);
+    }
+    row->addLayout(lines, 1);
+    return head;
+}
+
+QWidget* makeSeparator() {
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setForegroundRole(QPalette::Mid);
+    return line;
+}
+
+} // namespace
+
+CommandWindow::CommandWindow(std::function<void(MenuCommand)> perform) : perform_(std::move(perform)) {
+    setWindowTitle(Brand::text(Brand::productName));
+    setWindowIcon(BrandMark::windowIcon());
+    setFixedWidth(windowWidth);
+    auto* outer = new QVBoxLayout(this);
+    outer->setContentsMargins(12, 14, 12, 12);
+    outer->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void CommandWindow::setEntries(const std::vector<MenuEntry>& entries, std::string_view symbol) {
+    if (entries_ == entries && symbol_ == symbol) return;
+    entries_ = entries;
+    symbol_ = symbol;
+    rebuild();
+}
+
+void CommandWindow::changeEvent(QEvent* event) {
+    // Later: the new palette is on its way to the buttons, which go.
+    if (event->type() == QEvent::PaletteChange && column_) QTimer::singleShot(0, this, [this] { rebuild(); });
+    QWidget::changeEvent(event);
+}
+
+void CommandWindow::closeEvent(QCloseEvent* event) {
+    if (hasTray_) return;
+    event->ignore();
+    showMinimized();
+}
+
+/// A new column for the old one, with the keyboard on the same command.
+void CommandWindow::rebuild() {
+    const auto* focused = focusWidget();
+    const auto focusedText = focused ? focused->accessibleName() : QString();
+    auto* former = std::exchange(column_, new QWidget);
+    stack_ = new QVBoxLayout(column_);
+    stack_->setContentsMargins(0, 0, 0, 0);
+    stack_->setSpacing(2);
+    stack_->addWidget(makeHead(entries_.at(0).title, entries_.at(1).title, symbol_, devicePixelRatioF()));
+    add({entries_.begin() + 2, entries_.end()});
+    layout()->addWidget(column_);
+    if (former) {
+        layout()->removeWidget(former);
+        former->hide();
+        former->deleteLater(); // One of its buttons may be at work.
+    }
+    for (auto* button : column_->findChildren<QPushButton*>()) {
+        if (button->accessibleName() == focusedText) button->setFocus();
+    }
+}
+
+void CommandWindow::add(const std::vector<MenuEntry>& entries) {
+    for (const auto& entry : entries) {
+        if (entry.isSeparator()) {
+            stack_->addWidget(makeSeparator());
+        } else if (!entry.submenu.empty()) {
+            auto* caption = new QLabel(Brand::text(entry.title));
+            caption->setFont(Brand::font(11, QFont::DemiBold));
+            caption->setContentsMargins(8, 2, 0, 2);
+            stack_->addWidget(caption);
+            add(entry.submenu);
+        } else {
+            addButton(entry);
+        }
+    }
+}
+
+void CommandWindow::addButton(const MenuEntry& entry) {
+    const auto title = Brand::text(entry.title);
+    auto* button = new QPushButton(QString(title).replace(u'&', QStringLiteral("&&")));
+    button->setAccessibleName(title);
+    button->setFlat(true);
+    button->setEnabled(entry.isEnabled);
+    button->setStyleSheet(QStringLiteral("QPushButton { text-align: left; padding: 5px 8px; border: none; border-radius: 5px; }"
+                                         "QPushButton:hover, QPushButton:focus { background: %1; }")
+                              .arg(Brand::withOpacity(Brand::primary, 0.16).name(QColor::HexArgb)));
+    if (entry.key != 0) {
+        button->setShortcut(QKeySequence(QStringLiteral("Ctrl+") + QChar::fromLatin1(entry.key).toUpper()));
+    }
+    connect(button, &QPushButton::clicked, this, [this, command = entry.command] { perform_(command); });
+    stack_->addWidget(button);
+}
+
+} // namespace querlin

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "desktop/FocusReturn.h"
+#include "desktop/Permissions.h"
+#include "desktop/TextInserter.h"
+#include "dictation/DictationController.h"
+#include "foundation/RepeatingTimer.h"
+#include "foundation/TaskGroup.h"
+#include "legal/LegalUpdateService.h"
+#include "ui/menu/CommandWindow.h"
+#include "ui/menu/StatusItem.h"
+#include "ui/windows/WindowCoordinator.h"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace querlin {
+
+/// What the commands reach; all of it outlives the controller of the menu.
+struct StatusItemSources {
+    Runtime runtime;
+    DictationController& controller;
+    AppSettings& settings;
+    WindowCoordinator& windows;
+    LegalUpdateService& legalUpdates;
+    PermissionsManager& permissions;
+    TextInserter& inserter;
+    FocusReturn& focusReturn;
+    std::filesystem::path logFile;
+    std::function<void()> quit;
+};
+
+/// The program's only permanent surface: the item in the tray with its menu, built anew at each change, and a window
+/// with the same commands where there is no tray. Main thread.
+class StatusItemController {
+public:
+    explicit StatusItemController(StatusItemSources sources);
+    ~StatusItemController();
+    StatusItemController(const StatusItemController&) = delete;
+    StatusItemController& operator=(const StatusItemController&) = delete;
+
+    /// The user has started the program again: shows the window of commands.
+    void present();
+
+private:
+    void lookForTray();
+    void rebuildMenu();
+    void showPhase();
+    void perform(MenuCommand command);
+    Task<> toggleDictation();
+    CommandWindow& window();
+
+    StatusItemSources with_;
+    std::unique_ptr<StatusItem> item_;
+    std::unique_ptr<CommandWindow> window_;
+    std::optional<RepeatingTimer> trayTimer_;
+    Registration patience_;
+    bool isWindowWished_ = false;
+    std::vector<Registration> subscriptions_;
+    TaskGroup tasks_;
+};
+
+} // namespace querlin
