@@ -5,6 +5,7 @@
 #include "dictation/app/NoCoreDumps.h"
 #include "platform/dbus/ApplicationService.h"
 #include "platform/qt/QuitSignals.h"
+#include "platform/system/Installation.h"
 #include "platform/system/InstanceLock.h"
 #include "platform/x11/X11Keyboard.h"
 #include "state/DiagnosticsLog.h"
@@ -18,6 +19,8 @@
 #include <cstdlib>
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QTranslator>
 #include <fmt/format.h>
 
 namespace querlin {
@@ -39,13 +42,18 @@ void setUpToolkit() {
     QApplication::setDesktopFileName(Brand::text(Product::bundleIdentifier));
     QApplication::setWindowIcon(BrandMark::windowIcon());
     QApplication::setQuitOnLastWindowClosed(false); // It has none, as a rule.
+    // Menus of text fields, names of keys.
+    static QTranslator german;
+    if (german.load(QStringLiteral("qtbase_de"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(&german);
 }
 
 int run(const ApplicationPaths& paths) {
-    Machine machine(paths, QUERLIN_RESOURCES);
+    const auto own = Installation::ofThisProgram();
+    Machine machine(paths, own);
     AppDelegate delegate(machine,
                          {.executable = Brand::utf8(QApplication::applicationFilePath()),
-                          .resources = QUERLIN_RESOURCES,
+                          .resources = own.resources,
                           .paths = paths},
                          [] { QCoreApplication::exit(); });
     const QuitSignals signals;

@@ -4,14 +4,14 @@
 
 namespace querlin {
 
-Machine::Machine(const ApplicationPaths& paths, const std::filesystem::path& resources) :
+Machine::Machine(const ApplicationPaths& paths, const Installation& own) :
     accessibility([this] {
         const auto front = workspace.frontmostApplication();
         return front ? std::optional(front->processIdentifier) : std::nullopt;
     }),
-    sounds(resources / "Sounds"),
-    classic({.model = resources / "StarterModel", .makeConverter = makeSwrConverter}),
-    streaming({.models = paths.models(), .libraries = {StreamingService::libraryOfBuild()}}),
+    sounds(own.resources / "Sounds"),
+    classic({.model = own.resources / "StarterModel", .makeConverter = makeSwrConverter, .program = own.recogniser}),
+    streaming({.models = paths.models(), .libraries = own.recognitionLibraries, .program = own.recogniser}),
     access({.hasMicrophone = [this] { return hasMicrophone(); },
             .canRecognise = [this] { return canRecognise(); },
             .canListenToKeys = [this] { return keyboard.isAvailable(); },

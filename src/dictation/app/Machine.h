@@ -15,6 +15,7 @@
 #include "platform/qt/QtMainQueue.h"
 #include "platform/sherpa/StreamingService.h"
 #include "platform/sndfile/SndfileCreator.h"
+#include "platform/system/Installation.h"
 #include "platform/system/SystemPermissions.h"
 #include "platform/x11/KeyboardGrab.h"
 #include "platform/x11/X11FocusReturn.h"
@@ -25,15 +26,13 @@
 #include "speech/AudioDevices.h"
 #include "state/ApplicationPaths.h"
 
-#include <filesystem>
-
 namespace querlin {
 
 /// All that the program reaches of the machine it runs on: an adapter for each port, in the order in which they
 /// need one another. Nothing here decides anything. Made and destroyed on the main thread, behind the toolkit's
 /// application object.
 struct Machine {
-    Machine(const ApplicationPaths& paths, const std::filesystem::path& resources);
+    Machine(const ApplicationPaths& paths, const Installation& own);
 
     Runtime runtime() { return {.mainQueue = queue, .clock = clock, .background = pool}; }
     bool hasMicrophone() { return devices.systemDefaultInput().has_value(); }
