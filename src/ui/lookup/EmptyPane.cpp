@@ -53,6 +53,7 @@ EmptyPane::EmptyPane() :
     stack->addWidget(progressBar_, 0, Qt::AlignHCenter);
     stack->addWidget(progressText_);
 
+    summary_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     summary_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* area = new QScrollArea;
     area->setFrameShape(QFrame::NoFrame);

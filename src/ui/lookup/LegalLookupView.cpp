@@ -145,6 +145,10 @@ Task<> LegalLookupView::insert() {
     isInserting_ = true;
     auto text = LawSearch::fullText(*hit);
     const bool isGivenBack = co_await with_.focusReturn.giveBack();
+    // The toolkit hears of it a moment later than the window manager's word of it.
+    for (int look = 0; isGivenBack && isActiveWindow() && look < 50; ++look) {
+        co_await sleepFor(with_.runtime.mainQueue, std::chrono::milliseconds(10));
+    }
     isInserting_ = false;
     if (isGivenBack && !isActiveWindow()) {
         with_.controller->insertLegalText(std::move(text));
