@@ -1,63 +1,28 @@
 // The program as a process: one instance, its name on the bus, its end, and what it leaves behind.
 
-#include "support/Desktop.h"
+#include "ProgramFixture.h"
 
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 #include <sys/resource.h>
-#include <sys/wait.h>
 
 #include <fmt/format.h>
-#include <gtest/gtest.h>
 
 namespace querlin {
 namespace {
 
 constexpr const char* program = QUERLIN_PROGRAM;
 
-std::string environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? value : "";
-}
-bool logHas(const std::string& text) {
-    std::ifstream log(environment("XDG_STATE_HOME") + "/Querlin.log");
-    const std::string lines((std::istreambuf_iterator<char>(log)), {});
-    return lines.find(text) != std::string::npos;
-}
 /// How a command of the shell ends, and what it says.
 std::string resultOf(const std::string& command) { return shell("(" + command + ") 2>&1; echo $?"); }
 
-class ProgramTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (!isInVirtualDesktop()) GTEST_SKIP() << "needs tools/virtual-desktop";
-        const auto settings = std::filesystem::path(environment("XDG_CONFIG_HOME"));
-        std::filesystem::create_directories(settings);
-        std::ofstream(settings / "local.mandolan.querlin.json")
-            << R"({"hasCompletedOnboarding": true, "updateLawsAutomatically": false})";
-    }
-    /// Starts the program and waits until it listens.
-    static std::unique_ptr<Program> start() {
-        std::filesystem::remove(environment("XDG_STATE_HOME") + "/Querlin.log");
-        auto started = std::make_unique<Program>(std::vector<std::string>{program});
-        EXPECT_TRUE(eventually([] { return logHas("installHotkey → OK"); }));
-        return started;
-    }
-    static int exitOf(const Program& process) {
-        int status = -1;
-        eventually([&] { return ::waitpid(process.id(), &status, WNOHANG) == process.id(); });
-        return status;
-    }
-};
+class ProgramTest : public ProgramFixture {};
 
 TEST_F(ProgramTest, a_second_start_calls_the_first_one_to_attention) {
     const auto first = start();
-    EXPECT_EQ(shell("xdotool search --onlyvisible --name '^Querlin$'"), "");
+    EXPECT_FALSE(isShown("Querlin"));
     EXPECT_EQ(resultOf(fmt::format("timeout 10 {}", program)), "0") << "without a word";
-    EXPECT_TRUE(eventually([] { return !shell("xdotool search --onlyvisible --name '^Querlin$'").empty(); }));
+    EXPECT_TRUE(eventually([] { return isShown("Querlin"); }));
     EXPECT_TRUE(eventually([] { return shell("xdotool getactivewindow getwindowname") == "Querlin"; }));
 }
 
@@ -67,7 +32,7 @@ TEST_F(ProgramTest, a_desktop_can_start_it_by_its_name_on_the_bus) {
         return resultOf("gdbus call --session --dest local.mandolan.querlin --object-path /local/mandolan/querlin "
                         "--method org.freedesktop.Application.Activate '{}'") == "()\n0";
     }));
-    EXPECT_TRUE(eventually([] { return !shell("xdotool search --onlyvisible --name '^Querlin$'").empty(); }));
+    EXPECT_TRUE(eventually([] { return isShown("Querlin"); }));
     const auto refused = resultOf("gdbus call --session --dest local.mandolan.querlin --object-path "
                                   "/local/mandolan/querlin --method org.freedesktop.Application.Sing");
     EXPECT_NE(refused.find("UnknownMethod"), std::string::npos) << refused;
@@ -105,7 +70,7 @@ TEST_F(ProgramTest, on_a_bare_display_it_runs_all_the_same) {
     Program running({"env", "-u", "DBUS_SESSION_BUS_ADDRESS", "-u", "XDG_RUNTIME_DIR", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere",
                      "PULSE_SERVER=unix:/nowhere", program});
     EXPECT_TRUE(eventually([] { return logHas("installHotkey →"); }));
-    EXPECT_TRUE(eventually([] { return !shell("xdotool search --onlyvisible --name '^Querlin$'").empty(); }))
+    EXPECT_TRUE(eventually([] { return isShown("Querlin"); }))
         << "no tray: the commands stand in a window";
     running.signal(SIGTERM);
     EXPECT_EQ(exitOf(running), 0);

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "support/Desktop.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+#include <sys/wait.h>
+
+#include <gtest/gtest.h>
+
+namespace querlin {
+
+/// The program as a process in a virtual desktop, set up already.
+class ProgramFixture : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!isInVirtualDesktop()) GTEST_SKIP() << "needs tools/virtual-desktop";
+        const auto settings = std::filesystem::path(environment("XDG_CONFIG_HOME"));
+        std::filesystem::create_directories(settings);
+        std::ofstream(settings / "local.mandolan.querlin.json")
+            << R"({"hasCompletedOnboarding": true, "updateLawsAutomatically": false})";
+    }
+
+    static std::string environment(const char* name) {
+        const char* value = std::getenv(name);
+        return value ? value : "";
+    }
+    static std::filesystem::path log() { return environment("XDG_STATE_HOME") + "/Querlin.log"; }
+    static bool logHas(const std::string& text) {
+        std::ifstream file(log());
+        const std::string lines((std::istreambuf_iterator<char>(file)), {});
+        return lines.find(text) != std::string::npos;
+    }
+    /// Starts the program and waits until it listens.
+    static std::unique_ptr<Program> start() {
+        std::filesystem::remove(log());
+        auto started = std::make_unique<Program>(std::vector<std::string>{QUERLIN_PROGRAM});
+        EXPECT_TRUE(eventually([] { return logHas("installHotkey → OK"); }));
+        return started;
+    }
+    static int exitOf(const Program& process) {
+        int status = -1;
+        eventually([&] { return ::waitpid(process.id(), &status, WNOHANG) == process.id(); });
+        return status;
+    }
+    static bool isShown(const std::string& title) {
+        return !shell("xdotool search --onlyvisible --name '^" + title + "$'").empty();
+    }
+};
+
+} // namespace querlin
