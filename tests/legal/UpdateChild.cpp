@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "FakePortal.h"
+#include "support/FakePortal.h"
 #include "support/Laws.h"
 
 #include "foundation/Json.h"

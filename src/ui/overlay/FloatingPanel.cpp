@@ -38,12 +38,15 @@ QScreen* chosenScreen() {
     return screens.isEmpty() ? nullptr : screens.first();
 }
 
-/// A soft shadow of a rounded rectangle: layers of little weight, each a little larger.
+/// A soft shadow of a rounded rectangle: layers of little weight, each a little larger, close together at the edge.
 void paintShadow(QPainter& painter, const QRectF& shape, double radius) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(0, 0, 0, 2));
-    for (int reach = 1; reach < shadowReach - shadowOffset; ++reach) {
+    constexpr int layers = 20;
+    for (int layer = 1; layer <= layers; ++layer) {
+        const double share = static_cast<double>(layer) / layers;
+        const double reach = (shadowReach - shadowOffset) * share * share;
         painter.drawRoundedRect(shape.adjusted(-reach, -reach, reach, reach), radius + reach, radius + reach);
     }
 }
