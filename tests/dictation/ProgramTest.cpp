@@ -21,10 +21,11 @@ protected:
     fs::path rescued = home / ".local/share/Querlin/Gerettete Diktate";
     fs::path recordings = home / ".cache/Querlin";
 
-    /// Starts the program with this home folder, for ten seconds at most, and gives its exit status.
+    /// Starts the program with this home folder, without a desktop, and asks it to end when it has looked at
+    /// everything; gives its exit status.
     int start() const {
-        const auto command =
-            "timeout 10 env -i TSAN_OPTIONS=\"$TSAN_OPTIONS\" HOME='" + home.path().string() + "' " + QUERLIN_PROGRAM + " >/dev/null";
+        const auto command = "timeout --preserve-status -k 10 2.5 env -i QT_QPA_PLATFORM=offscreen TSAN_OPTIONS=\"$TSAN_OPTIONS\" HOME='" +
+                             home.path().string() + "' " + QUERLIN_PROGRAM + " >/dev/null 2>&1";
         return std::system(command.c_str());
     }
 };

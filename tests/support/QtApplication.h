@@ -13,9 +13,10 @@ inline QApplication& qtApplication() {
     static std::array<char*, 2> arguments{name.data(), nullptr};
     if (!qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication application(count, arguments.data());
+    // Never destroyed: the toolkit's own statics have gone by the time that ours go.
+    static auto* application = new QApplication(count, arguments.data());
     QApplication::setQuitOnLastWindowClosed(false);
-    return application;
+    return *application;
 }
 
 } // namespace querlin

@@ -2,23 +2,23 @@
 
 #include "desktop/FocusReturn.h"
 #include "foundation/MainQueue.h"
+#include "platform/x11/FocusHistory.h"
 #include "platform/x11/WakeUp.h"
-#include "platform/x11/XcbAtoms.h"
-#include "platform/x11/XcbConnection.h"
 
 #include <atomic>
-#include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace querlin {
 
-/// Follows which window is in front, as the window manager tells it, and brings the last one that wasn't ours back
-/// there. Without a window manager there is nothing to give back to. Main thread.
+/// Follows which window is in front, on a connection and a thread of its own, and brings the last one of
+/// another program back there. Main thread.
 class X11FocusReturn final : public FocusReturn {
 public:
     /// `display` names the server (":1"); empty means that of the environment.
-    explicit X11FocusReturn(MainQueue& queue, const std::string& display = {});
+    explicit X11FocusReturn(MainQueue& queue, std::string display = {});
     ~X11FocusReturn() override;
     X11FocusReturn(const X11FocusReturn&) = delete;
     X11FocusReturn& operator=(const X11FocusReturn&) = delete;
@@ -26,25 +26,16 @@ public:
     Task<bool> giveBack() override;
 
 private:
-    void serve();
-    bool hasChanged();
-    void look();
-    void activate();
-    bool isOfOthers(xcb_window_t window);
-    std::vector<std::uint32_t> numbers(xcb_window_t window, std::string_view property);
+    void run();
+    void serve(FocusHistory& history);
+    void refuseWishes();
+    std::vector<FocusWish> takeWishes();
 
     MainQueue& queue_;
-
-    // The thread's
-    std::unique_ptr<XcbConnection> connection_;
-    std::unique_ptr<XcbAtoms> atoms_;
-
-    // Shared
+    const std::string display_;
     WakeUp wakeUp_;
-    std::atomic<xcb_window_t> active_ = XCB_WINDOW_NONE;
-    /// The last one in front that belongs to somebody else.
-    std::atomic<xcb_window_t> other_ = XCB_WINDOW_NONE;
-    std::atomic<bool> isWished_ = false;
+    std::mutex lock_;
+    std::vector<FocusWish> wishes_; ///< under the lock
     std::atomic<bool> isEnding_ = false;
     std::thread thread_;
 };

@@ -15,27 +15,28 @@ std::optional<double> shareOf(std::size_t done, std::size_t total) {
 
 struct Teller {
     CorpusProgress operator()(const Checking& stage) const {
-        return {.text = "Das Gesetzesportal wird gefragt …", .share = shareOf(stage.done, stage.total), .isUnderWay = true};
+        return {.text = "Das Gesetzesportal wird gefragt …", .share = shareOf(stage.done, stage.total)};
     }
     CorpusProgress operator()(const Downloading& stage) const {
-        return {.text = fmt::format("Die Gesetze werden geladen: {} ({} von {})", stage.law, stage.done + 1, stage.total),
-                .share = shareOf(stage.done, stage.total),
-                .isUnderWay = true};
+        return {.text = fmt::format("Die Gesetze werden geladen: {} ({} von {})", stage.law, stage.done + 1,
+                                    stage.total),
+                .share = shareOf(stage.done, stage.total)};
     }
     CorpusProgress operator()(const Applying& /*stage*/) const {
-        return {.text = "Die Gesetze werden gespeichert …", .share = 1.0, .isUnderWay = true};
+        return {.text = "Die Gesetze werden gespeichert …", .share = 1.0};
     }
-    CorpusProgress operator()(const Failed& stage) const { return ended(stage.message); }
+    CorpusProgress operator()(const Failed& stage) const {
+        return ended(stage.message,
+                     "Bitte prüfen Sie die Internetverbindung, und laden Sie die Gesetze dann noch einmal.");
+    }
     template<class Other>
     CorpusProgress operator()(const Other& /*stage*/) const {
-        return ended("Noch sind keine Gesetzestexte da.");
+        return ended("Noch sind keine Gesetzestexte da.",
+                     "Sie kommen vom Gesetzesportal des Bundes; dafür braucht es eine Internetverbindung.");
     }
 
-    static CorpusProgress ended(const std::string& what) {
-        return {.text = what + "\nSie werden vom Gesetzesportal des Bundes geladen: im Menü unter "
-                               "„Gesetzesstände aktualisieren…“.",
-                .share = std::nullopt,
-                .isUnderWay = false};
+    static CorpusProgress ended(std::string_view what, std::string_view remedy) {
+        return {.text = fmt::format("{}\n{}", what, remedy), .share = std::nullopt, .isUnderWay = false};
     }
 };
 

@@ -5,14 +5,13 @@
 #include "ui/brand/Theme.h"
 
 #include <QPainter>
-#include <QScrollArea>
 #include <QVBoxLayout>
-
-#include <fmt/ranges.h>
 
 namespace querlin {
 
 namespace {
+
+constexpr int columnWidth = 420;
 
 class BookView final : public QWidget {
 public:
@@ -25,8 +24,8 @@ protected:
     }
 };
 
-QLabel* makeLabel(const QFont& font) {
-    auto* label = new QLabel;
+QLabel* makeLabel(const QFont& font, const QString& text = {}) {
+    auto* label = new QLabel(text);
     label->setTextFormat(Qt::PlainText);
     label->setFont(font);
     label->setWordWrap(true);
@@ -35,44 +34,70 @@ QLabel* makeLabel(const QFont& font) {
     return label;
 }
 
-} // namespace
+/// One below the other, with some air.
+QWidget* makeLines(const std::vector<std::string>& lines) {
+    auto* column = new QWidget;
+    auto* stack = new QVBoxLayout(column);
+    stack->setContentsMargins(0, 0, Brand::Spacing::tight, 0);
+    stack->setSpacing(5);
+    for (const auto& line : lines) {
+        auto* label = makeLabel(Brand::font(12), Brand::text(line));
+        label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+        stack->addWidget(label);
+    }
+    stack->addStretch();
+    return column;
+}
 
-EmptyPane::EmptyPane() :
-    summary_(makeLabel(Brand::font(11))), progressText_(makeLabel(Brand::font(12))), progressBar_(new QProgressBar) {
-    auto* stack = new QVBoxLayout(this);
-    stack->setContentsMargins(Brand::Spacing::wide, 56, Brand::Spacing::wide, Brand::Spacing::normal);
-    stack->setSpacing(Brand::Spacing::normal);
-    stack->addWidget(new BookView, 0, Qt::AlignHCenter);
-    auto* caption = makeLabel(Brand::font(15, QFont::Medium));
-    caption->setText(QStringLiteral("Paragraph auswählen"));
-    stack->addWidget(caption);
-
-    progressBar_->setTextVisible(false);
-    progressBar_->setFixedSize(260, 6);
-    progressBar_->setAccessibleName(QStringLiteral("Fortschritt beim Laden der Gesetze"));
-    stack->addWidget(progressBar_, 0, Qt::AlignHCenter);
-    stack->addWidget(progressText_);
-
-    summary_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    summary_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+QScrollArea* makeScrollArea() {
     auto* area = new QScrollArea;
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
-    area->setWidget(summary_);
-    area->viewport()->setAutoFillBackground(false);
-    summary_->setAutoFillBackground(false);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setFixedWidth(columnWidth);
     area->setAccessibleName(QStringLiteral("Stand der Gesetze"));
-    stack->addWidget(area, 1);
+    return area;
+}
+
+} // namespace
+
+EmptyPane::EmptyPane(const std::function<void()>& onLoad) :
+    summary_(makeScrollArea()),
+    progressText_(makeLabel(Brand::font(13))),
+    progressBar_(new QProgressBar),
+    load_(new QPushButton) {
+    auto* stack = new QVBoxLayout(this);
+    stack->setContentsMargins(Brand::Spacing::normal, 56, Brand::Spacing::normal, Brand::Spacing::normal);
+    stack->setSpacing(Brand::Spacing::normal);
+    stack->addWidget(new BookView, 0, Qt::AlignHCenter);
+    stack->addWidget(makeLabel(Brand::font(15, QFont::Medium), QStringLiteral("Paragraph auswählen")));
+    makeProgress(onLoad);
+    stack->addWidget(progressBar_, 0, Qt::AlignHCenter);
+    stack->addWidget(progressText_, 0, Qt::AlignHCenter);
+    stack->addWidget(load_, 0, Qt::AlignHCenter);
+    auto* column = new QHBoxLayout;
+    column->addWidget(summary_);
+    stack->addLayout(column, 1);
+    stack->addStretch();
     setProgress(std::nullopt);
 }
 
-void EmptyPane::setSummary(const std::vector<std::string>& lines) {
-    summary_->setText(Brand::text(fmt::format("{}", fmt::join(lines, "\n"))));
+void EmptyPane::makeProgress(const std::function<void()>& onLoad) {
+    progressText_->setFixedWidth(columnWidth);
+    progressBar_->setTextVisible(false);
+    progressBar_->setFixedSize(260, 6);
+    progressBar_->setAccessibleName(QStringLiteral("Fortschritt beim Laden der Gesetze"));
+    load_->setText(QStringLiteral("Gesetze laden"));
+    load_->setMinimumHeight(28);
+    connect(load_, &QPushButton::clicked, this, [onLoad] { onLoad(); });
 }
+
+void EmptyPane::setSummary(const std::vector<std::string>& lines) { summary_->setWidget(makeLines(lines)); }
 
 void EmptyPane::setProgress(const std::optional<CorpusProgress>& progress) {
     progressText_->setVisible(progress.has_value());
     progressBar_->setVisible(progress && progress->isUnderWay);
+    load_->setVisible(progress && !progress->isUnderWay);
     summary_->setVisible(!progress);
     if (!progress) return;
     progressText_->setText(Brand::text(progress->text));

@@ -2,12 +2,15 @@
 
 #include "ui/lookup/CorpusProgress.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
+#include <QScrollArea>
 #include <QWidget>
 
 namespace querlin {
@@ -15,15 +18,19 @@ namespace querlin {
 /// The right side while no section is chosen: how current the laws are, or how far their first load has come.
 class EmptyPane final : public QWidget {
 public:
-    EmptyPane();
+    /// `onLoad`: the user wants the laws to be loaded now.
+    explicit EmptyPane(const std::function<void()>& onLoad);
 
     void setSummary(const std::vector<std::string>& lines);
     void setProgress(const std::optional<CorpusProgress>& progress);
 
 private:
-    QLabel* summary_;
+    void makeProgress(const std::function<void()>& onLoad);
+
+    QScrollArea* summary_;
     QLabel* progressText_;
     QProgressBar* progressBar_;
+    QPushButton* load_;
 };
 
 } // namespace querlin

@@ -12,15 +12,22 @@ namespace querlin {
 /// The found sections, one below the other: number and law, title, and whether guardians need it often.
 class HitList final : public QListWidget {
 public:
-    /// `onSelect` hears what the user chooses, by its place.
-    explicit HitList(std::function<void(std::size_t)> onSelect);
+    struct Gestures {
+        std::function<void(std::size_t)> onSelect; ///< what the user chooses, by its place
+        std::function<void()> onOpen;              ///< wants to read what is chosen
+        std::function<void()> onLeaveUpwards;
+    };
+    explicit HitList(Gestures gestures);
 
     void setHits(const std::vector<LegalHit>& hits);
     /// Without telling anybody.
     void choose(const std::vector<LegalHit>& hits, const LegalHit& hit);
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
-    std::function<void(std::size_t)> onSelect_;
+    Gestures gestures_;
 };
 
 } // namespace querlin

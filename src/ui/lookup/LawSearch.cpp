@@ -19,6 +19,10 @@ void LawSearch::searchNow() {
     tasks_.start(runSearch());
 }
 
+void LawSearch::textsChanged() {
+    if (!query_.get().empty()) searchNow();
+}
+
 void LawSearch::clear() {
     pause_.reset();
     query_.set({});
@@ -29,10 +33,12 @@ void LawSearch::clear() {
 
 Task<> LawSearch::runSearch() {
     const auto asked = query_.get();
+    const auto number = ++lastSearch_;
     searching_.set(true);
     auto search = [&corpus = corpus_, asked] { return corpus.search(asked); };
     auto found = co_await background(runtime_, std::move(search));
-    if (query_.get() == asked) take(std::move(found));
+    // Of two searches for the same the later one knows the newer texts.
+    if (query_.get() == asked && number == lastSearch_) take(std::move(found));
 }
 
 void LawSearch::take(std::vector<LegalHit> found) {

@@ -5,6 +5,7 @@
 #include "foundation/TaskGroup.h"
 #include "legal/LegalCorpus.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,8 +13,8 @@
 
 namespace querlin {
 
-/// What the lookup window asks for, finds and has chosen. The texts are searched in the background; an answer to
-/// what isn't asked any more is dropped. Main thread.
+/// What the lookup window asks for, finds and has chosen. The texts are searched in the background; an answer
+/// to what isn't asked any more is dropped. Main thread.
 class LawSearch {
 public:
     /// Who pauses this long has finished typing.
@@ -27,6 +28,8 @@ public:
     void setQuery(std::string query);
     /// Searches without a pause.
     void searchNow();
+    /// The texts are others now: the present query has other hits, too.
+    void textsChanged();
     /// Back to nothing asked and nothing found.
     void clear();
     /// One of the hits, or none.
@@ -59,6 +62,7 @@ private:
     Published<bool> copied_{false};
     Registration pause_;
     Registration copiedReset_;
+    std::uint64_t lastSearch_ = 0;
     TaskGroup tasks_; ///< last: what still runs uses all of the above
 };
 

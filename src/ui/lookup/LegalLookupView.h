@@ -4,19 +4,19 @@
 #include "dictation/DictationController.h"
 #include "legal/LegalUpdateService.h"
 #include "ui/lookup/EmptyPane.h"
-#include "ui/lookup/HitList.h"
 #include "ui/lookup/LawSearch.h"
+#include "ui/lookup/SearchPane.h"
 #include "ui/lookup/SectionPane.h"
 
-#include <QAction>
-#include <QLabel>
-#include <QLineEdit>
+#include <cstdint>
+
 #include <QStackedWidget>
 #include <QWidget>
 
 namespace querlin {
 
-/// What the lookup window works with; all of it outlives the window, but for the controller, which may be none.
+/// What the lookup window works with; all of it outlives the window, but for the controller, which may be
+/// none.
 struct LegalLookupSources {
     Runtime runtime;
     LegalCorpus& corpus;
@@ -30,35 +30,32 @@ class LegalLookupView final : public QWidget {
 public:
     explicit LegalLookupView(LegalLookupSources sources);
 
+    /// Null for none: then nothing can be inserted.
+    void setController(DictationController* controller);
+
 protected:
     void showEvent(QShowEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
-    void changeEvent(QEvent* event) override;
 
 private:
-    QWidget* makeLeft();
     QWidget* makeRight();
     void subscribe();
-    void showHits();
     void showSelection();
-    void refreshIcons();
     void copy(const std::string& text);
-    Task<> insert();
+    void beginInsertion();
+    Task<> insert(std::string text);
+    void endInsertion();
     Task<> refreshSummary();
     void stageChanged(const LegalUpdateService::Stage& stage);
 
     LegalLookupSources with_;
     LawSearch search_;
+    /// Until it is known otherwise.
     bool hasTexts_ = true;
     bool isInserting_ = false;
+    std::uint64_t lastSummary_ = 0;
 
-    QLineEdit* field_ = nullptr;
-    QAction* glass_ = nullptr;
-    QAction* clear_ = nullptr;
-    QStackedWidget* left_ = nullptr;
-    HitList* hits_ = nullptr;
-    QLabel* hint_ = nullptr;
+    SearchPane* left_ = nullptr;
     QStackedWidget* right_ = nullptr;
     EmptyPane* empty_ = nullptr;
     SectionPane* section_ = nullptr;

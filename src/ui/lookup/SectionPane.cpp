@@ -5,15 +5,11 @@
 
 #include <QEvent>
 #include <QHBoxLayout>
-#include <QTextBlockFormat>
-#include <QTextCursor>
 #include <QVBoxLayout>
 
 namespace querlin {
 
 namespace {
-
-constexpr int lineHeightInPercent = 135;
 
 QLabel* makeLabel(const QFont& font, QPalette::ColorRole color) {
     auto* label = new QLabel;
@@ -25,27 +21,17 @@ QLabel* makeLabel(const QFont& font, QPalette::ColorRole color) {
     return label;
 }
 
-QPushButton* makeButton(const std::function<void()>& act, const QString& text, const QString& key, const QString& what) {
+QPushButton* makeButton(const std::function<void()>& act, const QString& text, const QString& key,
+                        const QString& what) {
     auto* button = new QPushButton(text);
     button->setAutoDefault(false);
+    button->setMinimumHeight(28);
     const QKeySequence sequence(key);
     button->setShortcut(sequence);
-    button->setToolTip(what + QStringLiteral(" (") + sequence.toString(QKeySequence::NativeText) + QStringLiteral(")"));
+    button->setToolTip(what + QStringLiteral(" (") + sequence.toString(QKeySequence::NativeText) +
+                       QStringLiteral(")"));
     QObject::connect(button, &QPushButton::clicked, button, [act] { act(); });
     return button;
-}
-
-QTextEdit* makeText() {
-    auto* text = new QTextEdit;
-    text->setReadOnly(true);
-    text->setAcceptRichText(false);
-    text->setFrameShape(QFrame::NoFrame);
-    text->setFont(Brand::font(13));
-    text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    text->viewport()->setAutoFillBackground(false);
-    text->setTabChangesFocus(true);
-    text->setAccessibleName(QStringLiteral("Gesetzestext"));
-    return text;
 }
 
 } // namespace
@@ -54,22 +40,24 @@ SectionPane::SectionPane(const Actions& actions) :
     citation_(makeLabel(Brand::font(18, QFont::DemiBold), QPalette::WindowText)),
     title_(makeLabel(Brand::font(13, QFont::Medium), QPalette::WindowText)),
     path_(makeLabel(Brand::font(11), QPalette::PlaceholderText)),
-    text_(makeText()),
+    text_(new ReadingText),
     copy_(makeButton(actions.copy, QStringLiteral("Kopieren"), QStringLiteral("Ctrl+Shift+C"),
                      QStringLiteral("Fundstelle und Wortlaut kopieren"))),
-    copyCitation_(makeButton(actions.copyCitation, QStringLiteral("Nur Fundstelle"), QStringLiteral("Ctrl+Shift+F"),
-                             QStringLiteral("Nur die Fundstelle kopieren"))),
-    insert_(makeButton(actions.insert, QStringLiteral("An Cursorposition einfügen"), QStringLiteral("Ctrl+Return"),
+    copyCitation_(makeButton(actions.copyCitation, QStringLiteral("Nur Fundstelle"),
+                             QStringLiteral("Ctrl+Shift+F"), QStringLiteral("Nur die Fundstelle kopieren"))),
+    insert_(makeButton(actions.insert, QStringLiteral("An Cursorposition einfügen"),
+                       QStringLiteral("Ctrl+Return"),
                        QStringLiteral("In das Programm einfügen, das vorher vorn war"))),
     message_(makeLabel(Brand::font(11), QPalette::PlaceholderText)) {
     auto* stack = new QVBoxLayout(this);
-    stack->setContentsMargins(20, 18, 20, 16);
+    stack->setContentsMargins(24, 20, 14, 14);
     stack->setSpacing(6);
     stack->addWidget(citation_);
     stack->addWidget(title_);
     stack->addWidget(path_);
-    stack->addSpacing(4);
+    stack->addSpacing(10);
     stack->addWidget(text_, 1);
+    stack->addSpacing(4);
     auto* row = new QHBoxLayout;
     row->setSpacing(Brand::Spacing::tight);
     row->addWidget(copy_);
@@ -80,22 +68,19 @@ SectionPane::SectionPane(const Actions& actions) :
     stack->addWidget(message_);
     setMessage({});
     refreshIcons();
+    copy_->setMinimumWidth(copy_->sizeHint().width()); // Also with the shorter text.
 }
 
 void SectionPane::setHit(const LegalHit& hit) {
+    if (shown_ == hit) return;
+    shown_ = hit;
     const auto& section = hit.section;
     citation_->setText(Brand::text(section.citation(hit.law)));
     title_->setText(Brand::text(section.title));
     title_->setVisible(!title_->text().isEmpty());
     path_->setText(Brand::text(section.path));
     path_->setVisible(!path_->text().isEmpty());
-    text_->setPlainText(Brand::text(section.text));
-    QTextCursor whole(text_->document());
-    whole.select(QTextCursor::Document);
-    QTextBlockFormat format;
-    format.setLineHeight(lineHeightInPercent, QTextBlockFormat::ProportionalHeight);
-    whole.mergeBlockFormat(format);
-    text_->moveCursor(QTextCursor::Start);
+    text_->showText(Brand::text(section.text));
     setMessage({});
 }
 
@@ -108,7 +93,7 @@ void SectionPane::setCopied(bool isCopied) {
 
 void SectionPane::setCanInsert(bool canInsert) { insert_->setEnabled(canInsert); }
 
-void SectionPane::setMessage(const std::string& message) {
+void SectionPane::setMessage(std::string_view message) {
     message_->setText(Brand::text(message));
     message_->setVisible(!message.empty());
 }

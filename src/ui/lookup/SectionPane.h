@@ -1,12 +1,14 @@
 #pragma once
 
 #include "legal/LegalLaw.h"
+#include "ui/lookup/ReadingText.h"
 
 #include <functional>
+#include <optional>
+#include <string_view>
 
 #include <QLabel>
 #include <QPushButton>
-#include <QTextEdit>
 #include <QWidget>
 
 namespace querlin {
@@ -21,11 +23,12 @@ public:
     };
     explicit SectionPane(const Actions& actions);
 
+    /// What is shown already stays as the reader has it.
     void setHit(const LegalHit& hit);
     void setCopied(bool isCopied);
     void setCanInsert(bool canInsert);
     /// A line below the actions; empty for none.
-    void setMessage(const std::string& message);
+    void setMessage(std::string_view message);
     void focusText() { text_->setFocus(); }
 
 protected:
@@ -37,11 +40,12 @@ private:
     QLabel* citation_;
     QLabel* title_;
     QLabel* path_;
-    QTextEdit* text_;
+    ReadingText* text_;
     QPushButton* copy_;
     QPushButton* copyCitation_;
     QPushButton* insert_;
     QLabel* message_;
+    std::optional<LegalHit> shown_;
     bool isCopied_ = false;
 };
 

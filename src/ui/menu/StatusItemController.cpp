@@ -51,7 +51,9 @@ StatusItemController::StatusItemController(StatusItemSources sources) : with_(st
     if (item_) return;
     trayTimer_.emplace(with_.runtime.mainQueue, betweenLooks, [this] { lookForTray(); });
     patience_ = with_.runtime.mainQueue.after(trayPatience, [this] {
-        if (!item_) bringToFront(window());
+        if (item_) return;
+        window().setAttribute(Qt::WA_ShowWithoutActivating); // The user may be writing, or dictating.
+        window().show();
     });
 }
 
@@ -78,6 +80,7 @@ CommandWindow& StatusItemController::window() {
 
 void StatusItemController::present() {
     isWindowWished_ = true;
+    window().setAttribute(Qt::WA_ShowWithoutActivating, false);
     bringToFront(window());
 }
 

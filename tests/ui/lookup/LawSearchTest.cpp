@@ -1,109 +1,148 @@
 #include "ui/lookup/LawSearch.h"
 
-#include "support/Laws.h"
+#include "SomeLaws.h"
+
+#include "support/CapturedLog.h"
 #include "support/ManualTime.h"
 #include "ui/lookup/CorpusProgress.h"
+
+#include <gtest/gtest.h>
 
 namespace querlin {
 namespace {
 
-class LawSearchTest : public ::testing::Test {
-protected:
+constexpr auto pause = std::chrono::milliseconds(220);
+constexpr auto moment = std::chrono::milliseconds(1);
+
+struct LawSearchTest : testing::Test {
     LawSearchTest() {
-        laws.deliver({lawOf("BGB", {sectionOf("1814", "Voraussetzungen", "Wer Hilfe braucht, bekommt sie."),
-                                    sectionOf("1815", "", "Umfang der Hilfe.")}),
-                      lawOf("FamFG", {sectionOf("1", "Anwendung", "Für alle.")})});
-    }
-    std::vector<std::string> found() const {
-        std::vector<std::string> ids;
-        for (const auto& hit : search.hits().get()) ids.push_back(hit.id());
-        return ids;
-    }
-    std::string chosen() const { return search.selection().get() ? search.selection().get()->id() : "nichts"; }
-    /// Types and waits for the answer.
-    void ask(const std::string& query) {
-        search.setQuery(query);
-        time.advance(LawSearch::typingPause);
+        laws.deliver(someLaws());
+        counting = search.hits().subscribe([this](const auto&) { ++searches; }, FirstValue::Skip);
     }
 
+    /// "BGB-1814 [BGB-1815]": the hits, the chosen one in brackets.
+    std::string shown() const {
+        std::string ids;
+        const auto& chosen = search.selection().get();
+        for (const auto& hit : search.hits().get()) {
+            const bool isChosen = chosen && hit.id() == chosen->id();
+            ids += (ids.empty() ? "" : " ") + (isChosen ? "[" + hit.id() + "]" : hit.id());
+        }
+        return ids;
+    }
+    void ask(const std::string& query) {
+        search.setQuery(query);
+        time.advance(pause);
+    }
+    void choose(std::size_t row) { search.select(search.hits().get().at(row)); }
+
+    CapturedLog log;
     ManualTime time;
     LawFolders laws;
     LegalCorpus corpus{laws.store, time};
     LawSearch search{time.runtime(), corpus};
-    using Ids = std::vector<std::string>;
+    int searches = 0;
+    Registration counting;
 };
 
-TEST_F(LawSearchTest, typing_searches_once_220_milliseconds_behind_the_last_key) {
-    EXPECT_EQ(search.hint(), "BGB und FamFG durchsuchen");
-    int answers = 0;
-    const auto counting = search.hits().subscribe([&](const auto&) { ++answers; }, FirstValue::Skip);
-    for (const std::string query : {"1", "18", "181"}) {
-        search.setQuery(query);
-        time.advance(std::chrono::milliseconds(219));
-        EXPECT_EQ(search.hint(), "Suche…");
+TEST_F(LawSearchTest, typing_searches_once_when_it_pauses) {
+    for (const auto* typed : {"g", "ge", "gesp", "gespräch"}) {
+        search.setQuery(typed);
+        time.advance(pause - moment);
     }
-    EXPECT_EQ(answers, 0);
-    time.advance(std::chrono::milliseconds(1));
-    EXPECT_EQ(answers, 1);
-    EXPECT_EQ(found(), Ids({"BGB-1814", "BGB-1815"}));
-    EXPECT_EQ(chosen(), "BGB-1814") << "the first one, where nothing was chosen";
+    EXPECT_EQ(search.hint(), "Suche…");
+    EXPECT_EQ(searches, 0);
+    time.advance(moment);
+    EXPECT_EQ(shown(), "[FamFG-278]");
+    EXPECT_EQ(searches, 1);
+    EXPECT_FALSE(search.searching().get());
 
     search.setQuery("1815");
-    search.searchNow(); // Return.
+    search.searchNow();
     time.settle();
-    EXPECT_EQ(found(), Ids({"BGB-1815"}));
-    time.advance(seconds(1));
-    EXPECT_EQ(answers, 2) << "and not again when the pause is over";
+    EXPECT_EQ(shown(), "[BGB-1815]");
+    time.advance(pause);
+    EXPECT_EQ(searches, 2) << "the pause has no search of its own any more";
 }
 
 TEST_F(LawSearchTest, an_answer_to_what_is_no_longer_asked_is_dropped) {
     ask("1814");
     time.holdBackground = true;
-    ask("Anwendung");
+    ask("278");
     search.setQuery("1815");
     time.holdBackground = false;
     time.settle();
-    EXPECT_EQ(found(), Ids({"BGB-1814"})) << "the state stays as it is";
+    EXPECT_EQ(shown(), "[BGB-1814]") << "the answer to 278 comes too late";
     EXPECT_TRUE(search.searching().get());
-    time.advance(LawSearch::typingPause);
-    EXPECT_EQ(found(), Ids({"BGB-1815"}));
+    time.advance(pause);
+    EXPECT_EQ(shown(), "[BGB-1815]");
+
+    time.holdBackground = true;
+    ask("278");
+    search.clear();
+    time.holdBackground = false;
+    time.advance(pause);
+    EXPECT_EQ(shown(), "") << "nor does it fill a field that was cleared";
+    EXPECT_FALSE(search.selection().get());
     EXPECT_FALSE(search.searching().get());
 }
 
 TEST_F(LawSearchTest, the_choice_stays_while_it_is_among_the_hits) {
-    ask("181");
-    search.select(search.hits().get().at(1));
-    ask("Hilfe");
-    EXPECT_EQ(chosen(), "BGB-1815");
-    ask("Anwendung");
-    EXPECT_EQ(chosen(), "FamFG-1");
-    ask("gibt es nicht");
-    EXPECT_EQ(chosen(), "nichts");
+    ask("geholfen");
+    EXPECT_EQ(shown(), "[BGB-1814] BGB-1815 FamFG-278");
+    choose(1);
+    ask("geholfen wird");
+    EXPECT_EQ(shown(), "BGB-1814 [BGB-1815] FamFG-278");
+    ask("278");
+    EXPECT_EQ(shown(), "[FamFG-278]");
+    ask("nirgends zu finden");
+    EXPECT_EQ(shown(), "");
+    EXPECT_FALSE(search.selection().get());
     EXPECT_EQ(search.hint(), "Kein Treffer");
-    ask("");
+}
+
+TEST_F(LawSearchTest, an_empty_query_finds_nothing_and_hints) {
     EXPECT_EQ(search.hint(), "BGB und FamFG durchsuchen");
-    ask("181");
-    search.setQuery("1");
+    ask("1814");
+    search.setQuery("");
+    EXPECT_EQ(search.hint(), "BGB und FamFG durchsuchen");
+    time.advance(pause);
+    EXPECT_EQ(shown(), "");
+    EXPECT_EQ(search.hint(), "BGB und FamFG durchsuchen");
+}
+
+TEST_F(LawSearchTest, new_texts_of_what_is_chosen_are_shown) {
+    ask("geholfen");
+    choose(2);
+    laws.deliver({lawOf("FamFG", {sectionOf("278", "Gespräch", "Zuerst wird geholfen.")})});
+    corpus.reload();
+    search.textsChanged();
+    time.settle();
+    EXPECT_EQ(shown(), "[FamFG-278]");
+    EXPECT_EQ(search.selection().get()->section.text, "Zuerst wird geholfen.");
     search.clear();
-    time.advance(seconds(1));
-    EXPECT_EQ(found(), Ids());
-    EXPECT_EQ(chosen(), "nichts");
-    EXPECT_FALSE(search.searching().get());
+    search.textsChanged();
+    EXPECT_FALSE(search.searching().get()) << "nothing is asked";
 }
 
 TEST_F(LawSearchTest, a_copy_shows_for_a_moment) {
     search.markCopied();
-    time.advance(seconds(1));
+    time.advance(std::chrono::seconds(1));
     search.markCopied();
-    time.advance(seconds(0.5));
-    EXPECT_FALSE(search.copied().get()) << "the second copy restarts nothing";
+    time.advance(std::chrono::milliseconds(499));
+    EXPECT_TRUE(search.copied().get());
+    time.advance(moment);
+    EXPECT_FALSE(search.copied().get()) << "the second copy doesn't make it longer";
+    search.markCopied();
+    time.advance(std::chrono::milliseconds(1499));
+    EXPECT_TRUE(search.copied().get());
 }
 
 TEST_F(LawSearchTest, the_full_text_names_its_source) {
-    ask("181");
-    EXPECT_EQ(LawSearch::fullText(search.hits().get().at(0)),
-              "§ 1814 BGB – Voraussetzungen\nWer Hilfe braucht, bekommt sie.");
-    EXPECT_EQ(LawSearch::fullText(search.hits().get().at(1)), "§ 1815 BGB\nUmfang der Hilfe.");
+    const LegalHit titled{"FamFG", sectionOf("278", "Gespräch", "Man redet.\n\nZweitens.")};
+    EXPECT_EQ(LawSearch::fullText(titled), "§ 278 FamFG – Gespräch\nMan redet.\n\nZweitens.");
+    const LegalHit untitled{"FamFG", sectionOf("1", "", "Hier.")};
+    EXPECT_EQ(LawSearch::fullText(untitled), "§ 1 FamFG\nHier.");
 }
 
 /// What the empty pane says while there is no text at all.
@@ -120,8 +159,8 @@ TEST(CorpusProgressTest, tells_how_far_the_first_load_is) {
         {Checking{0, 0}, "Das Gesetzesportal wird gefragt", std::nullopt, true},
         {Downloading{"BGB", 2, 8}, "Die Gesetze werden geladen: BGB (3 von 8)", 0.25, true},
         {Applying{}, "Die Gesetze werden gespeichert", 1.0, true},
-        {Failed{"Keine Verbindung."}, "Keine Verbindung.\nSie werden", std::nullopt, false},
-        {Idle{}, "Noch sind keine Gesetzestexte da.\nSie werden", std::nullopt, false},
+        {Failed{"Keine Verbindung."}, "Keine Verbindung.\nBitte prüfen", std::nullopt, false},
+        {Idle{}, "Noch sind keine Gesetzestexte da.\nSie kommen", std::nullopt, false},
     };
     for (const auto& [stage, beginning, share, isUnderWay] : rows) {
         const auto progress = CorpusProgress::of(stage, false);

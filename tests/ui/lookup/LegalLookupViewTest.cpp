@@ -1,127 +1,247 @@
 #include "ui/lookup/LegalLookupView.h"
 
+#include "SomeLaws.h"
+
 #include "support/DictationWorld.h"
 #include "support/FakePortal.h"
-#include "support/Laws.h"
 #include "support/QtApplication.h"
 #include "ui/brand/Brand.h"
 
-#include <set>
-
+#include <QApplication>
 #include <QClipboard>
+#include <QInputDevice>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QPushButton>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <gtest/gtest.h>
 
 namespace querlin {
 namespace {
 
-/// The application from before, as far as there is one.
-class FakeFocusReturn final : public FocusReturn {
+/// Takes a fifth of a second.
+class ScriptedFocusReturn final : public FocusReturn {
 public:
+    explicit ScriptedFocusReturn(MainQueue& queue) : queue_(queue) {}
     Task<bool> giveBack() override {
         ++calls;
-        if (isThere && window) window->hide(); // Another window has the keyboard now.
+        co_await sleepFor(queue_, seconds(0.2));
+        if (isThere) window->hide(); // Another one has the keyboard now.
         co_return isThere;
     }
+
     bool isThere = true;
     QWidget* window = nullptr;
     int calls = 0;
+
+private:
+    MainQueue& queue_;
 };
 
-class LegalLookupViewTest : public ::testing::Test {
-protected:
+/// The window in memory, over a controller on virtual time.
+struct LegalLookupViewTest : testing::Test {
     LegalLookupViewTest() {
-        laws.deliver({lawOf("BGB", {sectionOf("1814", "<b>Voraussetzungen</b>", "Wer <i>Hilfe</i> braucht, bekommt sie."),
-                                    sectionOf("1815", "", "Umfang der Hilfe.")})});
-        focusReturn.window = &view;
-        view.show();
-        world.wait(seconds(0.1));
+        QInputDevice::devices(); // Begun before the application, their list outlives it.
+        qtApplication();
     }
-    void type(const std::string& text) {
-        auto* field = view.findChild<QLineEdit*>();
-        for (const QChar letter : Brand::text(text)) {
-            QKeyEvent key(QEvent::KeyPress, 0, Qt::NoModifier, letter);
-            QCoreApplication::sendEvent(field, &key);
-        }
-    }
-    void press(QWidget* widget, int code) {
-        QKeyEvent key(QEvent::KeyPress, code, Qt::NoModifier);
-        QCoreApplication::sendEvent(widget, &key);
+
+    /// With these laws, and shown.
+    void open(std::vector<LegalLaw> delivered) {
+        laws.deliver(std::move(delivered));
+        view.emplace(LegalLookupSources{world.time.runtime(), corpus, updates, &world.controller, focusReturn});
+        focusReturn.window = &*view;
+        view->show();
         world.time.settle();
     }
-    void click(const std::string& action) {
-        for (auto* button : view.findChildren<QPushButton*>()) {
-            if (button->text() == Brand::text(action)) button->click();
-        }
-        world.wait(seconds(1));
+    template<class Widget>
+    Widget& the() {
+        return *view->findChild<Widget*>();
     }
-    using Texts = std::set<std::string>;
-    Texts shown() {
-        Texts texts;
-        for (const auto* label : view.findChildren<QLabel*>()) {
-            if (label->isVisibleTo(&view) && !label->text().isEmpty()) texts.insert(Brand::utf8(label->text()));
+    QPushButton& button(const std::string& text) {
+        for (auto* found : view->findChildren<QPushButton*>()) {
+            if (found->text() == Brand::text(text)) return *found;
         }
-        return texts;
+        throw std::runtime_error("no button " + text);
+    }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}, const QString& text = {}) {
+        QKeyEvent event(QEvent::KeyPress, key, modifiers, text);
+        auto* focused = view->focusWidget();
+        QApplication::sendEvent(focused ? focused : &*view, &event);
+    }
+    /// Letter by letter, and the pause.
+    void type(const std::string& text) {
+        for (const auto letter : Brand::text(text)) press(Qt::Key_unknown, {}, letter);
+        world.time.advance(LawSearch::typingPause);
+    }
+    std::vector<std::string> rows() {
+        std::vector<std::string> found;
+        auto& list = the<QListWidget>();
+        for (int row = 0; row < list.count(); ++row) found.push_back(Brand::utf8(list.item(row)->data(Qt::AccessibleTextRole).toString()));
+        return found;
+    }
+    /// All labels that can be seen.
+    std::string read() {
+        std::vector<std::string> found;
+        for (const auto* label : view->findChildren<QLabel*>()) {
+            if (label->isVisibleTo(&*view) && !label->text().isEmpty()) found.push_back(Brand::utf8(label->text()));
+        }
+        return fmt::format("{}", fmt::join(found, " | "));
     }
     static std::string clipboard() { return Brand::utf8(QGuiApplication::clipboard()->text()); }
 
-    QApplication& application = qtApplication(); // Before the view.
     DictationWorld world;
     LawFolders laws;
-    LegalCorpus corpus{laws.store, world.time};
     FakePortal portal{world.time};
+    LegalCorpus corpus{laws.store, world.time};
     LegalUpdateService updates{world.settings, laws.store, corpus, portal, world.time.runtime()};
-    FakeFocusReturn focusReturn;
-    LegalLookupView view{{.runtime = world.time.runtime(),
-                          .corpus = corpus,
-                          .updates = updates,
-                          .controller = &world.controller,
-                          .focusReturn = focusReturn}};
-    const std::string fullText = "§ 1814 BGB – <b>Voraussetzungen</b>\nWer <i>Hilfe</i> braucht, bekommt sie.";
+    ScriptedFocusReturn focusReturn{world.time};
+    std::optional<LegalLookupView> view;
 };
 
-TEST_F(LegalLookupViewTest, a_section_is_found_read_and_copied_by_keyboard) {
-    EXPECT_EQ(shown(), (Texts{"BGB und FamFG durchsuchen", "Paragraph auswählen",
-                            "BGB: 2 §§, Stand 02.01.2024 – Zuletzt geändert am 1.2.2023"}));
-    type("181");
-    press(view.findChild<QLineEdit*>(), Qt::Key_Return);
-    EXPECT_EQ(shown(), (Texts{"§ 1814 BGB", "<b>Voraussetzungen</b>"})) << "letter by letter, no markup";
-    EXPECT_EQ(view.findChild<QTextEdit*>()->toPlainText(), QStringLiteral("Wer <i>Hilfe</i> braucht, bekommt sie."));
-    click("Kopieren");
+constexpr std::string_view fullText = "§ 1814 BGB – <i>Wann</i> geholfen wird\nWer <b>nicht</b> allein zurechtkommt, dem wird geholfen.\n\n"
+                                      "Aber nur so weit wie nötig.";
+
+TEST_F(LegalLookupViewTest, a_section_is_found_read_and_copied) {
+    open(someLaws());
+    for (const auto* line : {"BGB und FamFG durchsuchen", "Paragraph auswählen",
+                             "BGB: 2 §§, Stand 02.01.2024 – Zuletzt geändert am 1.2.2023", "FamFG: 2 §§, Stand 02.01.2024"}) {
+        EXPECT_TRUE(read().contains(line)) << read();
+    }
+    type("1 ");
+    EXPECT_EQ(rows(), (std::vector<std::string>{"§ 1 FamFG, (ohne Überschrift)", "§ 1814 BGB, <i>Wann</i> geholfen wird, Betreuung",
+                                                "§ 1815 BGB, Aufgaben"}));
+    EXPECT_EQ(read(), "§ 1 FamFG");
+    the<QListWidget>().setCurrentRow(1);
+    EXPECT_EQ(read(), "§ 1814 BGB | <i>Wann</i> geholfen wird | Viertes Buch / Hilfe");
+    EXPECT_EQ(Brand::utf8(the<QTextEdit>().toPlainText()), fullText.substr(fullText.find('\n') + 1)) << "nothing is markup";
+
+    button("Kopieren").click();
     EXPECT_EQ(clipboard(), fullText);
-    click("Nur Fundstelle");
+    button("Nur Fundstelle").click();
     EXPECT_EQ(clipboard(), "§ 1814 BGB");
-
-    press(view.findChild<HitList*>(), Qt::Key_Down);
-    EXPECT_EQ(shown(), Texts{"§ 1815 BGB"});
-    press(&view, Qt::Key_Escape);
-    EXPECT_FALSE(view.isVisible());
+    EXPECT_TRUE(button("Kopiert").isVisibleTo(&*view));
+    world.time.advance(std::chrono::milliseconds(1500));
+    EXPECT_TRUE(button("Kopieren").isVisibleTo(&*view));
 }
 
-TEST_F(LegalLookupViewTest, a_text_goes_to_the_application_from_before_and_never_into_this_window) {
+TEST_F(LegalLookupViewTest, the_reader_keeps_the_place_while_the_same_is_found_again) {
+    auto longLaw = someLaws();
+    std::string text;
+    for (int i = 0; i < 300; ++i) text += fmt::format("Satz {} über die Hilfe.\n", i);
+    longLaw.front().sections.front().text = std::move(text);
+    open(std::move(longLaw));
+    type("181");
+    auto cursor = the<QTextEdit>().textCursor();
+    cursor.setPosition(2000);
+    the<QTextEdit>().setTextCursor(cursor);
+    type("4");
+    EXPECT_EQ(rows().size(), 1U);
+    EXPECT_EQ(the<QTextEdit>().textCursor().position(), 2000);
+}
+
+TEST_F(LegalLookupViewTest, the_keyboard_goes_from_the_field_to_the_text_and_back) {
+    open(someLaws());
+    auto& field = the<QLineEdit>();
+    auto& list = the<QListWidget>();
+    EXPECT_EQ(view->focusWidget(), &field);
+    press(Qt::Key_Down);
+    EXPECT_EQ(view->focusWidget(), &field) << "there is nothing to go to";
+    for (const auto letter : QStringLiteral("1814")) press(Qt::Key_unknown, {}, letter);
+    press(Qt::Key_Return);
+    world.time.settle();
+    EXPECT_EQ(rows().size(), 1U) << "without the pause";
+    EXPECT_EQ(view->focusWidget(), &field);
+    press(Qt::Key_Return);
+    EXPECT_EQ(view->focusWidget(), &the<QTextEdit>());
+    press(Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(view->focusWidget(), &field);
+    type("geholfen");
+    press(Qt::Key_Down);
+    EXPECT_EQ(view->focusWidget(), &list);
+    press(Qt::Key_Down);
+    EXPECT_EQ(list.currentRow(), 1);
+    press(Qt::Key_Up);
+    press(Qt::Key_Up);
+    EXPECT_EQ(view->focusWidget(), &field);
+    for (auto* place : {static_cast<QWidget*>(&field), static_cast<QWidget*>(&list), static_cast<QWidget*>(&the<QTextEdit>())}) {
+        view->show();
+        place->setFocus();
+        press(Qt::Key_Escape);
+        EXPECT_FALSE(view->isVisible());
+    }
+}
+
+TEST_F(LegalLookupViewTest, a_text_goes_once_to_the_application_from_before) {
+    open(someLaws());
     type("1814");
-    press(view.findChild<QLineEdit*>(), Qt::Key_Return);
-    click("An Cursorposition einfügen");
-    world.wait(seconds(2));
-    EXPECT_EQ(world.inserter.delivered, std::vector<std::string>{fullText});
-
-    view.show();
-    focusReturn.isThere = false;
-    click("An Cursorposition einfügen");
-    EXPECT_EQ(world.inserter.delivered.size(), 1U);
-    EXPECT_EQ(clipboard(), fullText);
-    EXPECT_TRUE(shown().contains(
-        "Kein anderes Fenster mit Schreibmarke gefunden – der Text liegt in der Zwischenablage."));
+    auto& insert = button("An Cursorposition einfügen");
+    insert.click();
+    EXPECT_TRUE(world.inserter.delivered.empty());
+    EXPECT_FALSE(insert.isEnabled()) << "one is under way";
+    insert.click();
+    world.time.advance(std::chrono::seconds(2));
+    EXPECT_EQ(focusReturn.calls, 1);
+    EXPECT_EQ(world.inserter.delivered, std::vector<std::string>{std::string(fullText)});
+    EXPECT_TRUE(insert.isEnabled());
 }
 
-TEST_F(LegalLookupViewTest, new_laws_are_searched_at_once) {
-    type("1816");
-    press(view.findChild<QLineEdit*>(), Qt::Key_Return);
-    EXPECT_TRUE(shown().contains("Kein Treffer"));
-    laws.deliver({lawOf("BGB", {sectionOf("1816", "Eignung", "Neu.")})});
+TEST_F(LegalLookupViewTest, a_text_that_nobody_takes_is_on_the_clipboard_and_never_in_this_window) {
+    open(someLaws());
+    type("1814");
+    focusReturn.isThere = false;
+    auto& insert = button("An Cursorposition einfügen");
+    insert.click();
+    world.time.advance(std::chrono::seconds(2));
+    EXPECT_TRUE(world.inserter.delivered.empty());
+    EXPECT_EQ(clipboard(), fullText);
+    EXPECT_TRUE(read().contains("Kein anderes Fenster mit Schreibmarke gefunden – der Text liegt in der Zwischenablage.")) << read();
+    button("Nur Fundstelle").click();
+    EXPECT_FALSE(read().contains("Schreibmarke")) << "the line has done its work";
+
+    focusReturn.isThere = true;
+    insert.click();
+    view->setController(nullptr);
+    world.time.advance(std::chrono::seconds(2));
+    EXPECT_TRUE(world.inserter.delivered.empty()) << "the controller went meanwhile";
+    EXPECT_FALSE(insert.isEnabled());
+    view->setController(&world.controller);
+    insert.click();
+    focusReturn.isThere = false;
+    view.reset();
+    world.time.advance(std::chrono::seconds(2));
+    EXPECT_TRUE(world.inserter.delivered.empty()) << "so did the window";
+}
+
+TEST_F(LegalLookupViewTest, the_first_load_is_told_of_until_the_laws_are_there) {
+    open({lawOf("BGB", {})});
+    auto& bar = the<QProgressBar>();
+    updates.stage.set(LegalUpdateStage::Checking{4, 17});
+    EXPECT_TRUE(bar.isVisibleTo(&*view));
+    updates.stage.set(LegalUpdateStage::Downloading{"BGB", 2, 17});
+    EXPECT_TRUE(read().contains("Die Gesetze werden geladen: BGB (3 von 17)")) << read();
+    updates.stage.set(LegalUpdateStage::Failed{"Keine der neuen Fassungen ließ sich laden."});
+    EXPECT_FALSE(bar.isVisibleTo(&*view));
+    EXPECT_TRUE(read().contains("Keine der neuen Fassungen ließ sich laden.\n")) << read();
+    button("Gesetze laden").click();
+    world.time.settle();
+    EXPECT_TRUE(read().contains("Kein Gesetzesmanifest gefunden.\n")) << "tried at once: " << read();
+
+    type("1814");
+    EXPECT_EQ(rows().size(), 0U);
+    updates.stage.set(LegalUpdateStage::Applying{});
+    laws.deliver(someLaws());
     corpus.reload();
-    updates.stage.set(LegalUpdateStage::Updated{{"BGB"}});
-    world.wait(seconds(0.1));
-    EXPECT_EQ(shown(), (Texts{"§ 1816 BGB", "Eignung"}));
+    updates.stage.set(LegalUpdateStage::Updated{{"BGB", "FamFG"}});
+    world.time.settle();
+    EXPECT_EQ(rows(), std::vector<std::string>{"§ 1814 BGB, <i>Wann</i> geholfen wird, Betreuung"}) << "the search ran again";
+    type("x");
+    EXPECT_TRUE(read().contains("FamFG: 2 §§")) << read();
+    updates.stage.set(LegalUpdateStage::Checking{1, 17});
+    EXPECT_FALSE(bar.isVisibleTo(&*view)) << "there are texts, later updates are quiet";
 }
 
 } // namespace

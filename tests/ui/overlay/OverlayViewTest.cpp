@@ -17,8 +17,6 @@ using Texts = std::vector<std::string>;
 
 class OverlayViewTest : public ::testing::Test {
 protected:
-    OverlayViewTest() { qtApplication(); }
-
     /// What can be read in it, from left to right and from top to bottom.
     Texts texts() {
         Texts found;
@@ -35,6 +33,7 @@ protected:
     }
     int height() { return view.sizeHint().height(); }
 
+    QApplication& application = qtApplication(); // Before the view.
     DictationWorld world;
     OverlayView view{world.controller, world.settings};
 };

@@ -20,7 +20,6 @@ public:
 class WindowCoordinatorTest : public ::testing::Test {
 protected:
     WindowCoordinatorTest() {
-        qtApplication();
         windows.setController(&world.controller);
     }
     ~WindowCoordinatorTest() override { windows.setController(nullptr); }
@@ -50,6 +49,7 @@ protected:
         return {.id = "1", .recognized = std::move(recognized), .corrected = std::move(corrected), .appName = "Notizen"};
     }
 
+    QApplication& application = qtApplication(); // Before all windows.
     DictationWorld world;
     FakePortal portal{world.time};
     LegalCorpusStore laws{world.folder.path() / "Gesetze", world.folder.path()};

@@ -1,0 +1,138 @@
+#include "Journey.h"
+
+#include "foundation/Characters.h"
+
+#include <csignal>
+
+#include <fmt/format.h>
+
+namespace querlin {
+
+void Journey::SetUp() {
+    ASSERT_TRUE(isInVirtualDesktop());
+    tray.emplace(std::vector<std::string>{"trayer", "--edge", "top", "--SetDockType", "true"});
+    ASSERT_TRUE(eventually(&Journey::hasTray));
+    copy(copiedBefore);
+    querlin.prepare([](AppSettings& settings) {
+        settings.hasCompletedOnboarding.set(true);
+        settings.playStartSound.set(false);
+        settings.playStopSound.set(false);
+        settings.updateLawsAutomatically.set(false);
+        settings.checkForUpdatesAtLaunch.set(false);
+    });
+}
+
+void Journey::TearDown() {
+    release();
+    if (querlin.isRunning()) {
+        EXPECT_EQ(querlin.end(SIGTERM), 0);
+    }
+    if (HasFailure()) std::cout << "The program's log:\n" << querlin.log() << notifications() << '\n';
+}
+
+void Journey::startQuerlin() {
+    querlin.start();
+    ASSERT_TRUE(querlin.listens());
+}
+
+std::unique_ptr<Program> Journey::open(std::vector<std::string> command, const std::string& field) {
+    auto program = std::make_unique<Program>(std::move(command));
+    EXPECT_TRUE(comesToShow(field));
+    return program;
+}
+
+testing::AssertionResult Journey::comesToShow(const std::string& field) {
+    if (const auto result = becomes(field, std::chrono::seconds(40)); !result) return result;
+    if (eventually([&] { return answersAtOnce(field); })) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "the program is busy with itself";
+}
+
+bool Journey::answersAtOnce(const std::string& field) {
+    constexpr int looks = 10;
+    constexpr Duration allOfThem = std::chrono::milliseconds(200);
+    const auto begun = std::chrono::steady_clock::now();
+    for (int i = 0; i < looks; ++i) {
+        if (look() != field) return false;
+    }
+    return std::chrono::steady_clock::now() - begun < allOfThem;
+}
+
+bool Journey::hasTray() { return !shell("xdotool search --class '^trayer$'").empty(); }
+
+void Journey::press() { shell(fmt::format("xdotool keydown {}", holdKey)); }
+
+void Journey::release() { shell(fmt::format("xdotool keyup {}", holdKey)); }
+
+testing::AssertionResult Journey::beginRecording() {
+    press();
+    if (eventually(&Journey::overlayIsShown)) return testing::AssertionSuccess();
+    release();
+    return testing::AssertionFailure() << "no overlay";
+}
+
+void Journey::dictate(const std::string& sentence) {
+    const Spoken spoken(sentence);
+    ASSERT_TRUE(beginRecording());
+    spoken.play();
+    release();
+}
+
+void Journey::say(const std::string& sentence) const {
+    const Spoken spoken(sentence);
+    ASSERT_TRUE(beginRecording());
+    spoken.play();
+    ASSERT_TRUE(eventually([&] { return querlin.textSoFar() == sentence; })) << querlin.textSoFar();
+}
+
+bool Journey::overlayIsShown() { return !shell("xdotool search --onlyvisible --name '^Querlin Overlay$'").empty(); }
+
+testing::AssertionResult Journey::overlayGoes() {
+    if (eventually([] { return !overlayIsShown(); })) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "the overlay stays";
+}
+
+std::string Journey::clipboard() { return shell("timeout 5 xclip -o -selection clipboard"); }
+
+void Journey::copy(const std::string& text) { shell(fmt::format("printf %s '{}' | xclip -i -selection clipboard >/dev/null", text)); }
+
+std::string Journey::notifications() { return shell("dunstctl close-all; dunstctl history"); }
+
+void Journey::expectDelivered(const std::string& field, const std::string& text) {
+    EXPECT_TRUE(querlin.says("[timing] Erkennung"));
+    EXPECT_TRUE(becomes(field));
+    EXPECT_TRUE(overlayGoes());
+    EXPECT_EQ(clipboard(), copiedBefore);
+    EXPECT_EQ(querlin.countOf("[timing] Erkennung"), 1U);
+    const auto history = querlin.history();
+    ASSERT_EQ(history.size(), 1U);
+    EXPECT_EQ(history.front().text, text);
+    EXPECT_EQ(querlin.statistics(), fmt::format("1 Diktate, {} Wörter", countWords(text)));
+    EXPECT_TRUE(querlin.rescued().empty());
+    EXPECT_TRUE(querlin.recordings().empty());
+}
+
+void Journey::expectRescued(const std::string& text, const std::string& reason) const {
+    EXPECT_TRUE(querlin.says(fmt::format("[rescue] {} – {} Wörter gerettet → ", reason, countWords(text))));
+    const auto files = querlin.rescued();
+    ASSERT_EQ(files.size(), 2U);
+    EXPECT_TRUE(files[0].ends_with(".caf")) << files[0];
+    EXPECT_EQ(contentOf(querlin.paths().rescuedDictations() / files[1]), text);
+    EXPECT_GT(std::filesystem::file_size(querlin.paths().rescuedDictations() / files[0]), 50'000U);
+    EXPECT_TRUE(eventually([&] { return notifications().contains("Diktat nicht eingefügt") && notifications().contains(reason); }));
+    EXPECT_TRUE(overlayGoes());
+    EXPECT_EQ(querlin.countOf("[timing] Erkennung"), 0U);
+    EXPECT_TRUE(querlin.history().empty());
+    EXPECT_EQ(querlin.statistics(), "0 Diktate, 0 Wörter");
+    EXPECT_TRUE(querlin.recordings().empty());
+}
+
+void Journey::expectNothingKept() const {
+    EXPECT_EQ(clipboard(), copiedBefore);
+    EXPECT_EQ(querlin.countOf("[timing] Erkennung"), 0U);
+    EXPECT_TRUE(querlin.history().empty());
+    EXPECT_EQ(querlin.statistics(), "0 Diktate, 0 Wörter");
+    EXPECT_TRUE(querlin.rescued().empty());
+    EXPECT_TRUE(querlin.recordings().empty());
+}
+
+} // namespace querlin
