@@ -92,7 +92,7 @@ class Stage:
         decode = [self.build / "tools/recordings/decode", self.build / f"resources/Recordings/{recording.name}.m4a"]
         samples.write_bytes(subprocess.run(decode, capture_output=True, check=True).stdout)
         command = ("paplay", "--raw", "--format=float32ne", f"--rate={_SAMPLES_A_SECOND}", "--channels=1",
-                   "--latency-msec=50", "--device=gesprochen", str(samples))  # fmt: skip
+                   "--device=gesprochen", str(samples))  # fmt: skip
         with program("paplay", *command) as process:
             yield Voice(process, samples.stat().st_size / _BYTES_IN_A_SAMPLE / _SAMPLES_A_SECOND)
 

@@ -207,6 +207,7 @@ void AppDelegate::reportTroubles() {
 std::vector<SetupFinding> AppDelegate::findings() {
     return SetupReport::make({.machine = machine_,
                               .models = places_.paths.models(),
+                              .engine = settings_->engine.get(),
                               .corpus = corpus_,
                               .hotkey = settings_->hotkey.get().displayName(),
                               .settingsTrouble = preferences_->trouble()});

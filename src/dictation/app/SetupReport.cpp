@@ -18,9 +18,15 @@ SetupFinding microphone(Machine& machine) {
             .isFine = input.has_value()};
 }
 
-SetupFinding recognition(Machine& machine, const std::filesystem::path& models) {
-    if (machine.streaming.isHere())
-        return {.name = "Spracherkennung", .state = "Eigenes Sprachmodell", .isFine = true};
+SetupFinding recognition(Machine& machine, const std::filesystem::path& models, TranscriptionEngine engine) {
+    if (machine.streaming.isHere()) {
+        const bool isChosen = engine == TranscriptionEngine::speechAnalyzer;
+        return {.name = "Spracherkennung",
+                .state = isChosen ? "Eigenes Sprachmodell"
+                                  : "Ein eigenes Sprachmodell ist da; gewählt ist noch das Startmodell, das Menschen kaum "
+                                    "versteht (Einstellung „transcriptionEngine“: „speechAnalyzer“).",
+                .isFine = isChosen};
+    }
     std::string state = machine.canRecognise() ? "Nur das Startmodell zur Vorführung, das Menschen kaum versteht."
                                                : "Das mitgelieferte Startmodell fehlt oder ist beschädigt.";
     state += fmt::format(" Für die Arbeit gehört ein deutsches Sprachmodell in den Ordner {}.", models.string());
@@ -63,7 +69,7 @@ SetupFinding laws(LegalCorpus& corpus) {
 } // namespace
 
 std::vector<SetupFinding> make(const Sources& sources) {
-    std::vector findings = {microphone(sources.machine), recognition(sources.machine, sources.models),
+    std::vector findings = {microphone(sources.machine), recognition(sources.machine, sources.models, sources.engine),
                             hotkey(sources.machine, sources.hotkey), fields(sources.machine), laws(sources.corpus)};
     if (sources.settingsTrouble)
         findings.push_back({.name = "Einstellungen", .state = *sources.settingsTrouble, .isFine = false});

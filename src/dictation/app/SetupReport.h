@@ -2,6 +2,7 @@
 
 #include "dictation/app/Machine.h"
 #include "legal/LegalCorpus.h"
+#include "state/RecognitionChoice.h"
 #include "ui/windows/SetupFinding.h"
 
 #include <optional>
@@ -14,6 +15,7 @@ namespace querlin::SetupReport {
 struct Sources {
     Machine& machine;
     std::filesystem::path models;
+    TranscriptionEngine engine;
     LegalCorpus& corpus;
     std::string hotkey;
     /// What is wrong with the settings' file.
