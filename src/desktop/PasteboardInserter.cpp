@@ -64,12 +64,16 @@ Task<std::expected<TextInserter::Outcome, InsertError>> PasteboardInserter::inse
     co_await sleepFor(queue, untilTheLook);
 
     const auto outcome = compare(target);
-    if (outcome == Outcome::notInserted) {
-        DiagnosticsLog::note("insert", "Einfügen nicht angekommen – Text bleibt in der Zwischenablage.");
-        co_return outcome;
+    if (outcome != Outcome::notInserted) {
+        co_await sleepFor(queue, restoreDelay - untilTheLook);
+        co_await letReadersFinish(*offer, readsBefore, key);
     }
-    co_await sleepFor(queue, restoreDelay - untilTheLook);
-    co_await letReadersFinish(*offer, readsBefore, key);
+    // Nobody who could have pasted it has asked for it.
+    const bool isUnread = offer->isCurrent() && offer->completedReads() == readsBefore && !offer->isBeingRead();
+    if (outcome == Outcome::notInserted || (outcome == Outcome::unconfirmed && isUnread)) {
+        DiagnosticsLog::note("insert", "Einfügen nicht angekommen – Text bleibt in der Zwischenablage.");
+        co_return Outcome::notInserted;
+    }
     if (offer->isCurrent()) {
         with_.pasteboard.write(std::move(snapshot));
     } else {

@@ -75,8 +75,18 @@ TEST_F(InsertionTest, GivesTheClipboardBackUnlessTheTextIsStillNeededThere) {
         {[](auto& t) { t.key.works = false; }, Outcome::notInserted, dictated, "no key could be pressed"},
         {[](auto& t) { t.desktop.focusOn(nullptr); }, Outcome::unconfirmed, copied, "no field known"},
         {[](auto& t) { t.desktop.focus(FieldKind::secure); }, Outcome::unconfirmed, copied, "a field without a readable text"},
-        {[](auto& t) { t.key.onPress = [&t] { t.desktop.field->attributes.erase("AXValue"); }; }, Outcome::unconfirmed, copied,
-         "it has become unreadable"},
+        {[](auto& t) {
+             t.key.onPress = [&t] {
+                 t.desktop.field->attributes.erase("AXValue");
+                 t.pasteboard.offer->reads = 1;
+             };
+         },
+         Outcome::unconfirmed, copied, "it has become unreadable"},
+        {[](auto& t) {
+             t.desktop.focusOn(nullptr);
+             t.key.onPress = [] {};
+         },
+         Outcome::notInserted, dictated, "no field known, and nobody has asked for the text"},
     };
     for (const auto& row : rows) {
         desktop = FakeDesktop();
@@ -87,7 +97,7 @@ TEST_F(InsertionTest, GivesTheClipboardBackUnlessTheTextIsStillNeededThere) {
         EXPECT_EQ(insert("Hallo"), row.outcome) << row.reason;
         EXPECT_EQ(pasteboard.contents, row.left) << row.reason;
     }
-    EXPECT_EQ(log.countOf("[insert] Einfügen nicht angekommen – Text bleibt in der Zwischenablage."), 2U);
+    EXPECT_EQ(log.countOf("[insert] Einfügen nicht angekommen – Text bleibt in der Zwischenablage."), 3U);
 }
 
 TEST_F(InsertionTest, TouchesNothingWithoutPermissionOrText) {
@@ -129,7 +139,9 @@ TEST_F(InsertionTest, WaitsForASlowReaderButNotForever) {
     time.advance(seconds(2.04));
     EXPECT_EQ(pasteboard.text(), "Hallo");
     time.advance(seconds(0.02));
-    EXPECT_EQ(pasteboard.contents, copied) << "nobody has read";
+    EXPECT_EQ(outcome, Outcome::notInserted) << "nobody has read";
+    EXPECT_EQ(pasteboard.text(), "Hallo") << "it can be pasted by hand";
+    pasteboard.contents = copied;
 
     key.onPress = [this] { pasteboard.offer->reads = 1; };
     begin("Hallo");

@@ -25,6 +25,7 @@ session-restore='never'
 #: Room around the text; and for root the editor has a red bar with a warning.
 _STYLE = """
 notebook > stack { padding: 14px 22px; background-color: @theme_base_color; }
+scrolledwindow { border: none; }
 """
 _STYLE_FOR_ROOT = ":not(menuitem) > label { background-color: transparent; color: transparent; font-size: 1px; }\n"
 

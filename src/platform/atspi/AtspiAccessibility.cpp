@@ -9,6 +9,8 @@
 
 #include <fmt/format.h>
 
+#include <unistd.h>
+
 namespace querlin {
 
 namespace {
@@ -91,6 +93,7 @@ public:
     std::expected<AccessibilityValue, AccessibilityError> attribute(std::string_view name) override {
         if (name != AX::focusedElement) return std::unexpected(-ENOENT);
         if (!owner_.tree()) return std::unexpected(-ENOTCONN);
+        if (isOurs()) return std::unexpected(-ENOENT);
         auto found = process_ ? owner_.searchedFocus(*process_) : owner_.trackedFocus();
         if (!found) return std::unexpected(found.error());
         return ElementPointer(std::make_shared<Element>(owner_, std::move(*found)));
@@ -100,6 +103,9 @@ public:
     }
 
 private:
+    /// Our own windows couldn't answer while this thread waits for it.
+    bool isOurs() const { return (process_ ? process_ : owner_.frontProcess_()) == ::getpid(); }
+
     AtspiAccessibility& owner_;
     const std::optional<std::int32_t> process_;
 };

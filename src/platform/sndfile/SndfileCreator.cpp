@@ -54,8 +54,9 @@ SndfileCreator::create(const std::filesystem::path& path, AudioFormat format) {
     // Of our own making, so that nobody else may read it.
     const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (file < 0) return std::unexpected(systemError(errno));
+    errno = 0;
     Sound sound(sf_open_fd(file, SFM_WRITE, &info, SF_TRUE)); // It closes the file also where it fails.
-    if (!sound) return std::unexpected(sf_strerror(nullptr));
+    if (!sound) return std::unexpected(errno != 0 ? systemError(errno) : sf_strerror(nullptr));
     // The header tells the true length behind each write: a recording cut off can be read.
     sf_command(sound.get(), SFC_SET_UPDATE_HEADER_AUTO, nullptr, SF_TRUE);
     return std::make_unique<SndfileWriter>(std::move(sound), format);

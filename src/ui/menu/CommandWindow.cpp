@@ -71,7 +71,8 @@ void CommandWindow::changeEvent(QEvent* event) {
 }
 
 void CommandWindow::closeEvent(QCloseEvent* event) {
-    if (hasTray_) return;
+    const bool isUsersWish = event->spontaneous(); // Otherwise it is the end of the program or of the session.
+    if (hasTray_ || !isUsersWish) return;
     event->ignore();
     showMinimized();
 }

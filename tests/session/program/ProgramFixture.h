@@ -42,6 +42,8 @@ protected:
         EXPECT_TRUE(eventually([] { return logHas("installHotkey → OK"); }));
         return started;
     }
+    /// How a command of the shell ends, and what it says.
+    static std::string resultOf(const std::string& command) { return shell("(timeout 10 " + command + ") 2>&1; echo $?"); }
     static int exitOf(const Program& process) {
         int status = -1;
         eventually([&] { return ::waitpid(process.id(), &status, WNOHANG) == process.id(); });

@@ -13,15 +13,12 @@ namespace {
 
 constexpr const char* program = QUERLIN_PROGRAM;
 
-/// How a command of the shell ends, and what it says.
-std::string resultOf(const std::string& command) { return shell("(" + command + ") 2>&1; echo $?"); }
-
 class ProgramTest : public ProgramFixture {};
 
 TEST_F(ProgramTest, a_second_start_calls_the_first_one_to_attention) {
     const auto first = start();
     EXPECT_FALSE(isShown("Querlin"));
-    EXPECT_EQ(resultOf(fmt::format("timeout 10 {}", program)), "0") << "without a word";
+    EXPECT_EQ(resultOf(program), "0") << "without a word";
     EXPECT_TRUE(eventually([] { return isShown("Querlin"); }));
     EXPECT_TRUE(eventually([] { return shell("xdotool getactivewindow getwindowname") == "Querlin"; }));
 }
@@ -61,7 +58,7 @@ TEST_F(ProgramTest, a_crash_leaves_no_core_dump) {
 }
 
 TEST_F(ProgramTest, without_a_graphical_session_it_says_so) {
-    EXPECT_EQ(resultOf(fmt::format("env -u DISPLAY -u QT_QPA_PLATFORM timeout 10 {}", program)),
+    EXPECT_EQ(resultOf(fmt::format("env -u DISPLAY -u QT_QPA_PLATFORM {}", program)),
               "Querlin braucht eine grafische Sitzung (X11 oder XWayland); es ist keine zu erreichen.\n1");
 }
 
