@@ -11,7 +11,6 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QGuiApplication>
-#include <QLinearGradient>
 #include <QPainter>
 #include <QSaveFile>
 
@@ -21,31 +20,8 @@ namespace {
 constexpr std::array sizes = {16, 22, 24, 32, 48, 64, 96, 128, 256, 512};
 constexpr int scalableSize = 512;
 
-/// The same picture as `BrandMark::appIcon`, on any painter.
-void drawIcon(QPainter& painter, double size) {
-    const double inset = 0.098 * size;
-    const auto square = QRectF(0, 0, size, size).adjusted(inset, inset, -inset, -inset);
-    QLinearGradient blue(square.topLeft(), square.bottomLeft());
-    blue.setColorAt(0, QColor(0x55, 0xA3, 0xE2));
-    blue.setColorAt(1, QColor(0x2F, 0x7C, 0xBD));
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(BrandMark::squirclePath(square), blue);
-    const double side = 0.6 * square.width();
-    BrandMark::draw(painter, QRectF(square.center() - QPointF(side / 2, side / 2), QSizeF(side, side)),
-                    Qt::white, BrandMark::SectionSign::with);
-}
-
 bool hasSectionSign() {
     return QFontMetrics(QFontDatabase::systemFont(QFontDatabase::GeneralFont)).inFont(QChar(u'§'));
-}
-
-bool isTheProgramsIcon() {
-    QImage image(scalableSize, scalableSize, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    drawIcon(painter, scalableSize);
-    painter.end();
-    return image == BrandMark::appIcon(scalableSize);
 }
 
 bool write(const QString& path, const QByteArray& content) {
@@ -61,7 +37,7 @@ bool writePicture(const QString& path, int size) {
 bool writeScalable(const QString& path) {
     SvgDevice device(scalableSize);
     QPainter painter(&device);
-    drawIcon(painter, scalableSize);
+    BrandMark::drawAppIcon(painter, scalableSize, BrandMark::SectionSign::with);
     painter.end();
     return device.isFaithful() && write(path, device.document().toUtf8());
 }
@@ -73,8 +49,6 @@ int fail(const char* reason) {
 
 int run(const QDir& folder, const QString& name) {
     if (!hasSectionSign()) return fail("Hier ist keine Schrift mit einem Paragraphenzeichen.");
-    if (!isTheProgramsIcon())
-        return fail("Das Symbol für beliebige Größen ist nicht mehr das des Programms.");
     for (const int size : sizes) {
         const auto path =
             folder.filePath(QStringLiteral("%1x%1/apps/%2.png").arg(QString::number(size), name));

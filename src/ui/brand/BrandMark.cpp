@@ -98,21 +98,22 @@ QPainterPath squirclePath(const QRectF& rect) {
     return path;
 }
 
-QImage appIcon(int pixelSize) {
-    auto image = empty(pixelSize, pixelSize);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const double inset = 0.098 * pixelSize;
-    const auto square = QRectF(0, 0, pixelSize, pixelSize).adjusted(inset, inset, -inset, -inset);
+void drawAppIcon(QPainter& painter, double size, SectionSign sign) {
+    const double inset = 0.098 * size;
+    const auto square = QRectF(0, 0, size, size).adjusted(inset, inset, -inset, -inset);
     QLinearGradient blue(square.topLeft(), square.bottomLeft());
     blue.setColorAt(0, QColor(0x55, 0xA3, 0xE2));
     blue.setColorAt(1, QColor(0x2F, 0x7C, 0xBD));
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.fillPath(squirclePath(square), blue);
+    const double side = square.width() * (sign == SectionSign::with ? 0.6 : 0.5);
+    draw(painter, QRectF(square.center() - QPointF(side / 2, side / 2), QSizeF(side, side)), Qt::white, sign);
+}
 
-    const bool hasRoom = pixelSize >= smallestWithSectionSign;
-    const double side = square.width() * (hasRoom ? 0.6 : 0.5);
-    const QRectF mark(square.center() - QPointF(side / 2, side / 2), QSizeF(side, side));
-    draw(painter, mark, Qt::white, hasRoom ? SectionSign::with : SectionSign::without);
+QImage appIcon(int pixelSize) {
+    auto image = empty(pixelSize, pixelSize);
+    QPainter painter(&image);
+    drawAppIcon(painter, pixelSize, pixelSize >= smallestWithSectionSign ? SectionSign::with : SectionSign::without);
     return image;
 }
 

@@ -24,7 +24,9 @@ QImage statusItemImage(int height, const QColor& color, qreal devicePixelRatio =
 /// A superellipse of exponent 5.
 QPainterPath squirclePath(const QRectF& rect);
 
-/// The program's icon, square.
+/// The program's icon, filling the square; the section sign is part of it where there is room for details.
+void drawAppIcon(QPainter& painter, double size, SectionSign sectionSign);
+/// The icon of so many pixels, with the section sign from 48 on.
 QImage appIcon(int pixelSize);
 
 /// The mark with the section sign, filling the image.

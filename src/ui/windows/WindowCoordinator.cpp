@@ -4,6 +4,7 @@
 #include "ui/brand/Brand.h"
 #include "ui/brand/BrandMark.h"
 #include "ui/lookup/LegalLookupView.h"
+#include "ui/overlay/OverlayPanel.h"
 #include "ui/overlay/OverlayView.h"
 #include "ui/suggestion/CorrectionSuggestionView.h"
 #include "ui/suggestion/SuggestionPanel.h"
@@ -73,7 +74,7 @@ struct WindowCoordinator::Windows {
     Pointer suite;
     std::unique_ptr<LegalLookupView> legal;
     std::map<std::string, Pointer> comingLater;
-    std::unique_ptr<FloatingPanel> overlay;
+    std::unique_ptr<OverlayPanel> overlay;
     std::unique_ptr<SuggestionPanel> suggestion;
 };
 
@@ -157,9 +158,7 @@ void WindowCoordinator::showComingLater(const std::string& title, const std::str
 
 void WindowCoordinator::prepareOverlay() {
     if (!controller_ || windows_->overlay) return;
-    windows_->overlay =
-        std::make_unique<FloatingPanel>(new OverlayView(*controller_, sources_.settings),
-                                        FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"));
+    windows_->overlay = std::make_unique<OverlayPanel>(new OverlayView(*controller_, sources_.settings));
     windows_->overlay->positionAtBottomCenter();
     windows_->overlay->winId();
     windows_->overlay->grab(); // Fonts are loaded, everything is laid out.
