@@ -28,9 +28,15 @@ void runLaunching(Figures& figures) {
     const auto peer = [&] { return launch(tray, QUERLIN_BENCH_PEER, isPainted); };
     ours(); // Both are read from the disk once.
     peer();
-    if (!isPainted) return figures.failed("no symbol appears");
+    if (!isPainted) {
+        figures.failed("no symbol appears");
+        return;
+    }
     const auto [oursMedian, peerMedian] = interleavedMedians(launches, ours, peer);
-    if (!isPainted) return figures.failed("not every symbol appeared");
+    if (!isPainted) {
+        figures.failed("not every symbol appeared");
+        return;
+    }
     constexpr double wanted = 1.5;
     figures.times("median of 9", oursMedian, peerMedian, Bar::atMost(wanted));
 }

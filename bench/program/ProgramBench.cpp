@@ -14,7 +14,8 @@ namespace {
 int run(std::string_view part) {
     Figures figures;
     prepareSettings();
-    ::setenv("https_proxy", "http://127.0.0.1:9", 1); // Nobody is there: no measurement asks the portal.
+    // Nobody is there: no measurement asks the portal.
+    ::setenv("https_proxy", "http://127.0.0.1:9", 1); // NOLINT(concurrency-mt-unsafe)
     const auto isWanted = [part](std::string_view name) { return part.empty() || part == name; };
     if (isWanted("launching")) runLaunching(figures);
     if (isWanted("showing")) runShowing(figures);

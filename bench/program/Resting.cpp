@@ -26,8 +26,14 @@ void runResting(Figures& figures) {
     Tray tray; // Without one the program would show a window of its own.
     const RunningProgram program;
     figures.section("while nobody dictates | the limit");
-    if (!tray.awaitSymbol(longestStart)) return figures.failed("no symbol appears");
-    if (!program.awaitWords("installHotkey → OK")) return figures.failed("the program doesn't come up");
+    if (!tray.awaitSymbol(longestStart)) {
+        figures.failed("no symbol appears");
+        return;
+    }
+    if (!program.awaitWords("installHotkey → OK")) {
+        figures.failed("the program doesn't come up");
+        return;
+    }
     std::this_thread::sleep_for(untilItRests);
     const auto before = program.computingSeconds();
     std::this_thread::sleep_for(watched);

@@ -11,7 +11,8 @@ namespace querlin::bench {
 namespace {
 
 struct Free {
-    void operator()(void* reply) const { std::free(reply); } // NOLINT(cppcoreguidelines-no-malloc): xcb's way
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory): xcb's way
+    void operator()(void* reply) const { std::free(reply); }
 };
 template<class Reply>
 using Answer = std::unique_ptr<Reply, Free>;

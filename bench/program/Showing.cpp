@@ -27,8 +27,8 @@ struct Seen {
 Place middleOf(const Place& overlay) {
     constexpr std::uint16_t width = 64;
     constexpr std::uint16_t height = 8;
-    return {static_cast<std::int16_t>(overlay.x + (overlay.width - width) / 2),
-            static_cast<std::int16_t>(overlay.y + (overlay.height - height) / 2), width, height};
+    return {static_cast<std::int16_t>(overlay.x + ((overlay.width - width) / 2)),
+            static_cast<std::int16_t>(overlay.y + ((overlay.height - height) / 2)), width, height};
 }
 
 bool goes(const Screen& screen, xcb_window_t overlay) {
@@ -78,19 +78,30 @@ void runShowing(Figures& figures) {
     figures.section("from the hold key to the overlay | the limit");
     Tray tray; // Without one the program would show a window of its own.
     const RunningProgram program;
-    if (!tray.awaitSymbol(longestStart)) return figures.failed("no symbol appears");
-    if (!program.awaitWords("installHotkey → OK")) return figures.failed("the program doesn't come up");
+    if (!tray.awaitSymbol(longestStart)) {
+        figures.failed("no symbol appears");
+        return;
+    }
+    if (!program.awaitWords("installHotkey → OK")) {
+        figures.failed("the program doesn't come up");
+        return;
+    }
     const Program editor({"mousepad", "--disable-server"}); // Somebody to dictate to.
     std::this_thread::sleep_for(std::chrono::seconds(3));   // The overlay is prepared half a second later.
     const Screen screen;
     Keys keys;
     const auto overlay = firstOverlay(screen, keys);
-    if (!overlay) return figures.failed("no overlay appears");
+    if (!overlay) {
+        figures.failed("no overlay appears");
+        return;
+    }
     const auto place = middleOf(screen.place(*overlay));
     Seen seen;
     for (int i = 0; i < presses; ++i) {
-        if (!press(screen, *overlay, place, keys, seen))
-            return figures.failed("an overlay doesn't appear, or doesn't go");
+        if (!press(screen, *overlay, place, keys, seen)) {
+            figures.failed("an overlay doesn't appear, or doesn't go");
+            return;
+        }
     }
     figures.times("its window is there, median", median(seen.mapped), limit, Bar::atLeast(1));
     figures.times("its window is there, worst of 30", percentile(seen.mapped, 1), limit, Bar::atLeast(1));

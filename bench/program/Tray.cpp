@@ -24,7 +24,10 @@ using Answer = std::unique_ptr<Reply, decltype(&std::free)>;
 
 } // namespace
 
-Tray::Tray() : window_(xcb_generate_id(screen_.connection())) {
+Tray::Tray() :
+    window_(xcb_generate_id(screen_.connection())),
+    opcode_(atom("_NET_SYSTEM_TRAY_OPCODE")),
+    xembed_(atom("_XEMBED")) {
     auto* const c = screen_.connection();
     const auto& screen = screen_.screen();
     const std::array<std::uint32_t, 3> values{
@@ -32,8 +35,6 @@ Tray::Tray() : window_(xcb_generate_id(screen_.connection())) {
     xcb_create_window(c, XCB_COPY_FROM_PARENT, window_, screen.root, 0, 0, size, size, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, screen.root_visual,
                       XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values.data());
-    opcode_ = atom("_NET_SYSTEM_TRAY_OPCODE");
-    xembed_ = atom("_XEMBED");
     const auto selection = atom("_NET_SYSTEM_TRAY_S0");
     xcb_change_property(c, XCB_PROP_MODE_REPLACE, window_, atom("_NET_SYSTEM_TRAY_VISUAL"), XCB_ATOM_VISUALID,
                         32, 1, &screen.root_visual);

@@ -32,8 +32,10 @@ constexpr auto attentionsWait = std::chrono::seconds(3);
 
 /// The toolkit would end the process with a crash.
 bool hasDisplay() {
-    if (std::getenv("QT_QPA_PLATFORM") || XcbConnection::open({})) return true; // NOLINT(concurrency-mt-unsafe)
-    fmt::print(stderr, "{} braucht eine grafische Sitzung (X11 oder XWayland); es ist keine zu erreichen.\n", Product::name);
+    if (std::getenv("QT_QPA_PLATFORM") || XcbConnection::open({}))
+        return true; // NOLINT(concurrency-mt-unsafe)
+    fmt::print(stderr, "{} braucht eine grafische Sitzung (X11 oder XWayland); es ist keine zu erreichen.\n",
+               Product::name);
     return false;
 }
 
@@ -73,7 +75,8 @@ int start(int argumentCount, char** arguments) {
 
     const auto lock = InstanceLock::acquire(InstanceLock::folder(paths.support), Product::bundleIdentifier);
     if (!lock) {
-        const bool isShown = ApplicationService::activateOther(std::string(Product::bundleIdentifier), attentionsWait);
+        const bool isShown =
+            ApplicationService::activateOther(std::string(Product::bundleIdentifier), attentionsWait);
         if (!isShown) fmt::print(stderr, "{} läuft schon.\n", Product::name);
         return EXIT_SUCCESS;
     }

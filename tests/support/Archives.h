@@ -31,16 +31,15 @@ inline std::string archiveOf(const std::vector<ArchivedFile>& entries, const std
     for (const auto& entry : entries) {
         const auto packed = entry.method == 8 ? RawDeflate::deflate(entry.content) : entry.content;
         const auto offset = files.size();
-        files += "PK\x03\x04" + std::string(22, '\0') + littleEndian(entry.name.size(), 2) +
-                 littleEndian(entry.localExtra.size(), 2) + entry.name + entry.localExtra + packed;
+        files += "PK\x03\x04" + std::string(22, '\0') + littleEndian(entry.name.size(), 2) + littleEndian(entry.localExtra.size(), 2) +
+                 entry.name + entry.localExtra + packed;
         directory += "PK\x01\x02" + std::string(6, '\0') + littleEndian(entry.method, 2) + std::string(8, '\0') +
                      littleEndian(entry.claimedPacked.value_or(packed.size()), 4) +
-                     littleEndian(entry.claimedLength.value_or(entry.content.size()), 4) +
-                     littleEndian(entry.name.size(), 2) + std::string(12, '\0') + littleEndian(offset, 4) + entry.name;
+                     littleEndian(entry.claimedLength.value_or(entry.content.size()), 4) + littleEndian(entry.name.size(), 2) +
+                     std::string(12, '\0') + littleEndian(offset, 4) + entry.name;
     }
-    return files + directory + "PK\x05\x06" + std::string(4, '\0') + littleEndian(entries.size(), 2) +
-           littleEndian(entries.size(), 2) + littleEndian(directory.size(), 4) + littleEndian(files.size(), 4) +
-           littleEndian(comment.size(), 2) + comment;
+    return files + directory + "PK\x05\x06" + std::string(4, '\0') + littleEndian(entries.size(), 2) + littleEndian(entries.size(), 2) +
+           littleEndian(directory.size(), 4) + littleEndian(files.size(), 4) + littleEndian(comment.size(), 2) + comment;
 }
 
 } // namespace querlin

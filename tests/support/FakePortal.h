@@ -58,8 +58,7 @@ public:
         }
         HttpResponse response;
         response.status = page.lastModified.empty() ? 404 : 200;
-        if (!page.lastModified.empty() && (isHead || !page.getIsAgeless))
-            response.headers.emplace_back("last-modified", page.lastModified);
+        if (!page.lastModified.empty() && (isHead || !page.getIsAgeless)) response.headers.emplace_back("last-modified", page.lastModified);
         if (!isHead) response.body = page.body;
         co_return response;
     }

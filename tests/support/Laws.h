@@ -44,9 +44,7 @@ struct LawFolders {
     TempFolder folder;
     LegalCorpusStore store{folder / "Gesetze", folder / "Ressourcen"};
 
-    void deliver(std::vector<LegalLaw> laws) {
-        writeCorpus(folder / "Ressourcen", {"2026-01-01", std::move(laws)});
-    }
+    void deliver(std::vector<LegalLaw> laws) { writeCorpus(folder / "Ressourcen", {"2026-01-01", std::move(laws)}); }
 };
 
 } // namespace querlin

@@ -130,14 +130,15 @@ void AppDelegate::applicationDidFinishLaunching() {
     DiagnosticsLog::note("app", fmt::format("=== Start === {}", places_.executable));
     DiagnosticsLog::note("app", fmt::format("PID {}, {}", ::getpid(), systemName()));
 
-    preferences_ = std::make_unique<PreferencesStore>(places_.paths.preferencesFile(Product::bundleIdentifier),
-                                                      machine_.clock);
-    Migration::runIfNeeded(*preferences_, Product::legacyDomain, places_.paths.preferencesFile(Product::legacyDomain));
+    preferences_ = std::make_unique<PreferencesStore>(
+        places_.paths.preferencesFile(Product::bundleIdentifier), machine_.clock);
+    Migration::runIfNeeded(*preferences_, Product::legacyDomain,
+                           places_.paths.preferencesFile(Product::legacyDomain));
     settings_ = std::make_unique<AppSettings>(*preferences_);
     settings_->recordLaunch(machine_.clock.now());
     statistics_ = std::make_unique<UsageStatistics>(*preferences_, machine_.clock);
-    legalUpdates_ =
-        std::make_unique<LegalUpdateService>(*settings_, lawFiles_, corpus_, machine_.http, machine_.runtime());
+    legalUpdates_ = std::make_unique<LegalUpdateService>(*settings_, lawFiles_, corpus_, machine_.http,
+                                                         machine_.runtime());
     windows_ = std::make_unique<WindowCoordinator>(WindowSources{.runtime = machine_.runtime(),
                                                                  .settings = *settings_,
                                                                  .statistics = *statistics_,
@@ -182,14 +183,19 @@ void AppDelegate::preload() {
         machine_.streaming.preload();
         return;
     }
-    auto begin = lifetime_.onMain(machine_.queue, [this](std::vector<std::string> words) { machine_.classic.preload(std::move(words)); });
-    machine_.pool.run([this, begin, terms = settings_->userDictionary.get(), limit = settings_->contextualLimit.get()] {
-        begin(vocabulary_.contextualStrings(terms, limit));
+    auto begin = lifetime_.onMain(machine_.queue, [this](std::vector<std::string> words) {
+        machine_.classic.preload(std::move(words));
     });
+    machine_.pool.run(
+        [this, begin, terms = settings_->userDictionary.get(), limit = settings_->contextualLimit.get()] {
+            begin(vocabulary_.contextualStrings(terms, limit));
+        });
 }
 
 void AppDelegate::startLater() {
-    const auto later = [this](Duration delay, Work work) { delayed_.push_back(machine_.queue.after(delay, std::move(work))); };
+    const auto later = [this](Duration delay, Work work) {
+        delayed_.push_back(machine_.queue.after(delay, std::move(work)));
+    };
     later(untilOverlayIsPrepared, [this] { windows_->prepareOverlay(); });
     later(untilRecovery, [this] { reportTroubles(); });
     later(untilLawCheck, [this] { legalUpdates_->checkIfDue(); });

@@ -24,8 +24,8 @@ struct Places {
     ApplicationPaths paths;
 };
 
-/// Makes the long-lived objects once, in the order that counts, and holds them to the end of the process. There
-/// is no second launch and no reload. Main thread.
+/// Makes the long-lived objects once, in the order that counts, and holds them to the end of the process.
+/// There is no second launch and no reload. Main thread.
 class AppDelegate {
 public:
     /// `quit` ends the main loop.

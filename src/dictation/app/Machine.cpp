@@ -10,7 +10,9 @@ Machine::Machine(const ApplicationPaths& paths, const Installation& own) :
         return front ? std::optional(front->processIdentifier) : std::nullopt;
     }),
     sounds(own.resources / "Sounds"),
-    classic({.model = own.resources / "StarterModel", .makeConverter = makeSwrConverter, .program = own.recogniser}),
+    classic({.model = own.resources / "StarterModel",
+             .makeConverter = makeSwrConverter,
+             .program = own.recogniser}),
     streaming({.models = paths.models(), .libraries = own.recognitionLibraries, .program = own.recogniser}),
     access({.hasMicrophone = [this] { return hasMicrophone(); },
             .canRecognise = [this] { return canRecognise(); },

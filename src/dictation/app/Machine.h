@@ -28,9 +28,9 @@
 
 namespace querlin {
 
-/// All that the program reaches of the machine it runs on: an adapter for each port, in the order in which they
-/// need one another. Nothing here decides anything. Made and destroyed on the main thread, behind the toolkit's
-/// application object.
+/// All that the program reaches of the machine it runs on: an adapter for each port, in the order in which
+/// they need one another. Nothing here decides anything. Made and destroyed on the main thread, behind the
+/// toolkit's application object.
 struct Machine {
     Machine(const ApplicationPaths& paths, const Installation& own);
 

@@ -48,7 +48,8 @@ public:
         sd_bus_slot* slot = nullptr;
         if (sd_bus_add_object(bus, &slot, path_.c_str(), answerCall, this) >= 0) object_.reset(slot);
         constexpr std::uint32_t doNotQueue = 4;
-        const auto request = BusCalls::message(bus, BusCalls::ofTheBus("RequestName"), "su", name_.c_str(), doNotQueue);
+        const auto request =
+            BusCalls::message(bus, BusCalls::ofTheBus("RequestName"), "su", name_.c_str(), doNotQueue);
         asking_ = BusCalls::send(bus, request, std::chrono::seconds(5), [](sd_bus_message* answer) {
             std::uint32_t result = 0;
             constexpr std::uint32_t owner = 1;

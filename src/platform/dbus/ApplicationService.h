@@ -17,8 +17,10 @@ class DBusThread;
 /// D-Bus Activation) behind it: who starts the program again reaches the one that runs. Main thread.
 class ApplicationService {
 public:
-    /// `name` is that of the desktop entry; `onActivate` is called on the main thread. Both services outlive this.
-    ApplicationService(MainQueue& queue, DBusThread& buses, std::string name, std::function<void()> onActivate);
+    /// `name` is that of the desktop entry; `onActivate` is called on the main thread. Both services outlive
+    /// this.
+    ApplicationService(MainQueue& queue, DBusThread& buses, std::string name,
+                       std::function<void()> onActivate);
     ~ApplicationService();
     ApplicationService(const ApplicationService&) = delete;
     ApplicationService& operator=(const ApplicationService&) = delete;

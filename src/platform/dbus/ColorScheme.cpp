@@ -24,7 +24,8 @@ std::optional<std::uint32_t> readNumber(sd_bus_message* message) {
     if (sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, type.c_str()) <= 0) return std::nullopt;
     if (type == "v") return readNumber(message);
     std::uint32_t number = 0;
-    if (type != "u" || sd_bus_message_read_basic(message, SD_BUS_TYPE_UINT32, &number) <= 0) return std::nullopt;
+    if (type != "u" || sd_bus_message_read_basic(message, SD_BUS_TYPE_UINT32, &number) <= 0)
+        return std::nullopt;
     return number;
 }
 
@@ -45,8 +46,8 @@ public:
                     BusCalls::readText(signal) == key)
                     tell(signal);
             });
-        const auto question =
-            BusCalls::message(bus, {portal, "/org/freedesktop/portal/desktop", settings, "Read"}, "ss", appearance, key);
+        const auto question = BusCalls::message(
+            bus, {portal, "/org/freedesktop/portal/desktop", settings, "Read"}, "ss", appearance, key);
         asking_ = BusCalls::send(bus, question, std::chrono::seconds(25), [this](sd_bus_message* answer) {
             if (BusCalls::errorName(answer).empty()) tell(answer);
         });

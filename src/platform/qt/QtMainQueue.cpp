@@ -26,7 +26,9 @@ int inMilliseconds(Duration delay) {
 
 class QtMainQueue::Receiver final : public QObject {
 protected:
-    void customEvent(QEvent* event) override { std::exchange(static_cast<WorkEvent*>(event)->work, nullptr)(); }
+    void customEvent(QEvent* event) override {
+        std::exchange(static_cast<WorkEvent*>(event)->work, nullptr)();
+    }
 };
 
 QtMainQueue::QtMainQueue() : receiver_(std::make_unique<Receiver>()) {}

@@ -6,8 +6,8 @@
 
 namespace querlin {
 
-/// The main queue on the toolkit's event loop. Made on the main thread behind the application object, and gone
-/// before it; what waits then is dropped.
+/// The main queue on the toolkit's event loop. Made on the main thread behind the application object, and
+/// gone before it; what waits then is dropped.
 class QtMainQueue final : public MainQueue {
 public:
     QtMainQueue();

@@ -34,7 +34,7 @@ QuitSignals::QuitSignals() {
         [[maybe_unused]] const auto read = ::read(arrived, &count, sizeof count);
         QCoreApplication::exit(); // Not `quit`, which asks the windows first.
     });
-    struct sigaction action {};
+    struct sigaction action{};
     action.sa_handler = tell;
     action.sa_flags = SA_RESTART;
     for (const int signal : quitSignals) ::sigaction(signal, &action, nullptr);

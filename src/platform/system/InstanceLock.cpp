@@ -14,7 +14,8 @@
 
 namespace querlin {
 
-std::optional<InstanceLock> InstanceLock::acquire(const std::filesystem::path& folder, std::string_view name) {
+std::optional<InstanceLock> InstanceLock::acquire(const std::filesystem::path& folder,
+                                                  std::string_view name) {
     (void)Files::makeFolder(folder); // What can't be made can't be opened either.
     const auto file = folder / (std::string(name) + ".lock");
     const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
@@ -29,7 +30,8 @@ std::optional<InstanceLock> InstanceLock::acquire(const std::filesystem::path& f
     return InstanceLock(-1);
 }
 
-InstanceLock::InstanceLock(InstanceLock&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+InstanceLock::InstanceLock(InstanceLock&& other) noexcept :
+    descriptor_(std::exchange(other.descriptor_, -1)) {}
 
 InstanceLock::~InstanceLock() {
     if (descriptor_ >= 0) ::close(descriptor_);

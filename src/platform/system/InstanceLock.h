@@ -9,8 +9,8 @@ namespace querlin {
 /// One running program for each user: a lock file that the kernel frees with the process, however that ends.
 class InstanceLock {
 public:
-    /// Nothing if another process holds it. A folder in which no lock can be made doesn't keep the program from
-    /// starting: then this holds nothing.
+    /// Nothing if another process holds it. A folder in which no lock can be made doesn't keep the program
+    /// from starting: then this holds nothing.
     static std::optional<InstanceLock> acquire(const std::filesystem::path& folder, std::string_view name);
 
     InstanceLock(InstanceLock&& other) noexcept;

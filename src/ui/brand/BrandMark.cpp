@@ -51,8 +51,9 @@ void draw(QPainter& painter, const QRectF& rect, const QColor& color, SectionSig
     painter.setRenderHint(QPainter::Antialiasing);
     const double capsule = 0.225 * width;
     QPainterPath body;
-    body.addRoundedRect(QRectF(at(cx - capsule / 2, (0.455 + 0.445) * height), QSizeF(capsule, 0.445 * height)),
-                        capsule / 2, capsule / 2);
+    body.addRoundedRect(
+        QRectF(at(cx - capsule / 2, (0.455 + 0.445) * height), QSizeF(capsule, 0.445 * height)), capsule / 2,
+        capsule / 2);
     painter.fillPath(body, color);
 
     QPainterPath stand;
@@ -76,7 +77,8 @@ QImage statusItemImage(int height, const QColor& color, qreal devicePixelRatio) 
     const double width = height * 1.15;
     auto image = empty(width, height, devicePixelRatio);
     QPainter painter(&image);
-    draw(painter, QRectF(0, 0, width, height).adjusted(0.02 * width, 0.06 * height, -0.02 * width, -0.06 * height),
+    draw(painter,
+         QRectF(0, 0, width, height).adjusted(0.02 * width, 0.06 * height, -0.02 * width, -0.06 * height),
          color, SectionSign::with);
     return image;
 }
@@ -86,8 +88,8 @@ QPainterPath squirclePath(const QRectF& rect) {
     QPainterPath path;
     for (int degree = 0; degree < 360; ++degree) {
         const double t = degree * std::numbers::pi / 180;
-        const QPointF point =
-            rect.center() + QPointF(rect.width() / 2 * bent(std::cos(t)), rect.height() / 2 * bent(std::sin(t)));
+        const QPointF point = rect.center() + QPointF(rect.width() / 2 * bent(std::cos(t)),
+                                                      rect.height() / 2 * bent(std::sin(t)));
         if (degree == 0) {
             path.moveTo(point);
         } else {
@@ -113,7 +115,8 @@ void drawAppIcon(QPainter& painter, double size, SectionSign sign) {
 QImage appIcon(int pixelSize) {
     auto image = empty(pixelSize, pixelSize);
     QPainter painter(&image);
-    drawAppIcon(painter, pixelSize, pixelSize >= smallestWithSectionSign ? SectionSign::with : SectionSign::without);
+    drawAppIcon(painter, pixelSize,
+                pixelSize >= smallestWithSectionSign ? SectionSign::with : SectionSign::without);
     return image;
 }
 

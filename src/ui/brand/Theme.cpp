@@ -57,7 +57,8 @@ QPalette palette(Appearance appearance) {
     const auto& color = colorsOf(appearance);
     QPalette palette(QColor(color.button), QColor(color.window));
     const QColor text(color.primaryText);
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
         palette.setColor(role, text);
     }
     palette.setColor(QPalette::Base, QColor(color.base));

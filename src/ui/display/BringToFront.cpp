@@ -20,9 +20,10 @@ void activateByWindowManager(xcb_connection_t* connection, xcb_window_t window) 
     message.window = window;
     message.type = X11Display::atom(connection, "_NET_ACTIVE_WINDOW");
     message.data.data32[0] = theUserWishesIt;
-    xcb_send_event(connection, 0, X11Display::rootWindow(connection),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   reinterpret_cast<const char*>(&message)); // NOLINT(*-reinterpret-cast): the protocol's bytes.
+    xcb_send_event(
+        connection, 0, X11Display::rootWindow(connection),
+        XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+        reinterpret_cast<const char*>(&message)); // NOLINT(*-reinterpret-cast): the protocol's bytes.
     xcb_flush(connection);
 }
 

@@ -75,7 +75,7 @@ void LegalLookupView::subscribe() {
 
 void LegalLookupView::setController(DictationController* controller) {
     with_.controller = controller;
-    section_->setCanInsert(controller && !isInserting_);
+    section_->setCanInsert(controller != nullptr && !isInserting_);
 }
 
 void LegalLookupView::showSelection() {

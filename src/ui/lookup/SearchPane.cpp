@@ -91,9 +91,8 @@ void SearchPane::showResults() {
 // Keys
 
 bool SearchPane::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == field_ && event->type() == QEvent::KeyPress && takeKey(*static_cast<QKeyEvent*>(event)))
-        return true;
-    return QWidget::eventFilter(watched, event);
+    const auto* key = event->type() == QEvent::KeyPress ? dynamic_cast<const QKeyEvent*>(event) : nullptr;
+    return (watched == field_ && key && takeKey(*key)) || QWidget::eventFilter(watched, event);
 }
 
 bool SearchPane::takeKey(const QKeyEvent& key) {

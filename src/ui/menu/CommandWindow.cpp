@@ -18,7 +18,8 @@ namespace {
 
 constexpr int windowWidth = 320;
 
-QWidget* makeHead(const std::string& status, const std::string& hotkey, const std::string& symbol, qreal ratio) {
+QWidget* makeHead(const std::string& status, const std::string& hotkey, const std::string& symbol,
+                  qreal ratio) {
     auto* head = new QWidget;
     auto* row = new QHBoxLayout(head);
     row->setContentsMargins(4, 0, 4, 4);
@@ -28,7 +29,8 @@ QWidget* makeHead(const std::string& status, const std::string& hotkey, const st
     row->addWidget(sign);
     auto* lines = new QVBoxLayout;
     lines->setSpacing(2);
-    for (const auto& [text, font] : {std::pair{status, Brand::font(13, QFont::DemiBold)}, {hotkey, Brand::font(11)}}) {
+    for (const auto& [text, font] :
+         {std::pair{status, Brand::font(13, QFont::DemiBold)}, {hotkey, Brand::font(11)}}) {
         auto* label = new QLabel(Brand::text(text));
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);
@@ -71,7 +73,8 @@ void CommandWindow::changeEvent(QEvent* event) {
 }
 
 void CommandWindow::closeEvent(QCloseEvent* event) {
-    const bool isUsersWish = event->spontaneous(); // Otherwise it is the end of the program or of the session.
+    const bool isUsersWish =
+        event->spontaneous(); // Otherwise it is the end of the program or of the session.
     if (hasTray_ || !isUsersWish) return;
     event->ignore();
     showMinimized();
@@ -120,9 +123,10 @@ void CommandWindow::addButton(const MenuEntry& entry) {
     button->setAccessibleName(title);
     button->setFlat(true);
     button->setEnabled(entry.isEnabled);
-    button->setStyleSheet(QStringLiteral("QPushButton { text-align: left; padding: 5px 8px; border: none; border-radius: 5px; }"
-                                         "QPushButton:hover, QPushButton:focus { background: %1; }")
-                              .arg(Brand::withOpacity(Brand::primary, 0.16).name(QColor::HexArgb)));
+    button->setStyleSheet(
+        QStringLiteral("QPushButton { text-align: left; padding: 5px 8px; border: none; border-radius: 5px; }"
+                       "QPushButton:hover, QPushButton:focus { background: %1; }")
+            .arg(Brand::withOpacity(Brand::primary, 0.16).name(QColor::HexArgb)));
     if (entry.key != 0) {
         button->setShortcut(QKeySequence(QStringLiteral("Ctrl+") + QChar::fromLatin1(entry.key).toUpper()));
     }

@@ -35,9 +35,10 @@ QIcon trayIcon(std::string_view symbol) {
 } // namespace
 
 StatusItem::StatusItem(std::function<void(MenuCommand)> perform) : perform_(std::move(perform)) {
-    QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_, [this](QSystemTrayIcon::ActivationReason reason) {
-        if (reason == QSystemTrayIcon::Trigger && menu_) menu_->popup(QCursor::pos());
-    });
+    QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_,
+                     [this](QSystemTrayIcon::ActivationReason reason) {
+                         if (reason == QSystemTrayIcon::Trigger && menu_) menu_->popup(QCursor::pos());
+                     });
     setSymbol({});
     icon_.show();
 }
@@ -70,8 +71,11 @@ void StatusItem::fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
         } else {
             auto* action = menu.addAction(Brand::text(entry.title).replace(u'&', QStringLiteral("&&")));
             action->setEnabled(entry.isEnabled);
-            if (entry.key != 0) action->setShortcut(QKeySequence(QStringLiteral("Ctrl+") + QChar::fromLatin1(entry.key).toUpper()));
-            QObject::connect(action, &QAction::triggered, action, [this, command = entry.command] { perform_(command); });
+            if (entry.key != 0)
+                action->setShortcut(
+                    QKeySequence(QStringLiteral("Ctrl+") + QChar::fromLatin1(entry.key).toUpper()));
+            QObject::connect(action, &QAction::triggered, action,
+                             [this, command = entry.command] { perform_(command); });
         }
     }
 }

@@ -107,41 +107,71 @@ void StatusItemController::rebuildMenu() {
 void StatusItemController::perform(MenuCommand command) {
     using enum MenuCommand;
     switch (command) {
-    case none: return;
+    case none:
+        return;
     case openAccessibilitySettings:
         with_.permissions.requestAccessibility();
         with_.permissions.openSystemSettings(PermissionsManager::SettingsPane::accessibility);
         return;
-    case clearNotice: with_.windows.clearNotice(); return;
-    case toggleDictation: tasks_.start(this->toggleDictation()); return;
-    case cancelDictation: with_.controller.cancelDictation(); return;
-    case copyLastText: with_.inserter.placeInPasteboard(with_.controller.lastInsertedText().get()); return;
-    case openHistory: with_.windows.showHistory(); return;
-    case openLegal: with_.windows.showLegalLookup(); return;
-    case openSettings: with_.windows.showSettings(SettingsSection::general); return;
-    case openOnboarding: with_.windows.showOnboarding(); return;
-    case openSuite: with_.windows.showSuite(); return;
+    case clearNotice:
+        with_.windows.clearNotice();
+        return;
+    case toggleDictation:
+        tasks_.start(this->toggleDictation());
+        return;
+    case cancelDictation:
+        with_.controller.cancelDictation();
+        return;
+    case copyLastText:
+        with_.inserter.placeInPasteboard(with_.controller.lastInsertedText().get());
+        return;
+    case openHistory:
+        with_.windows.showHistory();
+        return;
+    case openLegal:
+        with_.windows.showLegalLookup();
+        return;
+    case openSettings:
+        with_.windows.showSettings(SettingsSection::general);
+        return;
+    case openOnboarding:
+        with_.windows.showOnboarding();
+        return;
+    case openSuite:
+        with_.windows.showSuite();
+        return;
     case writeDiagnostics:
         with_.controller.writeDiagnostics();
         showInFileManager(with_.logFile);
         return;
     case runBenchmark:
-        with_.windows.showComingLater("Engine-Vergleich", "Der Vergleich der Spracherkenner kommt mit einer späteren Version.");
+        with_.windows.showComingLater("Engine-Vergleich",
+                                      "Der Vergleich der Spracherkenner kommt mit einer späteren Version.");
         return;
     case runProbe:
-        with_.windows.showComingLater("Kettenprüfung", "Die Prüfung der Textkette kommt mit einer späteren Version.");
+        with_.windows.showComingLater("Kettenprüfung",
+                                      "Die Prüfung der Textkette kommt mit einer späteren Version.");
         return;
     case runFieldProbe:
-        with_.windows.showComingLater("Feldbeobachtung", "Die Prüfung der Feldbeobachtung kommt mit einer späteren Version.");
+        with_.windows.showComingLater("Feldbeobachtung",
+                                      "Die Prüfung der Feldbeobachtung kommt mit einer späteren Version.");
         return;
-    case openLog: openWithDefaultApplication(with_.logFile); return;
+    case openLog:
+        openWithDefaultApplication(with_.logFile);
+        return;
     case checkLaws:
         with_.legalUpdates.checkNow();
         with_.windows.showSettings(SettingsSection::laws);
         return;
-    case checkForUpdates: with_.windows.showUpdateWindow(); return;
-    case openAbout: with_.windows.showAbout(); return;
-    case quit: with_.quit(); return;
+    case checkForUpdates:
+        with_.windows.showUpdateWindow();
+        return;
+    case openAbout:
+        with_.windows.showAbout();
+        return;
+    case quit:
+        with_.quit();
+        return;
     }
 }
 

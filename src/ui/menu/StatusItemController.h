@@ -33,8 +33,8 @@ struct StatusItemSources {
     std::function<void()> quit;
 };
 
-/// The program's only permanent surface: the item in the tray with its menu, built anew at each change, and a window
-/// with the same commands where there is no tray. Main thread.
+/// The program's only permanent surface: the item in the tray with its menu, built anew at each change, and a
+/// window with the same commands where there is no tray. Main thread.
 class StatusItemController {
 public:
     explicit StatusItemController(StatusItemSources sources);

@@ -12,7 +12,8 @@ MenuEntry entry(std::string title, MenuCommand command, char key = 0) {
     return {.title = std::move(title), .command = command, .isEnabled = true, .key = key, .submenu = {}};
 }
 MenuEntry line(std::string title) {
-    return {.title = std::move(title), .command = MenuCommand::none, .isEnabled = false, .key = 0, .submenu = {}};
+    return {
+        .title = std::move(title), .command = MenuCommand::none, .isEnabled = false, .key = 0, .submenu = {}};
 }
 MenuEntry separator() { return line({}); }
 

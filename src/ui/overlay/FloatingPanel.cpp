@@ -25,20 +25,23 @@ constexpr int shadowOffset = 6;
 Qt::WindowFlags flagsFor(FloatingPanel::Behaviour behaviour) {
     const Qt::WindowFlags common = Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
     if (behaviour == FloatingPanel::Behaviour::asks) return common;
-    return common | Qt::WindowDoesNotAcceptFocus | Qt::WindowTransparentForInput | Qt::X11BypassWindowManagerHint;
+    return common | Qt::WindowDoesNotAcceptFocus | Qt::WindowTransparentForInput |
+           Qt::X11BypassWindowManagerHint;
 }
 
 /// Where the mouse is; otherwise where most of the work is.
 QScreen* chosenScreen() {
     const auto screens = QGuiApplication::screens();
     const auto mouse = QCursor::pos();
-    const auto under = std::ranges::find_if(screens, [mouse](QScreen* screen) { return screen->geometry().contains(mouse); });
+    const auto under = std::ranges::find_if(
+        screens, [mouse](QScreen* screen) { return screen->geometry().contains(mouse); });
     if (under != screens.end()) return *under;
     if (auto* primary = QGuiApplication::primaryScreen()) return primary;
     return screens.isEmpty() ? nullptr : screens.first();
 }
 
-/// A soft shadow of a rounded rectangle: layers of little weight, each a little larger, close together at the edge.
+/// A soft shadow of a rounded rectangle: layers of little weight, each a little larger, close together at the
+/// edge.
 void paintShadow(QPainter& painter, const QRectF& shape, double radius) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);

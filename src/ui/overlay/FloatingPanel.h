@@ -10,8 +10,8 @@
 
 namespace querlin {
 
-/// A small window above all others, at the bottom of the screen on which the mouse is. It comes without taking
-/// the focus from whoever has it, and is as large as its content wishes, growing upwards.
+/// A small window above all others, at the bottom of the screen on which the mouse is. It comes without
+/// taking the focus from whoever has it, and is as large as its content wishes, growing upwards.
 class FloatingPanel : public QWidget {
 public:
     enum class Behaviour : std::uint8_t {

@@ -59,7 +59,8 @@ void Indicator::paintEvent(QPaintEvent* /*event*/) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(Brand::withOpacity(color_, 0.18));
     painter.drawEllipse(QPointF(0, 0), diameter / 2.0, diameter / 2.0);
-    Symbol::draw(painter, symbol_, QRectF(-symbolSize / 2.0, -symbolSize / 2.0, symbolSize, symbolSize), color_);
+    Symbol::draw(painter, symbol_, QRectF(-symbolSize / 2.0, -symbolSize / 2.0, symbolSize, symbolSize),
+                 color_);
 }
 
 } // namespace querlin

@@ -18,7 +18,8 @@ constexpr double narrowestFill = 2;
 
 class AccessibleMeter final : public QAccessibleWidget {
 public:
-    explicit AccessibleMeter(LevelMeter* meter) : QAccessibleWidget(meter, QAccessible::ProgressBar), meter_(meter) {}
+    explicit AccessibleMeter(LevelMeter* meter) :
+        QAccessibleWidget(meter, QAccessible::ProgressBar), meter_(meter) {}
 
     QString text(QAccessible::Text kind) const override {
         if (kind == QAccessible::Value) return QStringLiteral("%1 Prozent").arg(meter_->percent());

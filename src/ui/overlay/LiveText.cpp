@@ -43,11 +43,12 @@ void LiveText::setText(const QString& text) { text_->setText(text); }
 void LiveText::refreshColors() {
     setTextColor(*text_, Theme::primaryText());
     const auto thumb = Brand::withOpacity(Theme::secondaryText(), 0.45).name(QColor::HexArgb);
-    setStyleSheet(QStringLiteral("QScrollBar:vertical { width: 5px; background: transparent; }"
-                                 "QScrollBar::handle:vertical { background: %1; border-radius: 2px; min-height: 12px; }"
-                                 "QScrollBar::add-line, QScrollBar::sub-line { height: 0; }"
-                                 "QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }")
-                      .arg(thumb));
+    setStyleSheet(
+        QStringLiteral("QScrollBar:vertical { width: 5px; background: transparent; }"
+                       "QScrollBar::handle:vertical { background: %1; border-radius: 2px; min-height: 12px; }"
+                       "QScrollBar::add-line, QScrollBar::sub-line { height: 0; }"
+                       "QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }")
+            .arg(thumb));
 }
 
 } // namespace querlin

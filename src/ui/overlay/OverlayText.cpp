@@ -19,13 +19,20 @@ std::string whileRecording(const State& state) {
 std::string secondLine(const State& state) {
     using enum DictationPhase::Kind;
     switch (state.phase.kind) {
-    case notice: return "Es wurde nichts aufgenommen";
-    case error: return "Bitte erneut versuchen";
-    case idle: return "Bereit";
-    case recording: return whileRecording(state);
-    case transcribing: return "Erkennung wird abgeschlossen";
-    case enhancing: return "Feinschliff durch das Sprachmodell";
-    case inserting: return "Text wird eingesetzt";
+    case notice:
+        return "Es wurde nichts aufgenommen";
+    case error:
+        return "Bitte erneut versuchen";
+    case idle:
+        return "Bereit";
+    case recording:
+        return whileRecording(state);
+    case transcribing:
+        return "Erkennung wird abgeschlossen";
+    case enhancing:
+        return "Feinschliff durch das Sprachmodell";
+    case inserting:
+        return "Text wird eingesetzt";
     }
     return {};
 }

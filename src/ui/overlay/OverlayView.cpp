@@ -42,7 +42,8 @@ private:
 /// As wide as the widest figures make it, so that nothing moves while they change.
 int widthOfTime(const QFontMetrics& metrics, const QString& time) {
     int digit = 0;
-    for (const QChar figure : QStringLiteral("0123456789")) digit = std::max(digit, metrics.horizontalAdvance(figure));
+    for (const QChar figure : QStringLiteral("0123456789"))
+        digit = std::max(digit, metrics.horizontalAdvance(figure));
     const auto digits = std::ranges::count_if(time, [](QChar sign) { return sign.isDigit(); });
     return static_cast<int>(digits) * digit + metrics.horizontalAdvance(QLatin1Char(':')) + 1;
 }
@@ -144,8 +145,8 @@ void OverlayView::subscribe() {
     follow(controller_.context(), &OverlayView::refresh);
     follow(controller_.effectiveStyle(), &OverlayView::refresh);
     follow(settings_.showLevelMeter, &OverlayView::refresh);
-    subscriptions_.push_back(
-        controller_.inputLevel().subscribe([this](float level) { level_->setLevel(static_cast<double>(level)); }));
+    subscriptions_.push_back(controller_.inputLevel().subscribe(
+        [this](float level) { level_->setLevel(static_cast<double>(level)); }));
 }
 
 void OverlayView::refreshLiveText() {
@@ -165,10 +166,11 @@ void OverlayView::refresh() {
     indicator_->show(std::string(phase.symbolName()), accentColor(), isRecording);
     title_->setText(Brand::text(phase.statusText()));
     setTextColor(*title_, isError ? Brand::warning : Theme::primaryText());
-    subtitle_->setText(Brand::text(OverlayText::secondLine({.phase = phase,
-                                                            .isLongDictation = isLong,
-                                                            .hasLiveText = !controller_.livePartialText().get().empty(),
-                                                            .style = controller_.effectiveStyle().get()})));
+    subtitle_->setText(
+        Brand::text(OverlayText::secondLine({.phase = phase,
+                                             .isLongDictation = isLong,
+                                             .hasLiveText = !controller_.livePartialText().get().empty(),
+                                             .style = controller_.effectiveStyle().get()})));
     const auto& context = controller_.context().get();
     badgeText_->setText(Brand::text(context.appName));
     badge_->setVisible(isRecording && context != DictationContext());
@@ -196,13 +198,17 @@ void OverlayView::changeEvent(QEvent* event) {
 QColor OverlayView::accentColor() const {
     using enum DictationPhase::Kind;
     switch (controller_.phase().get().kind) {
-    case error: return Brand::warning;
-    case recording: return Brand::recording;
-    case inserting: return Brand::success;
+    case error:
+        return Brand::warning;
+    case recording:
+        return Brand::recording;
+    case inserting:
+        return Brand::success;
     case idle:
     case transcribing:
     case enhancing:
-    case notice: return Brand::primary;
+    case notice:
+        return Brand::primary;
     }
     return Brand::primary;
 }

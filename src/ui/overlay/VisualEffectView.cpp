@@ -28,7 +28,8 @@ void VisualEffectView::paintEvent(QPaintEvent* /*event*/) {
     }
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(Brand::withOpacity(Brand::primary, 0.22), 1));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius_ - 0.5, cornerRadius_ - 0.5);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius_ - 0.5,
+                            cornerRadius_ - 0.5);
 }
 
 } // namespace querlin

@@ -58,12 +58,14 @@ QHBoxLayout* makeChange(const CorrectionSuggestion& suggestion) {
 } // namespace
 
 CorrectionSuggestionView::CorrectionSuggestionView(const CorrectionSuggestion& suggestion,
-                                                   std::function<void()> onAccept, std::function<void()> onDismiss) :
+                                                   std::function<void()> onAccept,
+                                                   std::function<void()> onDismiss) :
     VisualEffectView(Brand::Radius::panel), onDismiss_(std::move(onDismiss)) {
     auto* stack = new QVBoxLayout(this);
     stack->setContentsMargins(16, 12, 16, 12);
     stack->setSpacing(Brand::Spacing::tight);
-    stack->addWidget(new SymbolView("character.book.closed", 22, [] { return Brand::primary; }), 0, Qt::AlignHCenter);
+    stack->addWidget(new SymbolView("character.book.closed", 22, [] { return Brand::primary; }), 0,
+                     Qt::AlignHCenter);
 
     auto* heading = new QLabel(QStringLiteral("Ins Wörterbuch übernehmen?"));
     heading->setFont(Brand::font(12, QFont::DemiBold));
@@ -85,7 +87,9 @@ CorrectionSuggestionView::CorrectionSuggestionView(const CorrectionSuggestion& s
     connect(yes, &QPushButton::clicked, this, [accept = std::move(onAccept)] { accept(); });
 }
 
-QSize CorrectionSuggestionView::sizeHint() const { return {panelWidth, VisualEffectView::sizeHint().height()}; }
+QSize CorrectionSuggestionView::sizeHint() const {
+    return {panelWidth, VisualEffectView::sizeHint().height()};
+}
 
 void CorrectionSuggestionView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape) {

@@ -55,9 +55,10 @@ SetupView::SetupView(std::function<std::vector<SetupFinding>()> look, std::funct
     auto* heading = makeLabel("Willkommen bei Querlin", Brand::font(22, QFont::DemiBold));
     heading->setAlignment(Qt::AlignHCenter);
     stack->addWidget(heading);
-    auto* words = makeLabel("Taste halten, sprechen, loslassen – der Text steht an der Schreibmarke. Alles Gesprochene bleibt "
-                            "auf diesem Rechner. Das braucht Querlin dafür:",
-                            Brand::font(13));
+    auto* words = makeLabel(
+        "Taste halten, sprechen, loslassen – der Text steht an der Schreibmarke. Alles Gesprochene bleibt "
+        "auf diesem Rechner. Das braucht Querlin dafür:",
+        Brand::font(13));
     words->setAlignment(Qt::AlignHCenter);
     stack->addWidget(words);
     stack->addSpacing(Brand::Spacing::tight);

@@ -3,12 +3,12 @@
 #include "state/DiagnosticsLog.h"
 #include "ui/brand/Brand.h"
 #include "ui/brand/BrandMark.h"
+#include "ui/display/BringToFront.h"
 #include "ui/lookup/LegalLookupView.h"
 #include "ui/overlay/OverlayPanel.h"
 #include "ui/overlay/OverlayView.h"
 #include "ui/suggestion/CorrectionSuggestionView.h"
 #include "ui/suggestion/SuggestionPanel.h"
-#include "ui/display/BringToFront.h"
 #include "ui/windows/ComingLaterView.h"
 #include "ui/windows/SetupView.h"
 
@@ -31,8 +31,9 @@ struct Frame {
 };
 
 void frame(QWidget& window, const Frame& frame) {
-    Qt::WindowFlags flags = Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint |
-                            Qt::WindowMinimizeButtonHint | Qt::CustomizeWindowHint;
+    Qt::WindowFlags flags = Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                            Qt::WindowCloseButtonHint | Qt::WindowMinimizeButtonHint |
+                            Qt::CustomizeWindowHint;
     if (frame.isResizable) flags |= Qt::WindowMaximizeButtonHint;
     window.setWindowFlags(flags);
     window.setWindowTitle(Brand::text(frame.title));
@@ -93,16 +94,18 @@ void WindowCoordinator::setController(DictationController* controller) {
 // Windows
 
 void WindowCoordinator::showSettings(SettingsSection /*section*/) {
-    Windows::showComingLater(
-        windows_->settings, {.title = ofProduct("{} – Einstellungen"), .size = {800, 580}},
-        fmt::format("Die Einstellungen kommen mit der nächsten Version. Bis dahin gelten die Vorgaben: gehalten wird {}, "
-                    "geschrieben im Aktenstil.",
-                    sources_.settings.hotkey.get().displayName()));
+    Windows::showComingLater(windows_->settings,
+                             {.title = ofProduct("{} – Einstellungen"), .size = {800, 580}},
+                             fmt::format("Die Einstellungen kommen mit der nächsten Version. Bis dahin "
+                                         "gelten die Vorgaben: gehalten wird {}, "
+                                         "geschrieben im Aktenstil.",
+                                         sources_.settings.hotkey.get().displayName()));
 }
 
 void WindowCoordinator::showOnboarding() {
-    Windows::show(windows_->onboarding, {.title = ofProduct("{} einrichten"), .size = {620, 720}},
-                   [this] { return std::make_unique<SetupView>(sources_.findings, [this] { finishOnboarding(); }); });
+    Windows::show(windows_->onboarding, {.title = ofProduct("{} einrichten"), .size = {620, 720}}, [this] {
+        return std::make_unique<SetupView>(sources_.findings, [this] { finishOnboarding(); });
+    });
 }
 
 /// The window is under its own button: it goes later.
@@ -114,40 +117,44 @@ void WindowCoordinator::finishOnboarding() {
 }
 
 void WindowCoordinator::showAbout() {
-    Windows::showComingLater(windows_->about, {.title = ofProduct("Über {}"), .size = {400, 320}},
-                              fmt::format("{} {}\n\nSprechen · Erkennen · Einfügen", Brand::productName, Product::version));
+    Windows::showComingLater(
+        windows_->about, {.title = ofProduct("Über {}"), .size = {400, 320}},
+        fmt::format("{} {}\n\nSprechen · Erkennen · Einfügen", Brand::productName, Product::version));
 }
 
 void WindowCoordinator::showLegalLookup() {
-    Windows::show(windows_->legal, {.title = "Gesetze nachschlagen – BGB und FamFG", .size = {820, 520}, .isResizable = true},
-                   [this] {
-                       return std::make_unique<LegalLookupView>(LegalLookupSources{.runtime = sources_.runtime,
-                                                                                   .corpus = sources_.corpus,
-                                                                                   .updates = sources_.legalUpdates,
-                                                                                   .controller = controller_,
-                                                                                   .focusReturn = sources_.focusReturn});
-                   });
+    Windows::show(
+        windows_->legal,
+        {.title = "Gesetze nachschlagen – BGB und FamFG", .size = {820, 520}, .isResizable = true}, [this] {
+            return std::make_unique<LegalLookupView>(LegalLookupSources{.runtime = sources_.runtime,
+                                                                        .corpus = sources_.corpus,
+                                                                        .updates = sources_.legalUpdates,
+                                                                        .controller = controller_,
+                                                                        .focusReturn = sources_.focusReturn});
+        });
 }
 
 void WindowCoordinator::showHistory() {
     if (!controller_) return;
-    Windows::showComingLater(windows_->history, {.title = "Diktatverlauf", .size = {780, 520}, .isResizable = true},
-                              "Das Fenster des Diktatverlaufs kommt mit der nächsten Version. Aufgezeichnet wird er "
-                              "schon: Was Sie diktieren, geht nicht verloren.");
+    Windows::showComingLater(
+        windows_->history, {.title = "Diktatverlauf", .size = {780, 520}, .isResizable = true},
+        "Das Fenster des Diktatverlaufs kommt mit der nächsten Version. Aufgezeichnet wird er "
+        "schon: Was Sie diktieren, geht nicht verloren.");
 }
 
 void WindowCoordinator::showUpdateWindow() {
-    Windows::showComingLater(windows_->update, {.title = ofProduct("{} aktualisieren"), .size = {460, 320}},
-                              "Die Suche nach neuen Versionen kommt mit der nächsten Version. Bis dahin kommen sie über "
-                              "die Paketverwaltung.");
+    Windows::showComingLater(
+        windows_->update, {.title = ofProduct("{} aktualisieren"), .size = {460, 320}},
+        "Die Suche nach neuen Versionen kommt mit der nächsten Version. Bis dahin kommen sie über "
+        "die Paketverwaltung.");
 }
 
 void WindowCoordinator::showSuite() {
-    Windows::showComingLater(windows_->suite,
-                              {.title = fmt::format("Die {} kennenlernen", Brand::suiteName), .size = {460, 360}},
-                              fmt::format("{} gehört zur {}: Werkzeuge für dieselbe Arbeit – alle auf dem eigenen Rechner. "
-                                          "Mehr darüber kommt mit der nächsten Version.",
-                                          Brand::productName, Brand::suiteName));
+    Windows::showComingLater(
+        windows_->suite, {.title = fmt::format("Die {} kennenlernen", Brand::suiteName), .size = {460, 360}},
+        fmt::format("{} gehört zur {}: Werkzeuge für dieselbe Arbeit – alle auf dem eigenen Rechner. "
+                    "Mehr darüber kommt mit der nächsten Version.",
+                    Brand::productName, Brand::suiteName));
 }
 
 void WindowCoordinator::showComingLater(const std::string& title, const std::string& text) {
@@ -177,8 +184,8 @@ void WindowCoordinator::hideOverlay() {
 
 void WindowCoordinator::showCorrectionSuggestion(const CorrectionSuggestion& suggestion) {
     dismissSuggestion();
-    auto* view = new CorrectionSuggestionView(suggestion, [this, suggestion] { accept(suggestion); },
-                                              [this] { dismissSuggestion(); });
+    auto* view = new CorrectionSuggestionView(
+        suggestion, [this, suggestion] { accept(suggestion); }, [this] { dismissSuggestion(); });
     windows_->suggestion = std::make_unique<SuggestionPanel>(view);
     windows_->suggestion->positionAtBottomCenter();
     windows_->suggestion->orderFront();

@@ -47,8 +47,7 @@ protected:
     }
     /// A window at a known place, with the focus.
     void openEditor() {
-        editor.emplace(std::vector<std::string>{"zenity", "--text-info", "--editable", "--title=Ziel", "--width=700",
-                                                "--height=500"});
+        editor.emplace(std::vector<std::string>{"zenity", "--text-info", "--editable", "--title=Ziel", "--width=700", "--height=500"});
         ASSERT_TRUE(until([] { return activeWindow() == "Ziel"; }));
         shell("xdotool search --name '^Ziel$' windowmove 300 260");
     }

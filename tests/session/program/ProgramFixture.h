@@ -21,8 +21,7 @@ protected:
         if (!isInVirtualDesktop()) GTEST_SKIP() << "needs tools/virtual-desktop";
         const auto settings = std::filesystem::path(environment("XDG_CONFIG_HOME"));
         std::filesystem::create_directories(settings);
-        std::ofstream(settings / "local.mandolan.querlin.json")
-            << R"({"hasCompletedOnboarding": true, "updateLawsAutomatically": false})";
+        std::ofstream(settings / "local.mandolan.querlin.json") << R"({"hasCompletedOnboarding": true, "updateLawsAutomatically": false})";
     }
 
     static std::string environment(const char* name) {
@@ -49,9 +48,7 @@ protected:
         eventually([&] { return ::waitpid(process.id(), &status, WNOHANG) == process.id(); });
         return status;
     }
-    static bool isShown(const std::string& title) {
-        return !shell("xdotool search --onlyvisible --name '^" + title + "$'").empty();
-    }
+    static bool isShown(const std::string& title) { return !shell("xdotool search --onlyvisible --name '^" + title + "$'").empty(); }
 };
 
 } // namespace querlin

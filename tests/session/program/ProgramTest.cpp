@@ -54,7 +54,7 @@ TEST_F(ProgramTest, a_crash_leaves_no_core_dump) {
     const int status = exitOf(*running);
     EXPECT_TRUE(WIFSIGNALED(status));
     EXPECT_FALSE(WCOREDUMP(status)); // NOLINT: the system's macro
-    const auto second = start(); // The lock has gone with the process.
+    const auto second = start();     // The lock has gone with the process.
 }
 
 TEST_F(ProgramTest, without_a_graphical_session_it_says_so) {
@@ -67,8 +67,7 @@ TEST_F(ProgramTest, on_a_bare_display_it_runs_all_the_same) {
     Program running({"env", "-u", "DBUS_SESSION_BUS_ADDRESS", "-u", "XDG_RUNTIME_DIR", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere",
                      "PULSE_SERVER=unix:/nowhere", program});
     EXPECT_TRUE(eventually([] { return logHas("installHotkey →"); }));
-    EXPECT_TRUE(eventually([] { return isShown("Querlin"); }))
-        << "no tray: the commands stand in a window";
+    EXPECT_TRUE(eventually([] { return isShown("Querlin"); })) << "no tray: the commands stand in a window";
     running.signal(SIGTERM);
     EXPECT_EQ(exitOf(running), 0);
 }

@@ -24,8 +24,7 @@ protected:
                      "RegisteredStatusNotifierItems | grep -o ':[0-9.]*'");
     }
     static std::string menuCall(const std::string& item, const std::string& call) {
-        return shell(fmt::format("gdbus call --session --dest {} --object-path /MenuBar --method com.canonical.dbusmenu.{}",
-                                 item, call));
+        return shell(fmt::format("gdbus call --session --dest {} --object-path /MenuBar --method com.canonical.dbusmenu.{}", item, call));
     }
 };
 

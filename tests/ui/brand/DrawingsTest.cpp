@@ -47,8 +47,8 @@ TEST_F(DrawingsTest, every_phase_has_its_symbol) {
 
 /// The small icon is the microphone alone, in the middle; from 48 on the section sign stands beside it.
 TEST_F(DrawingsTest, the_mark_has_its_proportions) {
-    for (const auto& [sign, left, right] : {std::tuple{BrandMark::SectionSign::without, 58, 142},
-                                            std::tuple{BrandMark::SectionSign::with, 27, 185}}) {
+    for (const auto& [sign, left, right] :
+         {std::tuple{BrandMark::SectionSign::without, 58, 142}, std::tuple{BrandMark::SectionSign::with, 27, 185}}) {
         QImage image(200, 200, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::transparent);
         QPainter painter(&image);

@@ -25,11 +25,28 @@ using Lines = std::vector<std::string>;
 
 TEST(StatusMenuTest, at_rest_it_has_all_that_can_be_done) {
     EXPECT_EQ(linesOf(statusMenu({.phase = {}, .hotkey = "Rechte Umschalttaste", .lastNotice = {}})),
-              (Lines{"(Status: Bereit)", "(Hotkey: Rechte Umschalttaste)", "-", "Aufnahme starten", "Diktatverlauf…",
-                     "Gesetze nachschlagen… Strg+l", "-", "Einstellungen… Strg+,", "Berechtigungen prüfen…",
-                     "Die Mandolan kennenlernen…", "-", "Hilfe & Diagnose", "  Diagnose ins Protokoll schreiben",
-                     "  Engine-Vergleich ausführen…", "  Kettenprüfung ausführen…", "  Feldbeobachtung prüfen…", "  -",
-                     "  Protokoll öffnen", "-", "Gesetzesstände aktualisieren…", "Nach Updates suchen…", "Über Querlin",
+              (Lines{"(Status: Bereit)",
+                     "(Hotkey: Rechte Umschalttaste)",
+                     "-",
+                     "Aufnahme starten",
+                     "Diktatverlauf…",
+                     "Gesetze nachschlagen… Strg+l",
+                     "-",
+                     "Einstellungen… Strg+,",
+                     "Berechtigungen prüfen…",
+                     "Die Mandolan kennenlernen…",
+                     "-",
+                     "Hilfe & Diagnose",
+                     "  Diagnose ins Protokoll schreiben",
+                     "  Engine-Vergleich ausführen…",
+                     "  Kettenprüfung ausführen…",
+                     "  Feldbeobachtung prüfen…",
+                     "  -",
+                     "  Protokoll öffnen",
+                     "-",
+                     "Gesetzesstände aktualisieren…",
+                     "Nach Updates suchen…",
+                     "Über Querlin",
                      "Querlin beenden Strg+q"}));
 }
 
@@ -40,9 +57,8 @@ TEST(StatusMenuTest, warnings_stand_between_status_and_commands) {
                                            .lastNotice = "Modell antwortet nicht",
                                            .hasLastText = true}));
     EXPECT_EQ(Lines(lines.begin(), lines.begin() + 10),
-              (Lines{"(Status: Mikrofon-Zugriff fehlt)", "(Hotkey: Taste)", "-",
-                     "⚠︎ Bedienungshilfen fehlen – Hotkey inaktiv", "-", "Letzter Fehler: Modell antwortet nicht", "-",
-                     "Aufnahme starten", "Letzten Text kopieren", "Diktatverlauf…"}));
+              (Lines{"(Status: Mikrofon-Zugriff fehlt)", "(Hotkey: Taste)", "-", "⚠︎ Bedienungshilfen fehlen – Hotkey inaktiv", "-",
+                     "Letzter Fehler: Modell antwortet nicht", "-", "Aufnahme starten", "Letzten Text kopieren", "Diktatverlauf…"}));
 }
 
 TEST(StatusMenuTest, the_first_command_follows_the_phase) {
@@ -52,12 +68,9 @@ TEST(StatusMenuTest, the_first_command_follows_the_phase) {
         Lines commands;
     };
     const std::vector<Row> rows = {
-        {idle, {"Aufnahme starten", "Diktatverlauf…"}},
-        {recording, {"Aufnahme stoppen", "Abbrechen"}},
-        {transcribing, {"(Aufnahme starten)", "Abbrechen"}},
-        {enhancing, {"(Aufnahme starten)", "Abbrechen"}},
-        {inserting, {"(Aufnahme starten)", "Abbrechen"}},
-        {notice, {"Aufnahme starten", "Diktatverlauf…"}},
+        {idle, {"Aufnahme starten", "Diktatverlauf…"}},      {recording, {"Aufnahme stoppen", "Abbrechen"}},
+        {transcribing, {"(Aufnahme starten)", "Abbrechen"}}, {enhancing, {"(Aufnahme starten)", "Abbrechen"}},
+        {inserting, {"(Aufnahme starten)", "Abbrechen"}},    {notice, {"Aufnahme starten", "Diktatverlauf…"}},
         {error, {"Aufnahme starten", "Diktatverlauf…"}},
     };
     for (const auto& [phase, commands] : rows) {

@@ -48,8 +48,7 @@ TEST_F(FloatingPanelTest, stands_at_the_bottom_of_the_screen_with_the_mouse) {
         QPoint mouse;
         QRect shown;
     };
-    const std::array cases = {Case{{100, 100}, {420, 800 - 110 - 58, 440, 58}},
-                              Case{{1700, 300}, {1280 + 280, 600 - 110 - 58, 440, 58}},
+    const std::array cases = {Case{{100, 100}, {420, 800 - 110 - 58, 440, 58}}, Case{{1700, 300}, {1280 + 280, 600 - 110 - 58, 440, 58}},
                               Case{{640, 799}, {420, 800 - 110 - 58, 440, 58}}};
     for (const auto& [mouse, shown] : cases) {
         QCursor::setPos(mouse);

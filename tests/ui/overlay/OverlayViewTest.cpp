@@ -50,8 +50,7 @@ TEST_F(OverlayViewTest, shows_what_the_controller_publishes) {
     world.services.transcriber->partial("<b>Hallo</b>");
     world.wait(seconds(61.9));
     const auto& style = world.controller.effectiveStyle().get();
-    EXPECT_EQ(texts(), Texts({"Aufnehmen", std::string(displayName(style.style)) + " · " + style.reason, "Mail", "1:01",
-                              "<b>Hallo</b>"}));
+    EXPECT_EQ(texts(), Texts({"Aufnehmen", std::string(displayName(style.style)) + " · " + style.reason, "Mail", "1:01", "<b>Hallo</b>"}));
     EXPECT_EQ(view.findChildren<QLabel*>().last()->textFormat(), Qt::PlainText);
     EXPECT_EQ(height(), OverlayMetrics::expandedHeight);
 

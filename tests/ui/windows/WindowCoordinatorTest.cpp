@@ -1,7 +1,7 @@
 #include "ui/windows/WindowCoordinator.h"
 
-#include "support/FakePortal.h"
 #include "support/DictationWorld.h"
+#include "support/FakePortal.h"
 #include "support/QtApplication.h"
 #include "ui/brand/Brand.h"
 
@@ -19,9 +19,7 @@ public:
 /// All windows and panels, over a controller on virtual time.
 class WindowCoordinatorTest : public ::testing::Test {
 protected:
-    WindowCoordinatorTest() {
-        windows.setController(&world.controller);
-    }
+    WindowCoordinatorTest() { windows.setController(&world.controller); }
     ~WindowCoordinatorTest() override { windows.setController(nullptr); }
 
     static std::vector<QWidget*> shown(const std::string& title) {
