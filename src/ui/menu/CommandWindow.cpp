@@ -3,7 +3,8 @@
 #include "ui/brand/Brand.h"
 #include "ui/brand/BrandMark.h"
 #include "ui/brand/Symbol.h"
-#include "ui/brand/Theme.h"
+#include "ui/display/BringToFront.h"
+#include "ui/menu/MenuText.h"
 
 #include <QCloseEvent>
 #include <QFrame>
@@ -72,19 +73,37 @@ void CommandWindow::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
 }
 
-void CommandWindow::closeEvent(QCloseEvent* event) {
-    const bool isUsersWish =
-        event->spontaneous(); // Otherwise it is the end of the program or of the session.
-    if (hasTray_ || !isUsersWish) return;
-    event->ignore();
-    showMinimized();
+void CommandWindow::closeEvent(QCloseEvent* /*event*/) {
+    isWished_ = false;
+    if (hasTray_) return;
+    // It is closed, and comes back small: refusing would hold up the end of the session, which asks all
+    // windows.
+    QTimer::singleShot(0, this, [this] { showMinimized(); });
+}
+
+void CommandWindow::present() {
+    isWished_ = true;
+    if (!isVisible()) centre(*this);
+    setAttribute(Qt::WA_ShowWithoutActivating, false);
+    bringToFront(*this);
+}
+
+void CommandWindow::offer() {
+    if (isVisible()) return;
+    centre(*this);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    show();
+}
+
+void CommandWindow::withdraw() {
+    if (!isWished_) hide();
 }
 
 /// A new column for the old one, with the keyboard on the same command.
 void CommandWindow::rebuild() {
-    const auto* focused = focusWidget();
-    const auto focusedText = focused ? focused->accessibleName() : QString();
+    keepFocus();
     auto* former = std::exchange(column_, new QWidget);
+    buttons_.clear();
     stack_ = new QVBoxLayout(column_);
     stack_->setContentsMargins(0, 0, 0, 0);
     stack_->setSpacing(2);
@@ -96,8 +115,20 @@ void CommandWindow::rebuild() {
         former->hide();
         former->deleteLater(); // One of its buttons may be at work.
     }
-    for (auto* button : column_->findChildren<QPushButton*>()) {
-        if (button->accessibleName() == focusedText) button->setFocus();
+    giveFocus();
+}
+
+void CommandWindow::keepFocus() {
+    const auto* focused = focusWidget();
+    for (const auto& [command, button] : buttons_) {
+        if (button == focused) focused_ = command;
+    }
+}
+
+/// A command that can't be chosen now gets the keyboard back when it can be again.
+void CommandWindow::giveFocus() {
+    for (const auto& [command, button] : buttons_) {
+        if (command == focused_) button->setFocus();
     }
 }
 
@@ -119,7 +150,7 @@ void CommandWindow::add(const std::vector<MenuEntry>& entries) {
 
 void CommandWindow::addButton(const MenuEntry& entry) {
     const auto title = Brand::text(entry.title);
-    auto* button = new QPushButton(QString(title).replace(u'&', QStringLiteral("&&")));
+    auto* button = new QPushButton(MenuText::label(entry.title));
     button->setAccessibleName(title);
     button->setFlat(true);
     button->setEnabled(entry.isEnabled);
@@ -127,11 +158,10 @@ void CommandWindow::addButton(const MenuEntry& entry) {
         QStringLiteral("QPushButton { text-align: left; padding: 5px 8px; border: none; border-radius: 5px; }"
                        "QPushButton:hover, QPushButton:focus { background: %1; }")
             .arg(Brand::withOpacity(Brand::primary, 0.16).name(QColor::HexArgb)));
-    if (entry.key != 0) {
-        button->setShortcut(QKeySequence(QStringLiteral("Ctrl+") + QChar::fromLatin1(entry.key).toUpper()));
-    }
+    if (entry.key != 0) button->setShortcut(MenuText::shortcut(entry.key));
     connect(button, &QPushButton::clicked, this, [this, command = entry.command] { perform_(command); });
     stack_->addWidget(button);
+    buttons_.emplace_back(entry.command, button);
 }
 
 } // namespace querlin

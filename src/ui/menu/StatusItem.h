@@ -1,36 +1,36 @@
 #pragma once
 
-#include "ui/menu/StatusMenu.h"
+#include "ui/menu/MenuView.h"
+#include "ui/menu/TrayHosts.h"
 
-#include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include <QMenu>
 #include <QSystemTrayIcon>
 
 namespace querlin {
 
-/// The icon in the tray with its menu. Main thread.
+/// The icon in the tray with its menu. Made once and kept: a panel that is started anew gets it again by the
+/// toolkit. Main thread.
 class StatusItem {
 public:
-    /// Only where there is a tray: the toolkit decides now, and for good, how it speaks with it.
-    explicit StatusItem(std::function<void(MenuCommand)> perform);
+    /// Only where an icon is allowed: the toolkit decides now, and for good, how it speaks with trays.
+    explicit StatusItem(MenuView::Perform perform);
+    StatusItem(const StatusItem&) = delete;
+    StatusItem& operator=(const StatusItem&) = delete;
 
-    /// The brand mark for no symbol, else the symbol of this name.
+    TrayProtocol protocol() const { return protocol_; }
+
+    /// The brand mark for no symbol, else the symbol of this name; in the colours of the present appearance.
     void setSymbol(std::string_view symbol);
     void setToolTip(const std::string& text);
-    /// Replaces the menu; one that is open stays until it is closed.
-    void setMenu(const std::vector<MenuEntry>& entries);
+    void setEntries(const std::vector<MenuEntry>& entries) { view_.setEntries(entries); }
 
 private:
-    void fill(QMenu& menu, const std::vector<MenuEntry>& entries);
-
-    std::function<void(MenuCommand)> perform_;
+    MenuView view_;
     QSystemTrayIcon icon_;
-    std::unique_ptr<QMenu> menu_;
+    TrayProtocol protocol_ = TrayProtocol::systemTray;
 };
 
 } // namespace querlin

@@ -1,13 +1,10 @@
 #include "ui/menu/StatusItemController.h"
 
+#include "state/DiagnosticsLog.h"
 #include "ui/brand/Brand.h"
-#include "ui/display/BringToFront.h"
-#include "ui/menu/TrayHost.h"
-
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDesktopServices>
-#include <QUrl>
+#include "ui/brand/Theme.h"
+#include "ui/menu/OpenFile.h"
+#include "ui/menu/TrayWatch.h"
 
 #include <fmt/format.h>
 
@@ -15,29 +12,21 @@ namespace querlin {
 
 namespace {
 
-/// A panel that comes up with the session has been there by then.
+/// A panel that comes up with the session, or is started anew, is there by then.
 constexpr auto trayPatience = std::chrono::seconds(3);
-constexpr auto betweenLooks = std::chrono::seconds(2);
-
-QUrl urlOf(const std::filesystem::path& file) { return QUrl::fromLocalFile(Brand::text(file.string())); }
-
-void openWithDefaultApplication(const std::filesystem::path& file) {
-    if (!QDesktopServices::openUrl(urlOf(file))) QDesktopServices::openUrl(urlOf(file.parent_path()));
-}
-
-/// Selects the file in the desktop's file manager.
-void showInFileManager(const std::filesystem::path& file) {
-    const auto name = QStringLiteral("org.freedesktop.FileManager1");
-    auto call = QDBusMessage::createMethodCall(name, QStringLiteral("/org/freedesktop/FileManager1"), name,
-                                               QStringLiteral("ShowItems"));
-    call << QStringList(urlOf(file).toString()) << QString();
-    const auto answer = QDBusConnection::sessionBus().call(call, QDBus::Block, 2000);
-    if (answer.type() == QDBusMessage::ErrorMessage) QDesktopServices::openUrl(urlOf(file.parent_path()));
-}
 
 } // namespace
 
-StatusItemController::StatusItemController(StatusItemSources sources) : with_(std::move(sources)) {
+StatusItemController::StatusItemController(StatusItemSources sources) :
+    with_(std::move(sources)), trays_(std::make_unique<TrayWatch>([this] { lookAtTrays(); })) {
+    subscribe();
+    trayWent();
+    lookAtTrays();
+}
+
+StatusItemController::~StatusItemController() = default;
+
+void StatusItemController::subscribe() {
     const auto follow = [this](const auto& published, auto react) {
         subscriptions_.push_back(
             published.subscribe([this, react](const auto&) { (this->*react)(); }, FirstValue::Skip));
@@ -47,42 +36,56 @@ StatusItemController::StatusItemController(StatusItemSources sources) : with_(st
     follow(with_.controller.lastInsertedText(), &StatusItemController::rebuildMenu);
     follow(with_.windows.lastNotice(), &StatusItemController::rebuildMenu);
     follow(with_.settings.hotkey, &StatusItemController::rebuildMenu);
-    lookForTray();
-    if (item_) return;
-    trayTimer_.emplace(with_.runtime.mainQueue, betweenLooks, [this] { lookForTray(); });
-    patience_ = with_.runtime.mainQueue.after(trayPatience, [this] {
-        if (item_) return;
-        window().setAttribute(Qt::WA_ShowWithoutActivating); // The user may be writing, or dictating.
-        window().show();
-    });
+    follow(Theme::appearance(), &StatusItemController::showPhase);
 }
 
-StatusItemController::~StatusItemController() = default;
+// Where the commands are
 
-void StatusItemController::lookForTray() {
-    if (!TrayHost::isThere()) return;
-    trayTimer_.reset();
-    item_ = std::make_unique<StatusItem>([this](MenuCommand command) { perform(command); });
-    item_->setToolTip(std::string(Brand::productName));
-    if (window_) window_->setHasTray(true);
-    if (window_ && !isWindowWished_) window_->hide();
-    rebuildMenu();
+void StatusItemController::lookAtTrays() {
+    const auto hosts = trays_->hosts();
+    if (!item_ && hosts.allowIcon()) {
+        item_ = std::make_unique<StatusItem>([this](MenuCommand command) { perform(command); });
+        showPhase();
+        if (with_.controller.phase().get().is(DictationPhase::Kind::idle))
+            item_->setToolTip(std::string(Brand::productName));
+    }
+    const bool hasTray = item_ && hosts.show(item_->protocol());
+    if (hasTray == hasTray_) return;
+    hasTray_ = hasTray;
+    if (window_) window_->setHasTray(hasTray);
+    if (hasTray) {
+        trayCame();
+    } else {
+        trayWent();
+    }
+}
+
+void StatusItemController::trayCame() {
+    DiagnosticsLog::note("menu", "Das Symbol steht in der Leiste.");
+    patience_.reset();
+    if (window_) window_->withdraw();
+}
+
+void StatusItemController::trayWent() {
+    patience_ = with_.runtime.mainQueue.after(trayPatience, [this] {
+        DiagnosticsLog::note("menu",
+                             "Es gibt keine Leiste für das Symbol – die Befehle stehen in einem Fenster.");
+        window().offer();
+    });
 }
 
 CommandWindow& StatusItemController::window() {
     if (!window_) {
         window_ = std::make_unique<CommandWindow>([this](MenuCommand command) { perform(command); });
-        window_->setHasTray(item_ != nullptr);
+        window_->setHasTray(hasTray_);
         rebuildMenu();
     }
     return *window_;
 }
 
-void StatusItemController::present() {
-    isWindowWished_ = true;
-    window().setAttribute(Qt::WA_ShowWithoutActivating, false);
-    bringToFront(window());
-}
+void StatusItemController::present() { window().present(); }
+
+// What they show
 
 void StatusItemController::showPhase() {
     const auto& phase = with_.controller.phase().get();
@@ -100,9 +103,11 @@ void StatusItemController::rebuildMenu() {
                                      .isHotkeyBlocked = with_.controller.hotkeyBlocked().get(),
                                      .lastNotice = with_.windows.lastNotice().get(),
                                      .hasLastText = !with_.controller.lastInsertedText().get().empty()});
-    if (item_) item_->setMenu(entries);
+    if (item_) item_->setEntries(entries);
     if (window_) window_->setEntries(entries, phase.symbolName());
 }
+
+// What they do
 
 void StatusItemController::perform(MenuCommand command) {
     using enum MenuCommand;
@@ -142,7 +147,7 @@ void StatusItemController::perform(MenuCommand command) {
         return;
     case writeDiagnostics:
         with_.controller.writeDiagnostics();
-        showInFileManager(with_.logFile);
+        OpenFile::inFileManager(with_.logFile);
         return;
     case runBenchmark:
         with_.windows.showComingLater("Engine-Vergleich",
@@ -157,7 +162,7 @@ void StatusItemController::perform(MenuCommand command) {
                                       "Die Prüfung der Feldbeobachtung kommt mit einer späteren Version.");
         return;
     case openLog:
-        openWithDefaultApplication(with_.logFile);
+        OpenFile::withDefaultApplication(with_.logFile);
         return;
     case checkLaws:
         with_.legalUpdates.checkNow();
@@ -177,8 +182,14 @@ void StatusItemController::perform(MenuCommand command) {
 
 /// From our own window the dictation goes to the field that had the focus before.
 Task<> StatusItemController::toggleDictation() {
-    const bool begins = !with_.controller.phase().get().is(DictationPhase::Kind::recording);
-    if (begins && window_ && window_->isActiveWindow()) co_await with_.focusReturn.giveBack();
+    const auto isRecording = [this] {
+        return with_.controller.phase().get().is(DictationPhase::Kind::recording);
+    };
+    if (!isRecording() && window_ && window_->isActiveWindow()) {
+        co_await with_.focusReturn.giveBack();
+        if (isRecording())
+            co_return; // The key, or a second click, has been faster: that is what was wished for.
+    }
     with_.controller.toggleDictation();
 }
 

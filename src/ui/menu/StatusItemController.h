@@ -4,7 +4,6 @@
 #include "desktop/Permissions.h"
 #include "desktop/TextInserter.h"
 #include "dictation/DictationController.h"
-#include "foundation/RepeatingTimer.h"
 #include "foundation/TaskGroup.h"
 #include "legal/LegalUpdateService.h"
 #include "ui/menu/CommandWindow.h"
@@ -14,10 +13,11 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
 namespace querlin {
+
+class TrayWatch;
 
 /// What the commands reach; all of it outlives the controller of the menu.
 struct StatusItemSources {
@@ -34,7 +34,7 @@ struct StatusItemSources {
 };
 
 /// The program's only permanent surface: the item in the tray with its menu, built anew at each change, and a
-/// window with the same commands where there is no tray. Main thread.
+/// window with the same commands where there is no tray. One of the two can always be reached. Main thread.
 class StatusItemController {
 public:
     explicit StatusItemController(StatusItemSources sources);
@@ -46,9 +46,12 @@ public:
     void present();
 
 private:
-    void lookForTray();
-    void rebuildMenu();
+    void subscribe();
+    void lookAtTrays();
+    void trayCame();
+    void trayWent();
     void showPhase();
+    void rebuildMenu();
     void perform(MenuCommand command);
     Task<> toggleDictation();
     CommandWindow& window();
@@ -56,10 +59,10 @@ private:
     StatusItemSources with_;
     std::unique_ptr<StatusItem> item_;
     std::unique_ptr<CommandWindow> window_;
-    std::optional<RepeatingTimer> trayTimer_;
+    bool hasTray_ = false;
     Registration patience_;
-    bool isWindowWished_ = false;
     std::vector<Registration> subscriptions_;
+    std::unique_ptr<TrayWatch> trays_;
     TaskGroup tasks_;
 };
 

@@ -71,21 +71,5 @@ TEST_F(TrayTest, a_panel_reads_the_menu_from_the_bus_and_chooses_from_it) {
     EXPECT_TRUE(eventually([] { return isShown("Gesetze nachschlagen – BGB und FamFG"); })) << entry;
 }
 
-TEST_F(TrayTest, a_tray_that_comes_later_or_again_gets_the_icon) {
-    if (!isInstalled("trayer")) GTEST_SKIP() << "trayer is not installed";
-    const auto running = start();
-    EXPECT_TRUE(eventually([] { return isShown("Querlin"); })) << "the commands in a window";
-    shell("xdotool search --onlyvisible --name '^Querlin$' windowactivate --sync key alt+F4");
-    EXPECT_TRUE(eventually([] { return !isShown("Querlin"); }));
-    EXPECT_EQ(resultOf(QUERLIN_PROGRAM), "0");
-    EXPECT_TRUE(eventually([] { return isShown("Querlin"); })) << "closed, it is still within reach";
-    auto tray = std::make_unique<Program>(std::vector<std::string>{"trayer", "--edge", "top"});
-    EXPECT_TRUE(isEmbedded());
-    tray.reset();
-    EXPECT_TRUE(eventually([] { return embeddedIcon().empty(); }));
-    tray = std::make_unique<Program>(std::vector<std::string>{"trayer", "--edge", "bottom"});
-    EXPECT_TRUE(isEmbedded()) << "a panel that has been started anew";
-}
-
 } // namespace
 } // namespace querlin

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace querlin {
+
+/// How an icon comes into a panel.
+enum class TrayProtocol : std::uint8_t {
+    statusNotifier, ///< over the session bus, where the panel draws icon and menu
+    systemTray      ///< a window of ours inside the panel's
+};
+
+/// Who would show an icon at this moment.
+struct TrayHosts {
+    /// Nothing as long as nobody has answered.
+    std::optional<bool> hasNotifierHost;
+    bool hasSystemTray = false;
+
+    /// Whether an icon can be made. Not before everything is known: the toolkit decides for one of the two,
+    /// and for good.
+    bool allowIcon() const { return hasNotifierHost.has_value() && (*hasNotifierHost || hasSystemTray); }
+    /// Whether an icon that was made for this protocol can be seen.
+    bool show(TrayProtocol protocol) const {
+        return protocol == TrayProtocol::statusNotifier ? hasNotifierHost.value_or(false) : hasSystemTray;
+    }
+};
+
+} // namespace querlin

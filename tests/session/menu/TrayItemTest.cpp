@@ -1,0 +1,290 @@
+// The item over a scripted controller, in real trays: what they show of it, and what they do to it.
+
+#include "ui/menu/StatusItemController.h"
+
+#include "platform/qt/QtMainQueue.h"
+#include "support/Desktop.h"
+#include "support/DictationWorld.h"
+#include "support/FakePortal.h"
+#include "support/QtApplication.h"
+#include "ui/brand/Brand.h"
+
+#include <QScreen>
+#include <fmt/format.h>
+
+namespace querlin {
+namespace {
+
+class NoFocusReturn final : public FocusReturn {
+public:
+    Task<bool> giveBack() override { co_return false; }
+};
+
+class TrayItemTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!isInVirtualDesktop()) GTEST_SKIP() << "needs tools/virtual-desktop";
+        qtApplication();
+        queue.emplace();
+        windows.setController(&world.controller);
+    }
+    void TearDown() override {
+        item.reset();
+        windows.setController(nullptr);
+    }
+    void makeItem() {
+        item = std::make_unique<StatusItemController>(
+            StatusItemSources{.runtime = {.mainQueue = *queue, .clock = world.time, .background = world.time},
+                              .controller = world.controller,
+                              .settings = world.settings,
+                              .windows = windows,
+                              .legalUpdates = updates,
+                              .permissions = world.permissions,
+                              .inserter = world.inserter,
+                              .focusReturn = focusReturn,
+                              .logFile = world.folder.path() / "Querlin.log",
+                              .quit = [this] { ++quits; }});
+    }
+
+    static bool until(const std::function<bool()>& reached, Duration longest = seconds(10)) {
+        return eventually(
+            [&] {
+                QCoreApplication::processEvents();
+                return reached();
+            },
+            longest);
+    }
+    /// What a command prints that needs our answer: it runs beside our event loop.
+    static std::string ask(const std::string& command) {
+        static int number = 0;
+        const auto file = fmt::format("{}/answer{}", shell("echo $DESKTOP_DIR"), ++number);
+        shell(fmt::format("( {{ {} ; }} > {}.part 2>&1; mv {}.part {} ) > /dev/null 2>&1 &", command, file, file, file));
+        EXPECT_TRUE(until([&] { return std::filesystem::exists(file); })) << command;
+        return shell("cat " + file);
+    }
+
+    // The system tray of the X server
+    static std::unique_ptr<Program> startTrayer(const std::string& edge = "top") {
+        return std::make_unique<Program>(std::vector<std::string>{"trayer", "--edge", edge, "--height", "26", "--widthtype", "request"});
+    }
+    /// The icon's window inside the tray's.
+    static std::string embedded() {
+        return shell("for id in $(xdotool search --onlyvisible --class '^trayer$'); do xwininfo -tree -id $id; done | "
+                     "sed -n 's/^ *\\(0x[0-9a-f]*\\) \"querlin\".*/\\1/p' | head -n 1");
+    }
+    static bool isEmbedded() {
+        return until([] { return !embedded().empty(); });
+    }
+
+    // The session bus
+    static std::unique_ptr<Program> startPanel() {
+        return std::make_unique<Program>(std::vector<std::string>{"xfce4-panel", "--disable-wm-check"});
+    }
+    /// The item's connection, as the panel knows it.
+    static std::string itemOnBus() {
+        return shell("gdbus call --session --dest org.kde.StatusNotifierWatcher --object-path /StatusNotifierWatcher "
+                     "--method org.freedesktop.DBus.Properties.Get org.kde.StatusNotifierWatcher "
+                     "RegisteredStatusNotifierItems 2>/dev/null | grep -o ':[0-9.]*'");
+    }
+    static bool isOnBus() {
+        return until([] { return !itemOnBus().empty(); });
+    }
+    static std::string itemProperty(const std::string& name) {
+        return ask(fmt::format("gdbus call --session --dest {} --object-path /StatusNotifierItem --method "
+                               "org.freedesktop.DBus.Properties.Get org.kde.StatusNotifierItem {}",
+                               itemOnBus(), name));
+    }
+    static std::string menuCall(const std::string& call) {
+        return ask(
+            fmt::format("gdbus call --session --dest {} --object-path /MenuBar --method com.canonical.dbusmenu.{}", itemOnBus(), call));
+    }
+    static std::string layout() { return menuCall("GetLayout -- 0 -1 '[]'"); }
+    /// The number by which the panel knows an entry.
+    static std::string idOf(const std::string& entry) {
+        return shell(
+            fmt::format("echo \"{}\" | grep -o \"([0-9]*, {{[^}}]*'{}'\" | sed 's/^(\\([0-9]*\\).*/\\1/' | tail -n 1", layout(), entry));
+    }
+    static void choose(const std::string& id) { menuCall(fmt::format("Event -- {} clicked '<0>' 0", id)); }
+
+    static QWidget* shown(const std::string& title) {
+        for (auto* window : QApplication::topLevelWidgets()) {
+            if (window->isVisible() && window->windowTitle() == Brand::text(title)) return window;
+        }
+        return nullptr;
+    }
+    static QMenu* openMenu() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
+    static bool has(const QMenu& menu, const std::string& title) {
+        return std::ranges::any_of(menu.actions(), [&](const auto* action) { return action->text() == Brand::text(title); });
+    }
+    static QImage screen(QRect part) {
+        return QGuiApplication::primaryScreen()->grabWindow(0, part.x(), part.y(), part.width(), part.height()).toImage();
+    }
+
+    DictationWorld world;
+    FakePortal portal{world.time};
+    LegalCorpusStore laws{world.folder.path() / "Gesetze", world.folder.path()};
+    LegalCorpus corpus{laws, world.time};
+    LegalUpdateService updates{world.settings, laws, corpus, portal, world.time.runtime()};
+    NoFocusReturn focusReturn;
+    WindowCoordinator windows{{.runtime = world.time.runtime(),
+                               .settings = world.settings,
+                               .statistics = world.statistics,
+                               .legalUpdates = updates,
+                               .corpus = corpus,
+                               .focusReturn = focusReturn,
+                               .findings = [] { return std::vector<SetupFinding>{}; }}};
+    std::optional<QtMainQueue> queue;
+    int quits = 0;
+    std::unique_ptr<StatusItemController> item;
+};
+
+class SystemTrayTest : public TrayItemTest {
+protected:
+    void SetUp() override {
+        if (!isInstalled("trayer")) GTEST_SKIP() << "trayer is not installed";
+        TrayItemTest::SetUp();
+    }
+    /// Clicks until the menu is there: an icon that has just been embedded may miss one.
+    static QMenu* click(int button) {
+        until([&] {
+            shell(fmt::format("xdotool mousemove --window {} 8 8 click {}", embedded(), button));
+            return until([] { return openMenu() != nullptr; }, seconds(1));
+        });
+        return openMenu();
+    }
+};
+
+TEST_F(SystemTrayTest, either_button_opens_the_menu) {
+    const auto tray = startTrayer();
+    makeItem();
+    ASSERT_TRUE(isEmbedded());
+    for (const int button : {1, 3}) {
+        auto* menu = click(button);
+        ASSERT_NE(menu, nullptr) << button;
+        EXPECT_TRUE(has(*menu, "Aufnahme starten"));
+        shell("xdotool key Escape");
+        EXPECT_TRUE(until([] { return !openMenu(); })) << button;
+    }
+}
+
+TEST_F(SystemTrayTest, a_menu_that_is_open_stays_and_follows_the_dictation) {
+    const auto tray = startTrayer();
+    makeItem();
+    ASSERT_TRUE(isEmbedded());
+    auto* menu = click(3);
+    ASSERT_NE(menu, nullptr);
+    world.press();
+    EXPECT_EQ(openMenu(), menu);
+    EXPECT_TRUE(has(*menu, "Aufnahme stoppen"));
+    world.wait(seconds(2));
+    windows.showEnhancementFailureNotice("Etwas fehlt");
+    for (const QAction* active = nullptr; !active || active->text() != QStringLiteral("Aufnahme stoppen");) {
+        const auto* before = active;
+        shell("xdotool key Down");
+        ASSERT_TRUE(until([&] { return menu->activeAction() != before; }));
+        active = menu->activeAction();
+    }
+    shell("xdotool key Return");
+    EXPECT_TRUE(until([&] { return world.phase() == DictationPhase::Kind::transcribing; })) << "stopped from the open menu";
+    EXPECT_EQ(openMenu(), nullptr);
+}
+
+/// Without looking again and again: what changes is told.
+TEST_F(SystemTrayTest, trays_come_and_go) {
+    makeItem();
+    EXPECT_TRUE(until([] { return shown("Querlin") != nullptr; })) << "nobody shows the icon";
+    EXPECT_FALSE(shown("Querlin")->isActiveWindow());
+    world.press(); // The icon comes in the middle of a dictation.
+    auto tray = startTrayer();
+    EXPECT_TRUE(isEmbedded());
+    EXPECT_TRUE(until([] { return !shown("Querlin"); }));
+
+    tray->signal(SIGKILL);
+    EXPECT_TRUE(until([] { return embedded().empty(); }));
+    tray = startTrayer("bottom");
+    EXPECT_TRUE(isEmbedded()) << "a tray that has been started anew";
+    EXPECT_EQ(shown("Querlin"), nullptr) << "it has been quick enough";
+
+    item->present();
+    tray.reset();
+    EXPECT_TRUE(until([] { return embedded().empty(); }));
+    tray = startTrayer();
+    EXPECT_TRUE(isEmbedded());
+    EXPECT_NE(shown("Querlin"), nullptr) << "the user has wished for it";
+    shown("Querlin")->close();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shown("Querlin"), nullptr) << "with a tray it may go";
+}
+
+TEST_F(SystemTrayTest, a_window_that_is_closed_without_a_tray_becomes_small) {
+    makeItem();
+    item->present();
+    ASSERT_TRUE(until([] { return shown("Querlin") && shown("Querlin")->isActiveWindow(); }));
+    shell("xdotool key alt+F4");
+    ASSERT_TRUE(until([] { return shown("Querlin") && shown("Querlin")->isMinimized(); }));
+    item->present();
+    EXPECT_TRUE(until([] { return shown("Querlin")->isActiveWindow(); }));
+}
+
+class PanelTest : public TrayItemTest {
+protected:
+    void SetUp() override {
+        if (!isInstalled("xfce4-panel")) GTEST_SKIP() << "xfce4-panel is not installed";
+        TrayItemTest::SetUp();
+    }
+};
+
+TEST_F(PanelTest, icon_and_tool_tip_go_over_the_bus) {
+    const auto panel = startPanel();
+    makeItem();
+    ASSERT_TRUE(isOnBus());
+    const auto pictureAtRest = itemProperty("IconPixmap");
+    EXPECT_NE(itemProperty("ToolTip").find("'Querlin'"), std::string::npos);
+    world.press();
+    EXPECT_NE(itemProperty("IconPixmap"), pictureAtRest);
+    EXPECT_NE(itemProperty("ToolTip").find("'Querlin – Aufnehmen'"), std::string::npos);
+    world.wait(seconds(2));
+    world.release();
+    world.wait(seconds(20));
+    EXPECT_EQ(itemProperty("IconPixmap"), pictureAtRest);
+}
+
+/// A panel holds on to the entries that it was given first.
+TEST_F(PanelTest, entries_are_good_for_as_long_as_they_are_there) {
+    const auto panel = startPanel();
+    makeItem();
+    ASSERT_TRUE(isOnBus());
+    const auto toggle = idOf("Aufnahme starten");
+    ASSERT_FALSE(toggle.empty());
+    choose(toggle);
+    EXPECT_EQ(world.phase(), DictationPhase::Kind::recording);
+    EXPECT_EQ(idOf("Aufnahme stoppen"), toggle);
+    EXPECT_FALSE(idOf("Abbrechen").empty());
+    world.wait(seconds(2));
+    choose(toggle);
+    world.wait(seconds(20));
+    EXPECT_EQ(world.phase(), DictationPhase::Kind::idle);
+    EXPECT_TRUE(idOf("Abbrechen").empty());
+
+    choose(idOf("Letzten Text kopieren"));
+    EXPECT_EQ(world.inserter.pasteboard, world.controller.lastInsertedText().get());
+    choose(idOf("Querlin beenden"));
+    EXPECT_EQ(quits, 1);
+}
+
+TEST_F(PanelTest, a_panel_that_dies_gets_icon_and_menu_again) {
+    makeItem();
+    auto panel = startPanel();
+    ASSERT_TRUE(isOnBus()) << "a panel that comes later";
+    panel->signal(SIGKILL);
+    panel.reset();
+    EXPECT_TRUE(until([] { return itemOnBus().empty(); }));
+    panel = startPanel();
+    ASSERT_TRUE(isOnBus());
+    choose(idOf("Querlin beenden"));
+    EXPECT_EQ(quits, 1);
+    EXPECT_EQ(shown("Querlin"), nullptr);
+}
+
+} // namespace
+} // namespace querlin

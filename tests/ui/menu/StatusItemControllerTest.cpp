@@ -1,0 +1,190 @@
+#include "ui/menu/StatusItemController.h"
+
+#include "foundation/Waiting.h"
+#include "support/DictationWorld.h"
+#include "support/FakePortal.h"
+#include "support/QtApplication.h"
+#include "ui/brand/Brand.h"
+
+#include <QPushButton>
+
+namespace querlin {
+namespace {
+
+/// Takes its time, as a window manager does.
+class SlowFocusReturn final : public FocusReturn {
+public:
+    explicit SlowFocusReturn(MainQueue& queue) : queue_(queue) {}
+    Task<bool> giveBack() override {
+        ++wishes;
+        co_await sleepFor(queue_, seconds(0.1));
+        co_return true;
+    }
+    int wishes = 0;
+
+private:
+    MainQueue& queue_;
+};
+
+/// The commands without a tray, in memory, over a controller on virtual time.
+class StatusItemControllerTest : public ::testing::Test {
+protected:
+    StatusItemControllerTest() {
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent"); // Nobody's panel.
+        qtApplication();
+        windows.setController(&world.controller);
+        make();
+    }
+    ~StatusItemControllerTest() override {
+        item.reset();
+        windows.setController(nullptr);
+    }
+    void make() {
+        item = std::make_unique<StatusItemController>(StatusItemSources{.runtime = world.time.runtime(),
+                                                                        .controller = world.controller,
+                                                                        .settings = world.settings,
+                                                                        .windows = windows,
+                                                                        .legalUpdates = updates,
+                                                                        .permissions = world.permissions,
+                                                                        .inserter = world.inserter,
+                                                                        .focusReturn = focusReturn,
+                                                                        .logFile = world.folder.path() / "Querlin.log",
+                                                                        .quit = [this] { ++quits; }});
+    }
+
+    static QWidget* window(const std::string& title = "Querlin") {
+        for (auto* found : QApplication::topLevelWidgets()) {
+            if (found->isVisible() && found->windowTitle() == Brand::text(title)) return found;
+        }
+        return nullptr;
+    }
+    static QPushButton* button(const std::string& name) {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        for (auto* found : window()->findChildren<QPushButton*>()) {
+            if (found->accessibleName() == Brand::text(name)) return found;
+        }
+        return nullptr;
+    }
+    void activate() {
+        window()->activateWindow();
+        for (int turn = 0; turn < 100 && !window()->isActiveWindow(); ++turn) QCoreApplication::processEvents();
+        ASSERT_TRUE(window()->isActiveWindow());
+    }
+
+    DictationWorld world;
+    FakePortal portal{world.time};
+    LegalCorpusStore laws{world.folder.path() / "Gesetze", world.folder.path()};
+    LegalCorpus corpus{laws, world.time};
+    LegalUpdateService updates{world.settings, laws, corpus, portal, world.time.runtime()};
+    SlowFocusReturn focusReturn{world.time};
+    WindowCoordinator windows{{.runtime = world.time.runtime(),
+                               .settings = world.settings,
+                               .statistics = world.statistics,
+                               .legalUpdates = updates,
+                               .corpus = corpus,
+                               .focusReturn = focusReturn,
+                               .findings = [] { return std::vector<SetupFinding>{}; }}};
+    int quits = 0;
+    std::unique_ptr<StatusItemController> item;
+};
+
+TEST_F(StatusItemControllerTest, without_a_tray_the_commands_come_in_a_window_after_three_seconds) {
+    world.wait(seconds(2.9));
+    EXPECT_EQ(window(), nullptr);
+    world.wait(seconds(0.2));
+    ASSERT_NE(window(), nullptr);
+    EXPECT_TRUE(window()->testAttribute(Qt::WA_ShowWithoutActivating)) << "the user may be writing";
+
+    window()->close();
+    QCoreApplication::processEvents();
+    ASSERT_NE(window(), nullptr);
+    EXPECT_TRUE(window()->isMinimized());
+    item->present();
+    EXPECT_FALSE(window()->isMinimized());
+}
+
+TEST_F(StatusItemControllerTest, a_dictation_from_the_window_goes_back_to_the_field_before) {
+    item->present();
+    activate();
+    button("Aufnahme starten")->click();
+    EXPECT_EQ(world.phase(), DictationPhase::Kind::idle) << "first the focus";
+    button("Aufnahme starten")->click(); // Twice, from impatience.
+    world.wait(seconds(0.2));
+    EXPECT_EQ(world.phase(), DictationPhase::Kind::recording);
+    EXPECT_EQ(focusReturn.wishes, 2);
+
+    world.wait(seconds(2));
+    button("Aufnahme stoppen")->click();
+    world.wait(seconds(0.01));
+    EXPECT_EQ(world.phase(), DictationPhase::Kind::transcribing) << "nobody waits for the focus to stop";
+    EXPECT_FALSE(button("Aufnahme starten")->isEnabled());
+    world.wait(seconds(10));
+    EXPECT_EQ(focusReturn.wishes, 2);
+    EXPECT_TRUE(button("Aufnahme starten")->isEnabled());
+
+    button("Letzten Text kopieren")->click();
+    EXPECT_EQ(world.inserter.pasteboard, world.controller.lastInsertedText().get());
+}
+
+TEST_F(StatusItemControllerTest, the_keyboard_stays_on_its_command_while_phases_change) {
+    item->present();
+    button("Abbrechen");
+    const auto focused = [] {
+        const auto* widget = window()->focusWidget();
+        return widget ? Brand::utf8(widget->accessibleName()) : std::string();
+    };
+    EXPECT_EQ(focused(), "Aufnahme starten");
+    world.press();
+    EXPECT_EQ(focused(), "Aufnahme stoppen");
+    world.wait(seconds(2));
+    world.release();
+    world.wait(seconds(20));
+    EXPECT_EQ(focused(), "Aufnahme starten") << "after it couldn't be chosen for a while";
+    button("Diktatverlauf…")->setFocus();
+    world.press();
+    EXPECT_EQ(focused(), "Diktatverlauf…");
+}
+
+TEST_F(StatusItemControllerTest, changes_show_at_once) {
+    item->present();
+    windows.showEnhancementFailureNotice("Modell & Netz fehlen");
+    auto* notice = button("Letzter Fehler: Modell & Netz fehlen");
+    ASSERT_NE(notice, nullptr);
+    notice->click();
+    EXPECT_EQ(button("Letzter Fehler: Modell & Netz fehlen"), nullptr);
+
+    world.keyboard.canTap = false;
+    world.controller.installHotkey();
+    EXPECT_NE(button("⚠︎ Bedienungshilfen fehlen – Hotkey inaktiv"), nullptr);
+}
+
+TEST_F(StatusItemControllerTest, each_command_leads_somewhere) {
+    item->present();
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"Diktatverlauf…", "Diktatverlauf"},
+        {"Gesetze nachschlagen…", "Gesetze nachschlagen – BGB und FamFG"},
+        {"Einstellungen…", "Querlin – Einstellungen"},
+        {"Berechtigungen prüfen…", "Querlin einrichten"},
+        {"Die Mandolan kennenlernen…", "Die Mandolan kennenlernen"},
+        {"Engine-Vergleich ausführen…", "Engine-Vergleich"},
+        {"Kettenprüfung ausführen…", "Kettenprüfung"},
+        {"Feldbeobachtung prüfen…", "Feldbeobachtung"},
+        {"Nach Updates suchen…", "Querlin aktualisieren"},
+        {"Über Querlin", "Über Querlin"},
+    };
+    for (const auto& [command, title] : rows) {
+        ASSERT_NE(button(command), nullptr) << command;
+        button(command)->click();
+        EXPECT_NE(window(title), nullptr) << command;
+        if (auto* opened = window(title)) opened->close();
+    }
+    button("Gesetzesstände aktualisieren…")->click();
+    EXPECT_NE(window("Querlin – Einstellungen"), nullptr);
+    world.wait(seconds(1));
+    EXPECT_FALSE(std::holds_alternative<LegalUpdateStage::Idle>(updates.stage.get()));
+    button("Querlin beenden")->click();
+    EXPECT_EQ(quits, 1);
+}
+
+} // namespace
+} // namespace querlin
