@@ -2,8 +2,8 @@
 
 #include "foundation/OneShot.h"
 #include "foundation/Registration.h"
-#include "foundation/Release.h"
 #include "foundation/TextCase.h"
+#include "platform/curl/CurlLibrary.h"
 
 #include <algorithm>
 #include <array>
@@ -12,13 +12,12 @@
 #include <cstdint>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
-
-#include <curl/curl.h>
 
 namespace querlin {
 
@@ -63,12 +62,13 @@ constexpr std::array errorTexts = {
     ErrorText{CURLE_HTTP2, "Die Verbindung ist abgebrochen."},
     ErrorText{CURLE_HTTP2_STREAM, "Die Verbindung ist abgebrochen."},
     ErrorText{CURLE_ABORTED_BY_CALLBACK, "Die Anfrage wurde abgebrochen."},
+    ErrorText{CURLE_FAILED_INIT, "Die Bibliothek für Netzanfragen (libcurl) fehlt oder startet nicht."},
 };
 
 HttpError errorFor(CURLcode code) {
     const auto* const row = std::ranges::find(errorTexts, code, &ErrorText::code);
     if (row != errorTexts.end()) return {std::string(row->text)};
-    return {std::string("Die Anfrage ist fehlgeschlagen: ") + curl_easy_strerror(code) + "."};
+    return {std::string("Die Anfrage ist fehlgeschlagen: ") + CurlLibrary::get()->easyStrerror(code) + "."};
 }
 
 bool hasScheme(std::string_view address, std::string_view scheme) {
@@ -88,21 +88,31 @@ long curlTimeout(Duration timeout) {
     return std::min<long>(milliseconds, INT_MAX);
 }
 
-/// One exchange. Made on the main thread; the worker's alone from the moment it is handed over.
+/// An exchange that is wanted.
+struct Order {
+    HttpRequest request;
+    OneShot<Answer>::Sender reply;
+    std::size_t bodyLimitInBytes;
+    std::uint64_t number = 0;
+};
+
+/// One exchange under way, the worker's alone.
 struct Transfer {
-    Transfer(OneShot<Answer>::Sender sender, std::size_t limit) :
-        bodyLimitInBytes(limit), reply(std::move(sender)) {}
+    Transfer(const CurlLibrary& library, Order wanted) :
+        curl(library), handle(library.easyInit()), order(std::move(wanted)) {}
+    ~Transfer() { curl.easyCleanup(handle); }
+    Transfer(const Transfer&) = delete;
+    Transfer& operator=(const Transfer&) = delete;
 
     std::string_view effectiveAddress() const {
         const char* address = nullptr;
-        curl_easy_getinfo(handle.get(), CURLINFO_EFFECTIVE_URL, &address);
+        curl.easyGetinfo(handle, CURLINFO_EFFECTIVE_URL, &address);
         return address ? address : "";
     }
 
-    std::unique_ptr<CURL, Release<curl_easy_cleanup>> handle{curl_easy_init()};
-    std::uint64_t number = 0;
-    std::size_t bodyLimitInBytes;
-    OneShot<Answer>::Sender reply;
+    const CurlLibrary& curl;
+    CURL* handle;
+    Order order;
     std::string body;
     std::size_t headersInBytes = 0;
     bool isHttpsOnly = false;
@@ -110,7 +120,7 @@ struct Transfer {
 
 std::size_t receiveBody(const char* bytes, std::size_t, std::size_t count, void* userData) {
     auto& transfer = *static_cast<Transfer*>(userData);
-    if (count > transfer.bodyLimitInBytes - transfer.body.size()) return CURL_WRITEFUNC_ERROR;
+    if (count > transfer.order.bodyLimitInBytes - transfer.body.size()) return CURL_WRITEFUNC_ERROR;
     transfer.body.append(bytes, count);
     return count;
 }
@@ -123,17 +133,18 @@ std::size_t receiveHeader(const char*, std::size_t, std::size_t count, void* use
     if (!transfer.isHttpsOnly && isHttps(transfer.effectiveAddress())) {
         // Also behind a redirect that went up from http.
         transfer.isHttpsOnly = true;
-        const auto result = curl_easy_setopt(transfer.handle.get(), CURLOPT_REDIR_PROTOCOLS_STR, "https");
+        const auto result = transfer.curl.easySetopt(transfer.handle, CURLOPT_REDIR_PROTOCOLS_STR, "https");
         if (result != CURLE_OK) return CURL_WRITEFUNC_ERROR;
     }
     return count;
 }
 
 /// Tells curl what is wanted.
-CURLcode prepare(Transfer& transfer, const HttpRequest& request) {
+CURLcode prepare(Transfer& transfer) {
+    const auto& request = transfer.order.request;
     CURLcode result = transfer.handle ? CURLE_OK : CURLE_OUT_OF_MEMORY;
     const auto set = [&](CURLoption option, auto value) {
-        if (result == CURLE_OK) result = curl_easy_setopt(transfer.handle.get(), option, value);
+        if (result == CURLE_OK) result = transfer.curl.easySetopt(transfer.handle, option, value);
     };
     const bool isHead = request.method == HttpRequest::Method::head;
     set(CURLOPT_URL, request.address.c_str());
@@ -153,7 +164,7 @@ CURLcode prepare(Transfer& transfer, const HttpRequest& request) {
     set(CURLOPT_HEADERDATA, &transfer);
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     // Of a HEAD's answer the length says nothing about what will come.
-    if (!isHead) set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(transfer.bodyLimitInBytes));
+    if (!isHead) set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(transfer.order.bodyLimitInBytes));
 
     set(CURLOPT_NOSIGNAL, 1L);
     set(CURLOPT_QUICK_EXIT, 1L); // Name servers aren't waited for.
@@ -161,25 +172,19 @@ CURLcode prepare(Transfer& transfer, const HttpRequest& request) {
     return result;
 }
 
-/// The transfer of a request, ready to be handed over.
-std::expected<std::unique_ptr<Transfer>, HttpError>
-makeTransfer(const HttpRequest& request, std::size_t bodyLimit, OneShot<Answer>::Sender reply) {
+/// What is wrong with a request before anybody is asked.
+std::optional<HttpError> faultOf(const HttpRequest& request) {
     const bool isWeb = isHttp(request.address) || isHttps(request.address);
-    if (!isWeb || hasControlCharacter(request.address))
-        return std::unexpected(HttpError{std::string(invalidAddress)});
-    if (hasControlCharacter(request.userAgent))
-        return std::unexpected(HttpError{std::string(invalidUserAgent)});
-    if (request.timeout <= Duration(0)) return std::unexpected(errorFor(CURLE_OPERATION_TIMEDOUT));
-    auto transfer = std::make_unique<Transfer>(std::move(reply), bodyLimit);
-    const auto result = prepare(*transfer, request);
-    if (result != CURLE_OK) return std::unexpected(errorFor(result));
-    return transfer;
+    if (!isWeb || hasControlCharacter(request.address)) return HttpError{std::string(invalidAddress)};
+    if (hasControlCharacter(request.userAgent)) return HttpError{std::string(invalidUserAgent)};
+    if (request.timeout <= Duration(0)) return errorFor(CURLE_OPERATION_TIMEDOUT);
+    return std::nullopt;
 }
 
 /// What has become of a transfer that has ended.
 Answer takeAnswer(Transfer& transfer, CURLcode result) {
     long status = 0;
-    curl_easy_getinfo(transfer.handle.get(), CURLINFO_RESPONSE_CODE, &status);
+    transfer.curl.easyGetinfo(transfer.handle, CURLINFO_RESPONSE_CODE, &status);
     // One code of curl for an address that it may not follow and for an answer that isn't HTTP at all.
     const bool isRedirect = status / 100 == 3;
     if (result == CURLE_UNSUPPORTED_PROTOCOL && !isRedirect) result = CURLE_WEIRD_SERVER_REPLY;
@@ -189,18 +194,12 @@ Answer takeAnswer(Transfer& transfer, CURLcode result) {
     response.status = static_cast<int>(status);
     constexpr int lastResponse = -1;
     curl_header* header = nullptr;
-    while ((header = curl_easy_nextheader(transfer.handle.get(), CURLH_HEADER, lastResponse, header)) !=
+    while ((header = transfer.curl.easyNextheader(transfer.handle, CURLH_HEADER, lastResponse, header)) !=
            nullptr) {
         response.headers.emplace_back(header->name, header->value);
     }
     response.body = std::move(transfer.body);
     return response;
-}
-
-/// Once for the process, before anything else of curl; whoever comes second waits for the first.
-bool isCurlReady() {
-    static const bool isReady = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    return isReady;
 }
 
 /// A connection that breaks off is an error of its transfer and never a signal to the program.
@@ -213,13 +212,12 @@ void blockBrokenPipeSignal() {
 
 } // namespace
 
-/// Moves the transfers on its thread. What the main thread wants is left in `arrived_`, `abandoned_` and
-/// `isEnding_`; the thread is woken and takes it from there. The handles are the thread's alone.
+/// Moves the transfers on its thread, which begins with the first of them. What the main thread wants is left
+/// in `arrived_`, `abandoned_` and `isEnding_`; the thread is woken and takes it from there. The transfers
+/// are the thread's alone.
 class CurlHttpClient::Worker {
 public:
-    Worker() : multi_(isCurlReady() ? curl_multi_init() : nullptr) {
-        if (multi_) thread_ = std::jthread([this] { serve(); });
-    }
+    Worker() = default;
     ~Worker() {
         {
             const std::scoped_lock guard(mutex_);
@@ -231,44 +229,44 @@ public:
     Worker& operator=(const Worker&) = delete;
 
     /// Begins a transfer, which is abandoned when the registration goes, if it hasn't ended by then.
-    static Registration begin(const std::shared_ptr<Worker>& worker, std::unique_ptr<Transfer> transfer);
+    static Registration begin(const std::shared_ptr<Worker>& worker, Order order);
 
 private:
     void abandon(std::uint64_t number);
-    void wakeUp() {
-        if (multi_) curl_multi_wakeup(multi_.get());
-    }
+    void wakeUp();
 
     void serve();
+    void refuseOrders();
     /// Takes over what the main thread has left; false at the end.
     bool takeOrders();
+    void add(Order order);
     void end(Transfer& transfer, CURLcode result);
     void endFinishedTransfers();
 
     std::mutex mutex_;
-    std::vector<std::unique_ptr<Transfer>> arrived_;
+    std::vector<Order> arrived_;
     std::vector<std::uint64_t> abandoned_;
+    bool isServing_ = false;
     bool isEnding_ = false;
+    CURLM* multi_ = nullptr; ///< the thread's; whoever wakes it does that under the lock
 
     std::uint64_t lastNumber_ = 0; // The main thread's.
 
-    std::unique_ptr<CURLM, Release<curl_multi_cleanup>> multi_;
+    const CurlLibrary* curl_ = nullptr;
     std::map<std::uint64_t, std::unique_ptr<Transfer>> running_; // By number: curl uses addresses again.
     std::jthread thread_; // Last: its end is awaited before the rest goes.
 };
 
-Registration CurlHttpClient::Worker::begin(const std::shared_ptr<Worker>& worker,
-                                           std::unique_ptr<Transfer> transfer) {
-    if (!worker->multi_) {
-        transfer->reply.send(std::unexpected(errorFor(CURLE_FAILED_INIT)));
-        return {};
-    }
+Registration CurlHttpClient::Worker::begin(const std::shared_ptr<Worker>& worker, Order order) {
     const auto number = ++worker->lastNumber_;
-    transfer->number = number;
+    order.number = number;
+    bool isFirst = false;
     {
         const std::scoped_lock guard(worker->mutex_);
-        worker->arrived_.push_back(std::move(transfer));
+        worker->arrived_.push_back(std::move(order));
+        isFirst = !std::exchange(worker->isServing_, true);
     }
+    if (isFirst) worker->thread_ = std::jthread([own = worker.get()] { own->serve(); });
     worker->wakeUp();
     return Registration([weak = std::weak_ptr(worker), number] {
         if (const auto alive = weak.lock()) alive->abandon(number);
@@ -283,15 +281,40 @@ void CurlHttpClient::Worker::abandon(std::uint64_t number) {
     wakeUp();
 }
 
+/// A thread that isn't up yet looks at its orders by itself.
+void CurlHttpClient::Worker::wakeUp() {
+    const std::scoped_lock guard(mutex_);
+    if (multi_) curl_->multiWakeup(multi_);
+}
+
 void CurlHttpClient::Worker::serve() {
     blockBrokenPipeSignal();
+    curl_ = CurlLibrary::get();
+    auto* const multi = curl_ ? curl_->multiInit() : nullptr;
+    if (!multi) return this->refuseOrders();
+    const auto publish = [this](CURLM* handle) {
+        const std::scoped_lock guard(mutex_);
+        multi_ = handle;
+    };
+    publish(multi);
     while (takeOrders()) {
         int count = 0;
-        curl_multi_perform(multi_.get(), &count);
+        curl_->multiPerform(multi, &count);
         endFinishedTransfers();
-        curl_multi_poll(multi_.get(), nullptr, 0, longestNapInMilliseconds, nullptr);
+        curl_->multiPoll(multi, nullptr, 0, longestNapInMilliseconds, nullptr);
     }
     while (!running_.empty()) end(*running_.begin()->second, CURLE_ABORTED_BY_CALLBACK);
+    publish(nullptr);
+    curl_->multiCleanup(multi);
+}
+
+/// The next order tries again.
+void CurlHttpClient::Worker::refuseOrders() {
+    const std::scoped_lock guard(mutex_);
+    for (const auto& order : arrived_) order.reply.send(std::unexpected(errorFor(CURLE_FAILED_INIT)));
+    arrived_.clear();
+    abandoned_.clear();
+    isServing_ = false;
 }
 
 bool CurlHttpClient::Worker::takeOrders() {
@@ -301,12 +324,7 @@ bool CurlHttpClient::Worker::takeOrders() {
     const bool isEnding = isEnding_;
     guard.unlock();
 
-    for (auto& transfer : arrived) {
-        auto& added = *transfer;
-        running_.emplace(added.number, std::move(transfer));
-        if (curl_multi_add_handle(multi_.get(), added.handle.get()) != CURLM_OK)
-            end(added, CURLE_FAILED_INIT);
-    }
+    for (auto& order : arrived) add(std::move(order));
     for (const auto number : abandoned) {
         const auto found = running_.find(number);
         if (found != running_.end()) end(*found->second, CURLE_ABORTED_BY_CALLBACK);
@@ -314,19 +332,29 @@ bool CurlHttpClient::Worker::takeOrders() {
     return !isEnding;
 }
 
+void CurlHttpClient::Worker::add(Order order) {
+    const auto number = order.number;
+    auto& added =
+        *running_.emplace(number, std::make_unique<Transfer>(*curl_, std::move(order))).first->second;
+    auto result = prepare(added);
+    if (result == CURLE_OK && curl_->multiAddHandle(multi_, added.handle) != CURLM_OK)
+        result = CURLE_FAILED_INIT;
+    if (result != CURLE_OK) end(added, result);
+}
+
 void CurlHttpClient::Worker::end(Transfer& transfer, CURLcode result) {
-    transfer.reply.send(takeAnswer(transfer, result)); // Nobody takes it if it was abandoned.
-    curl_multi_remove_handle(multi_.get(), transfer.handle.get());
-    running_.erase(transfer.number);
+    transfer.order.reply.send(takeAnswer(transfer, result)); // Nobody takes it if it was abandoned.
+    curl_->multiRemoveHandle(multi_, transfer.handle);
+    running_.erase(transfer.order.number);
 }
 
 void CurlHttpClient::Worker::endFinishedTransfers() {
     int left = 0;
-    while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
+    while (const CURLMsg* message = curl_->multiInfoRead(multi_, &left)) {
         if (message->msg != CURLMSG_DONE) continue;
         const auto result = message->data.result; // NOLINT(*-union-access): curl's; gone with the handle
         Transfer* transfer = nullptr;
-        curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
+        curl_->easyGetinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
         end(*transfer, result);
     }
 }
@@ -336,10 +364,10 @@ CurlHttpClient::CurlHttpClient(MainQueue& queue, std::size_t bodyLimitInBytes) :
 CurlHttpClient::~CurlHttpClient() = default;
 
 Task<Answer> CurlHttpClient::send(HttpRequest request) {
+    if (auto fault = faultOf(request)) co_return std::unexpected(std::move(*fault));
     const OneShot<Answer> answer(queue_);
-    auto transfer = makeTransfer(request, bodyLimitInBytes_, answer.sender());
-    if (!transfer) co_return std::unexpected(transfer.error());
-    const Registration underWay = Worker::begin(worker_, std::move(*transfer));
+    Order order{std::move(request), answer.sender(), bodyLimitInBytes_};
+    const Registration underWay = Worker::begin(worker_, std::move(order));
     // From here on the client may go before the task does.
     Answer result = co_await answer;
     co_return std::move(result);
