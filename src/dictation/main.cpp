@@ -12,7 +12,6 @@
 #include "state/LogFile.h"
 #include "state/Product.h"
 #include "ui/brand/Brand.h"
-#include "ui/brand/BrandMark.h"
 #include "ui/brand/Theme.h"
 
 #include <cstdio>
@@ -42,7 +41,6 @@ bool hasDisplay() {
 void setUpToolkit() {
     QApplication::setApplicationName(Brand::text(Product::name));
     QApplication::setDesktopFileName(Brand::text(Product::bundleIdentifier));
-    QApplication::setWindowIcon(BrandMark::windowIcon());
     QApplication::setQuitOnLastWindowClosed(false); // It has none, as a rule.
     // Menus of text fields, names of keys.
     static QTranslator german;

@@ -22,7 +22,8 @@ namespace querlin {
 
 namespace {
 
-/// Something is to be seen first.
+/// Something is to be seen first: what comes next starts threads and a process.
+constexpr auto untilIconIsThere = std::chrono::milliseconds(30);
 constexpr auto untilOverlayIsPrepared = std::chrono::milliseconds(500);
 /// By then the notification service can be reached.
 constexpr auto untilRecovery = std::chrono::seconds(1);
@@ -149,9 +150,15 @@ void AppDelegate::applicationDidFinishLaunching() {
     dictation_ = std::make_unique<Dictation>(*this);
     windows_->setController(&dictation_->controller);
     makeStatusItem();
+    later(untilIconIsThere, [this] { startListening(); });
+}
+
+void AppDelegate::startListening() {
     preload();
     dictation_->controller.start();
-    startLater();
+    later(untilOverlayIsPrepared, [this] { windows_->prepareOverlay(); });
+    later(untilRecovery, [this] { reportTroubles(); });
+    later(untilLawCheck, [this] { legalUpdates_->checkIfDue(); });
     if (!permissions_.isAccessibilityTrusted()) {
         DiagnosticsLog::note("app", "Nicht berechtigt – zeige Systemdialog.");
         permissions_.requestAccessibility();
@@ -192,13 +199,8 @@ void AppDelegate::preload() {
         });
 }
 
-void AppDelegate::startLater() {
-    const auto later = [this](Duration delay, Work work) {
-        delayed_.push_back(machine_.queue.after(delay, std::move(work)));
-    };
-    later(untilOverlayIsPrepared, [this] { windows_->prepareOverlay(); });
-    later(untilRecovery, [this] { reportTroubles(); });
-    later(untilLawCheck, [this] { legalUpdates_->checkIfDue(); });
+void AppDelegate::later(Duration delay, Work work) {
+    delayed_.push_back(machine_.queue.after(delay, std::move(work)));
 }
 
 void AppDelegate::reportTroubles() {

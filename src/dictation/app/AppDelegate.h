@@ -43,7 +43,8 @@ private:
 
     void makeStatusItem();
     void preload();
-    void startLater();
+    void startListening();
+    void later(Duration delay, Work work);
     void reportTroubles();
     std::vector<SetupFinding> findings();
 

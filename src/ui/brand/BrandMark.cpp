@@ -1,11 +1,11 @@
 #include "ui/brand/BrandMark.h"
 
 #include "ui/brand/Brand.h"
+#include "ui/brand/DrawnIcon.h"
 
 #include <cmath>
 #include <numbers>
 
-#include <QFontDatabase>
 #include <QLinearGradient>
 #include <QPainter>
 
@@ -24,18 +24,22 @@ QImage empty(double width, double height, qreal devicePixelRatio = 1) {
     return image;
 }
 
-/// The sign as a path, its ink centred on the point.
-QPainterPath sectionSign(QPointF centre, double size) {
-    auto font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    font.setPixelSize(100);
-    font.setWeight(QFont::DemiBold);
-    QPainterPath sign;
-    sign.addText(0, 0, font, QStringLiteral("§"));
-    QTransform place;
-    place.translate(centre.x(), centre.y());
-    place.scale(size / 100, size / 100);
-    place.translate(-sign.boundingRect().center().x(), -sign.boundingRect().center().y());
-    return place.map(sign);
+/// Two bows, each the other turned round, in strokes of a semibold letter of 100. Drawn, not written: so it
+/// is the same on every desktop, and the first picture in the tray needs no fonts.
+void drawSectionSign(QPainter& painter, QPointF centre, double size, const QColor& color) {
+    QPainterPath bow;
+    bow.moveTo(17.5, -32.5);
+    bow.cubicTo(12.5, -35, 6, -36.3, 0, -36.3);
+    bow.cubicTo(-11.5, -36.3, -17.5, -31.5, -17.5, -25.5);
+    bow.cubicTo(-17.5, -12.5, 19, -12.5, 19, 4.5);
+    bow.cubicTo(19, 10.5, 15, 15, 9, 17);
+    auto sign = bow;
+    sign.addPath(QTransform().rotate(180).map(bow));
+    painter.save();
+    painter.translate(centre);
+    painter.scale(size / 100, size / 100);
+    painter.strokePath(sign, QPen(color, 11.5, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin));
+    painter.restore();
 }
 
 } // namespace
@@ -68,7 +72,7 @@ void draw(QPainter& painter, const QRectF& rect, const QColor& color, SectionSig
     painter.strokePath(stand, QPen(color, 0.075 * width, Qt::SolidLine, Qt::RoundCap));
 
     if (sign == SectionSign::with) {
-        painter.fillPath(sectionSign(at(0.775 * width, 0.47 * height), 0.54 * height), color);
+        drawSectionSign(painter, at(0.775 * width, 0.47 * height), 0.54 * height, color);
     }
     painter.restore();
 }
@@ -127,10 +131,6 @@ QImage glyphImage(int pixelSize, const QColor& color) {
     return image;
 }
 
-QIcon windowIcon() {
-    QIcon icon;
-    for (const int size : {16, 24, 32, 48, 64, 128}) icon.addPixmap(QPixmap::fromImage(appIcon(size)));
-    return icon;
-}
+QIcon windowIcon() { return drawnIcon(appIcon); }
 
 } // namespace querlin::BrandMark

@@ -32,7 +32,7 @@ QImage appIcon(int pixelSize);
 /// The mark with the section sign, filling the image.
 QImage glyphImage(int pixelSize, const QColor& color);
 
-/// The icon in all the sizes that desktops ask for.
+/// The icon in whichever size is asked for.
 QIcon windowIcon();
 
 } // namespace querlin::BrandMark
