@@ -8,8 +8,7 @@
 namespace querlin {
 
 /// Writes down as SVG what is painted on it: filled and stroked paths, in plain colours and linear gradients.
-/// Letters come as paths, so that whoever shows the picture needs no font. Anything else ends in
-/// `isFaithful`.
+/// Anything else ends in `isFaithful`.
 class SvgDevice final : public QPaintDevice {
 public:
     /// A square picture.

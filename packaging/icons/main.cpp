@@ -8,8 +8,6 @@
 #include <iostream>
 
 #include <QDir>
-#include <QFontDatabase>
-#include <QFontMetrics>
 #include <QGuiApplication>
 #include <QPainter>
 #include <QSaveFile>
@@ -19,10 +17,6 @@ namespace {
 
 constexpr std::array sizes = {16, 22, 24, 32, 48, 64, 96, 128, 256, 512};
 constexpr int scalableSize = 512;
-
-bool hasSectionSign() {
-    return QFontMetrics(QFontDatabase::systemFont(QFontDatabase::GeneralFont)).inFont(QChar(u'§'));
-}
 
 bool write(const QString& path, const QByteArray& content) {
     QSaveFile file(path);
@@ -48,7 +42,6 @@ int fail(const char* reason) {
 }
 
 int run(const QDir& folder, const QString& name) {
-    if (!hasSectionSign()) return fail("Hier ist keine Schrift mit einem Paragraphenzeichen.");
     for (const int size : sizes) {
         const auto path =
             folder.filePath(QStringLiteral("%1x%1/apps/%2.png").arg(QString::number(size), name));

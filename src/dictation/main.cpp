@@ -31,8 +31,7 @@ constexpr auto attentionsWait = std::chrono::seconds(3);
 
 /// The toolkit would end the process with a crash.
 bool hasDisplay() {
-    if (std::getenv("QT_QPA_PLATFORM") || XcbConnection::open({}))
-        return true; // NOLINT(concurrency-mt-unsafe)
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || XcbConnection::open({})) return true;
     fmt::print(stderr, "{} braucht eine grafische Sitzung (X11 oder XWayland); es ist keine zu erreichen.\n",
                Product::name);
     return false;

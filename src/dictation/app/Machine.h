@@ -35,7 +35,7 @@ struct Machine {
     Machine(const ApplicationPaths& paths, const Installation& own);
 
     Runtime runtime() { return {.mainQueue = queue, .clock = clock, .background = pool}; }
-    bool hasMicrophone() { return devices.systemDefaultInput().has_value(); }
+    bool hasMicrophone() const { return devices.systemDefaultInput().has_value(); }
     bool canRecognise();
 
     QtMainQueue queue;

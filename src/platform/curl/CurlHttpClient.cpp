@@ -291,7 +291,10 @@ void CurlHttpClient::Worker::serve() {
     blockBrokenPipeSignal();
     curl_ = CurlLibrary::get();
     auto* const multi = curl_ ? curl_->multiInit() : nullptr;
-    if (!multi) return this->refuseOrders();
+    if (!multi) {
+        refuseOrders();
+        return;
+    }
     const auto publish = [this](CURLM* handle) {
         const std::scoped_lock guard(mutex_);
         multi_ = handle;

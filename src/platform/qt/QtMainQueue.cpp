@@ -27,7 +27,7 @@ int inMilliseconds(Duration delay) {
 class QtMainQueue::Receiver final : public QObject {
 protected:
     void customEvent(QEvent* event) override {
-        std::exchange(static_cast<WorkEvent*>(event)->work, nullptr)();
+        std::exchange(dynamic_cast<WorkEvent&>(*event).work, nullptr)();
     }
 };
 
@@ -35,11 +35,12 @@ QtMainQueue::QtMainQueue() : receiver_(std::make_unique<Receiver>()) {}
 QtMainQueue::~QtMainQueue() = default;
 
 void QtMainQueue::post(Work work) {
-    QCoreApplication::postEvent(receiver_.get(), new WorkEvent(std::move(work))); // The loop deletes it.
+    auto event = std::make_unique<WorkEvent>(std::move(work));
+    QCoreApplication::postEvent(receiver_.get(), event.release()); // The loop deletes it.
 }
 
 Registration QtMainQueue::after(Duration delay, Work work) {
-    QPointer<QTimer> timer = new QTimer(receiver_.get());
+    const QPointer<QTimer> timer = new QTimer(receiver_.get()); // NOLINT(*-owning-memory): its parent's
     timer->setSingleShot(true);
     timer->setTimerType(Qt::PreciseTimer);
     const auto waiting = std::make_shared<Work>(std::move(work));

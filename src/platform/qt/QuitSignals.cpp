@@ -17,7 +17,7 @@ namespace {
 constexpr std::array quitSignals = {SIGTERM, SIGINT, SIGHUP};
 
 /// The handler can reach nothing else.
-int arrived = -1;
+int arrived = -1; // NOLINT(*-avoid-non-const-global-variables)
 
 void tell(int /*signal*/) {
     const std::uint64_t one = 1;
@@ -41,7 +41,9 @@ QuitSignals::QuitSignals() {
 }
 
 QuitSignals::~QuitSignals() {
-    for (const int signal : quitSignals) ::signal(signal, SIG_IGN); // The end is under way already.
+    struct sigaction action{};
+    action.sa_handler = SIG_IGN; // The end is under way already.
+    for (const int signal : quitSignals) ::sigaction(signal, &action, nullptr);
     notifier_.reset();
     ::close(std::exchange(arrived, -1));
 }

@@ -28,18 +28,16 @@ QImage empty(double width, double height, qreal devicePixelRatio = 1) {
 /// is the same on every desktop, and the first picture in the tray needs no fonts.
 void drawSectionSign(QPainter& painter, QPointF centre, double size, const QColor& color) {
     QPainterPath bow;
-    bow.moveTo(17.5, -32.5);
-    bow.cubicTo(12.5, -35, 6, -36.3, 0, -36.3);
+    bow.moveTo(14.5, -33.5);
+    bow.cubicTo(10, -35.5, 5, -36.3, 0, -36.3);
     bow.cubicTo(-11.5, -36.3, -17.5, -31.5, -17.5, -25.5);
     bow.cubicTo(-17.5, -12.5, 19, -12.5, 19, 4.5);
     bow.cubicTo(19, 10.5, 15, 15, 9, 17);
     auto sign = bow;
     sign.addPath(QTransform().rotate(180).map(bow));
-    painter.save();
-    painter.translate(centre);
-    painter.scale(size / 100, size / 100);
-    painter.strokePath(sign, QPen(color, 11.5, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin));
-    painter.restore();
+    const double scale = size / 100;
+    const auto place = QTransform::fromTranslate(centre.x(), centre.y()).scale(scale, scale);
+    painter.strokePath(place.map(sign), QPen(color, 11.5 * scale, Qt::SolidLine, Qt::RoundCap));
 }
 
 } // namespace
@@ -56,8 +54,8 @@ void draw(QPainter& painter, const QRectF& rect, const QColor& color, SectionSig
     const double capsule = 0.225 * width;
     QPainterPath body;
     body.addRoundedRect(
-        QRectF(at(cx - capsule / 2, (0.455 + 0.445) * height), QSizeF(capsule, 0.445 * height)), capsule / 2,
-        capsule / 2);
+        QRectF(at(cx - (capsule / 2), (0.455 + 0.445) * height), QSizeF(capsule, 0.445 * height)),
+        capsule / 2, capsule / 2);
     painter.fillPath(body, color);
 
     QPainterPath stand;
@@ -67,8 +65,8 @@ void draw(QPainter& painter, const QRectF& rect, const QColor& color, SectionSig
     stand.arcTo(QRectF(bow - QPointF(radius, radius), QSizeF(2 * radius, 2 * radius)), 180, 180);
     stand.moveTo(at(cx, 0.36 * height));
     stand.lineTo(at(cx, 0.135 * height));
-    stand.moveTo(at(cx - 0.115 * width, 0.135 * height));
-    stand.lineTo(at(cx + 0.115 * width, 0.135 * height));
+    stand.moveTo(at(cx - (0.115 * width), 0.135 * height));
+    stand.lineTo(at(cx + (0.115 * width), 0.135 * height));
     painter.strokePath(stand, QPen(color, 0.075 * width, Qt::SolidLine, Qt::RoundCap));
 
     if (sign == SectionSign::with) {

@@ -238,7 +238,7 @@ constexpr auto symbolNames = [] {
 std::span<const std::string_view> names() { return symbolNames; }
 
 void draw(QPainter& painter, std::string_view name, const QRectF& rect, const QColor& color) {
-    const auto row = std::ranges::find(symbols, name, &Row::name);
+    const auto* const row = std::ranges::find(symbols, name, &Row::name);
     if (row == symbols.end()) return;
     const auto shape = row->make();
     const double scale = std::min(rect.width(), rect.height()) / grid;

@@ -92,7 +92,7 @@ void SearchPane::showResults() {
 
 bool SearchPane::eventFilter(QObject* watched, QEvent* event) {
     const auto* key = event->type() == QEvent::KeyPress ? dynamic_cast<const QKeyEvent*>(event) : nullptr;
-    return (watched == field_ && key && takeKey(*key)) || QWidget::eventFilter(watched, event);
+    return (watched == field_ && key != nullptr && takeKey(*key)) || QWidget::eventFilter(watched, event);
 }
 
 bool SearchPane::takeKey(const QKeyEvent& key) {

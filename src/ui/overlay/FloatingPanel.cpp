@@ -93,7 +93,7 @@ void FloatingPanel::place() {
     layout()->activate();
     const auto wish = content_->sizeHint();
     const int height = content_->hasHeightForWidth() ? content_->heightForWidth(wish.width()) : wish.height();
-    const QRect shape(screenArea_.center().x() + 1 - wish.width() / 2,
+    const QRect shape(screenArea_.center().x() + 1 - (wish.width() / 2),
                       screenArea_.bottom() + 1 - OverlayMetrics::bottomInset - height, wish.width(), height);
     setGeometry(shape.adjusted(-margin_, -margin_, margin_, margin_));
     if (margin_ > 0) {

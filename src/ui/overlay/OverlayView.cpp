@@ -45,7 +45,7 @@ int widthOfTime(const QFontMetrics& metrics, const QString& time) {
     for (const QChar figure : QStringLiteral("0123456789"))
         digit = std::max(digit, metrics.horizontalAdvance(figure));
     const auto digits = std::ranges::count_if(time, [](QChar sign) { return sign.isDigit(); });
-    return static_cast<int>(digits) * digit + metrics.horizontalAdvance(QLatin1Char(':')) + 1;
+    return (static_cast<int>(digits) * digit) + metrics.horizontalAdvance(QLatin1Char(':')) + 1;
 }
 
 } // namespace

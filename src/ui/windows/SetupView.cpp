@@ -47,7 +47,7 @@ QWidget* makeRow(const SetupFinding& finding, qreal ratio) {
 } // namespace
 
 SetupView::SetupView(std::function<std::vector<SetupFinding>()> look, std::function<void()> onFinish) :
-    look_(std::move(look)) {
+    look_(std::move(look)), rows_(new QVBoxLayout) {
     auto* stack = new QVBoxLayout(this);
     stack->setContentsMargins(48, 40, 48, Brand::Spacing::section);
     stack->setSpacing(Brand::Spacing::normal);
@@ -62,7 +62,6 @@ SetupView::SetupView(std::function<std::vector<SetupFinding>()> look, std::funct
     words->setAlignment(Qt::AlignHCenter);
     stack->addWidget(words);
     stack->addSpacing(Brand::Spacing::tight);
-    rows_ = new QVBoxLayout;
     rows_->setSpacing(Brand::Spacing::normal);
     stack->addLayout(rows_);
     stack->addStretch();

@@ -28,7 +28,7 @@ private:
 
     std::function<std::vector<SetupFinding>()> look_;
     std::vector<SetupFinding> findings_;
-    QVBoxLayout* rows_ = nullptr;
+    QVBoxLayout* rows_;
     QTimer timer_;
 };
 
