@@ -17,7 +17,7 @@ namespace querlin {
 
 namespace {
 
-constexpr int windowWidth = 320;
+constexpr int columnWidth = 296;
 
 QWidget* makeHead(const std::string& status, const std::string& hotkey, const std::string& symbol,
                   qreal ratio) {
@@ -54,7 +54,6 @@ QWidget* makeSeparator() {
 CommandWindow::CommandWindow(std::function<void(MenuCommand)> perform) : perform_(std::move(perform)) {
     setWindowTitle(Brand::text(Brand::productName));
     setWindowIcon(BrandMark::windowIcon());
-    setFixedWidth(windowWidth);
     auto* outer = new QVBoxLayout(this);
     outer->setContentsMargins(12, 14, 12, 12);
     outer->setSizeConstraint(QLayout::SetFixedSize);
@@ -83,16 +82,21 @@ void CommandWindow::closeEvent(QCloseEvent* /*event*/) {
 
 void CommandWindow::present() {
     isWished_ = true;
-    if (!isVisible()) centre(*this);
+    if (!isVisible()) centreInFull();
     setAttribute(Qt::WA_ShowWithoutActivating, false);
     bringToFront(*this);
 }
 
 void CommandWindow::offer() {
     if (isVisible()) return;
-    centre(*this);
+    centreInFull();
     setAttribute(Qt::WA_ShowWithoutActivating);
     show();
+}
+
+void CommandWindow::centreInFull() {
+    adjustSize(); // Until it is shown it doesn't know its size.
+    centre(*this);
 }
 
 void CommandWindow::withdraw() {
@@ -104,6 +108,7 @@ void CommandWindow::rebuild() {
     keepFocus();
     auto* former = std::exchange(column_, new QWidget);
     buttons_.clear();
+    column_->setFixedWidth(columnWidth);
     stack_ = new QVBoxLayout(column_);
     stack_->setContentsMargins(0, 0, 0, 0);
     stack_->setSpacing(2);
@@ -154,10 +159,10 @@ void CommandWindow::addButton(const MenuEntry& entry) {
     button->setAccessibleName(title);
     button->setFlat(true);
     button->setEnabled(entry.isEnabled);
-    button->setStyleSheet(
-        QStringLiteral("QPushButton { text-align: left; padding: 5px 8px; border: none; border-radius: 5px; }"
-                       "QPushButton:hover, QPushButton:focus { background: %1; }")
-            .arg(Brand::withOpacity(Brand::primary, 0.16).name(QColor::HexArgb)));
+    button->setStyleSheet(QStringLiteral("QPushButton { text-align: left; padding: 5px 8px; border: none; "
+                                         "border-radius: 5px; outline: none; }"
+                                         "QPushButton:hover, QPushButton:focus { background: %1; }")
+                              .arg(Brand::withOpacity(Brand::primary, 0.16).name(QColor::HexArgb)));
     if (entry.key != 0) button->setShortcut(MenuText::shortcut(entry.key));
     connect(button, &QPushButton::clicked, this, [this, command = entry.command] { perform_(command); });
     stack_->addWidget(button);

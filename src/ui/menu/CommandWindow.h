@@ -37,6 +37,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    void centreInFull();
     void rebuild();
     void keepFocus();
     void giveFocus();
