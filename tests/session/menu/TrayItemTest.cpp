@@ -1,13 +1,8 @@
 // The item over a scripted controller, in real trays: what they show of it, and what they do to it.
 
-#include "ui/menu/StatusItemController.h"
-
 #include "platform/qt/QtMainQueue.h"
 #include "support/Desktop.h"
-#include "support/DictationWorld.h"
-#include "support/FakePortal.h"
-#include "support/QtApplication.h"
-#include "ui/brand/Brand.h"
+#include "support/MenuWorld.h"
 
 #include <QScreen>
 #include <fmt/format.h>
@@ -15,36 +10,13 @@
 namespace querlin {
 namespace {
 
-class NoFocusReturn final : public FocusReturn {
-public:
-    Task<bool> giveBack() override { co_return false; }
-};
-
-class TrayItemTest : public ::testing::Test {
+class TrayItemTest : public ::testing::Test, protected MenuWorld {
 protected:
     void SetUp() override {
         if (!isInVirtualDesktop()) GTEST_SKIP() << "needs tools/virtual-desktop";
-        qtApplication();
-        queue.emplace();
-        windows.setController(&world.controller);
     }
-    void TearDown() override {
-        item.reset();
-        windows.setController(nullptr);
-    }
-    void makeItem() {
-        item = std::make_unique<StatusItemController>(
-            StatusItemSources{.runtime = {.mainQueue = *queue, .clock = world.time, .background = world.time},
-                              .controller = world.controller,
-                              .settings = world.settings,
-                              .windows = windows,
-                              .legalUpdates = updates,
-                              .permissions = world.permissions,
-                              .inserter = world.inserter,
-                              .focusReturn = focusReturn,
-                              .logFile = world.folder.path() / "Querlin.log",
-                              .quit = [this] { ++quits; }});
-    }
+    ~TrayItemTest() override { item.reset(); } // Before its queue.
+    void makeItem() { MenuWorld::makeItem(queue); }
 
     static bool until(const std::function<bool()>& reached, Duration longest = seconds(10)) {
         return eventually(
@@ -104,14 +76,11 @@ protected:
         return shell(
             fmt::format("echo \"{}\" | grep -o \"([0-9]*, {{[^}}]*'{}'\" | sed 's/^(\\([0-9]*\\).*/\\1/' | tail -n 1", layout(), entry));
     }
-    static void choose(const std::string& id) { menuCall(fmt::format("Event -- {} clicked '<0>' 0", id)); }
-
-    static QWidget* shown(const std::string& title) {
-        for (auto* window : QApplication::topLevelWidgets()) {
-            if (window->isVisible() && window->windowTitle() == Brand::text(title)) return window;
-        }
-        return nullptr;
+    static void choose(const std::string& id) {
+        EXPECT_EQ(menuCall(fmt::format("Event -- {} clicked '<0>' 0", id)), "()");
+        QCoreApplication::processEvents(); // The toolkit answers before it acts.
     }
+
     static QMenu* openMenu() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
     static bool has(const QMenu& menu, const std::string& title) {
         return std::ranges::any_of(menu.actions(), [&](const auto* action) { return action->text() == Brand::text(title); });
@@ -120,22 +89,7 @@ protected:
         return QGuiApplication::primaryScreen()->grabWindow(0, part.x(), part.y(), part.width(), part.height()).toImage();
     }
 
-    DictationWorld world;
-    FakePortal portal{world.time};
-    LegalCorpusStore laws{world.folder.path() / "Gesetze", world.folder.path()};
-    LegalCorpus corpus{laws, world.time};
-    LegalUpdateService updates{world.settings, laws, corpus, portal, world.time.runtime()};
-    NoFocusReturn focusReturn;
-    WindowCoordinator windows{{.runtime = world.time.runtime(),
-                               .settings = world.settings,
-                               .statistics = world.statistics,
-                               .legalUpdates = updates,
-                               .corpus = corpus,
-                               .focusReturn = focusReturn,
-                               .findings = [] { return std::vector<SetupFinding>{}; }}};
-    std::optional<QtMainQueue> queue;
-    int quits = 0;
-    std::unique_ptr<StatusItemController> item;
+    QtMainQueue queue;
 };
 
 class SystemTrayTest : public TrayItemTest {
@@ -192,38 +146,38 @@ TEST_F(SystemTrayTest, a_menu_that_is_open_stays_and_follows_the_dictation) {
 /// Without looking again and again: what changes is told.
 TEST_F(SystemTrayTest, trays_come_and_go) {
     makeItem();
-    EXPECT_TRUE(until([] { return shown("Querlin") != nullptr; })) << "nobody shows the icon";
-    EXPECT_FALSE(shown("Querlin")->isActiveWindow());
+    EXPECT_TRUE(until([] { return windowNamed("Querlin") != nullptr; })) << "nobody shows the icon";
+    EXPECT_FALSE(windowNamed("Querlin")->isActiveWindow());
     world.press(); // The icon comes in the middle of a dictation.
     auto tray = startTrayer();
     EXPECT_TRUE(isEmbedded());
-    EXPECT_TRUE(until([] { return !shown("Querlin"); }));
+    EXPECT_TRUE(until([] { return !windowNamed("Querlin"); }));
 
     tray->signal(SIGKILL);
     EXPECT_TRUE(until([] { return embedded().empty(); }));
     tray = startTrayer("bottom");
     EXPECT_TRUE(isEmbedded()) << "a tray that has been started anew";
-    EXPECT_EQ(shown("Querlin"), nullptr) << "it has been quick enough";
+    EXPECT_EQ(windowNamed("Querlin"), nullptr) << "it has been quick enough";
 
     item->present();
     tray.reset();
     EXPECT_TRUE(until([] { return embedded().empty(); }));
     tray = startTrayer();
     EXPECT_TRUE(isEmbedded());
-    EXPECT_NE(shown("Querlin"), nullptr) << "the user has wished for it";
-    shown("Querlin")->close();
+    EXPECT_NE(windowNamed("Querlin"), nullptr) << "the user has wished for it";
+    windowNamed("Querlin")->close();
     QCoreApplication::processEvents();
-    EXPECT_EQ(shown("Querlin"), nullptr) << "with a tray it may go";
+    EXPECT_EQ(windowNamed("Querlin"), nullptr) << "with a tray it may go";
 }
 
 TEST_F(SystemTrayTest, a_window_that_is_closed_without_a_tray_becomes_small) {
     makeItem();
     item->present();
-    ASSERT_TRUE(until([] { return shown("Querlin") && shown("Querlin")->isActiveWindow(); }));
+    ASSERT_TRUE(until([] { return windowNamed("Querlin") && windowNamed("Querlin")->isActiveWindow(); }));
     shell("xdotool key alt+F4");
-    ASSERT_TRUE(until([] { return shown("Querlin") && shown("Querlin")->isMinimized(); }));
+    ASSERT_TRUE(until([] { return windowNamed("Querlin") && windowNamed("Querlin")->isMinimized(); }));
     item->present();
-    EXPECT_TRUE(until([] { return shown("Querlin")->isActiveWindow(); }));
+    EXPECT_TRUE(until([] { return windowNamed("Querlin")->isActiveWindow(); }));
 }
 
 class PanelTest : public TrayItemTest {
@@ -283,7 +237,7 @@ TEST_F(PanelTest, a_panel_that_dies_gets_icon_and_menu_again) {
     ASSERT_TRUE(isOnBus());
     choose(idOf("Querlin beenden"));
     EXPECT_EQ(quits, 1);
-    EXPECT_EQ(shown("Querlin"), nullptr);
+    EXPECT_EQ(windowNamed("Querlin"), nullptr);
 }
 
 } // namespace

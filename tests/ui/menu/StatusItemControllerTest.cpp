@@ -1,63 +1,16 @@
-#include "ui/menu/StatusItemController.h"
-
-#include "foundation/Waiting.h"
-#include "support/DictationWorld.h"
-#include "support/FakePortal.h"
-#include "support/QtApplication.h"
-#include "ui/brand/Brand.h"
+#include "support/MenuWorld.h"
 
 #include <QPushButton>
 
 namespace querlin {
 namespace {
 
-/// Takes its time, as a window manager does.
-class SlowFocusReturn final : public FocusReturn {
-public:
-    explicit SlowFocusReturn(MainQueue& queue) : queue_(queue) {}
-    Task<bool> giveBack() override {
-        ++wishes;
-        co_await sleepFor(queue_, seconds(0.1));
-        co_return true;
-    }
-    int wishes = 0;
-
-private:
-    MainQueue& queue_;
-};
-
 /// The commands without a tray, in memory, over a controller on virtual time.
-class StatusItemControllerTest : public ::testing::Test {
+class StatusItemControllerTest : public ::testing::Test, protected MenuWorld {
 protected:
-    StatusItemControllerTest() {
-        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent"); // Nobody's panel.
-        qtApplication();
-        windows.setController(&world.controller);
-        make();
-    }
-    ~StatusItemControllerTest() override {
-        item.reset();
-        windows.setController(nullptr);
-    }
-    void make() {
-        item = std::make_unique<StatusItemController>(StatusItemSources{.runtime = world.time.runtime(),
-                                                                        .controller = world.controller,
-                                                                        .settings = world.settings,
-                                                                        .windows = windows,
-                                                                        .legalUpdates = updates,
-                                                                        .permissions = world.permissions,
-                                                                        .inserter = world.inserter,
-                                                                        .focusReturn = focusReturn,
-                                                                        .logFile = world.folder.path() / "Querlin.log",
-                                                                        .quit = [this] { ++quits; }});
-    }
+    StatusItemControllerTest() { makeItem(world.time); }
 
-    static QWidget* window(const std::string& title = "Querlin") {
-        for (auto* found : QApplication::topLevelWidgets()) {
-            if (found->isVisible() && found->windowTitle() == Brand::text(title)) return found;
-        }
-        return nullptr;
-    }
+    static QWidget* window() { return windowNamed("Querlin"); }
     static QPushButton* button(const std::string& name) {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         for (auto* found : window()->findChildren<QPushButton*>()) {
@@ -70,22 +23,6 @@ protected:
         for (int turn = 0; turn < 100 && !window()->isActiveWindow(); ++turn) QCoreApplication::processEvents();
         ASSERT_TRUE(window()->isActiveWindow());
     }
-
-    DictationWorld world;
-    FakePortal portal{world.time};
-    LegalCorpusStore laws{world.folder.path() / "Gesetze", world.folder.path()};
-    LegalCorpus corpus{laws, world.time};
-    LegalUpdateService updates{world.settings, laws, corpus, portal, world.time.runtime()};
-    SlowFocusReturn focusReturn{world.time};
-    WindowCoordinator windows{{.runtime = world.time.runtime(),
-                               .settings = world.settings,
-                               .statistics = world.statistics,
-                               .legalUpdates = updates,
-                               .corpus = corpus,
-                               .focusReturn = focusReturn,
-                               .findings = [] { return std::vector<SetupFinding>{}; }}};
-    int quits = 0;
-    std::unique_ptr<StatusItemController> item;
 };
 
 TEST_F(StatusItemControllerTest, without_a_tray_the_commands_come_in_a_window_after_three_seconds) {
@@ -175,11 +112,11 @@ TEST_F(StatusItemControllerTest, each_command_leads_somewhere) {
     for (const auto& [command, title] : rows) {
         ASSERT_NE(button(command), nullptr) << command;
         button(command)->click();
-        EXPECT_NE(window(title), nullptr) << command;
-        if (auto* opened = window(title)) opened->close();
+        EXPECT_NE(windowNamed(title), nullptr) << command;
+        if (auto* opened = windowNamed(title)) opened->close();
     }
     button("Gesetzesstände aktualisieren…")->click();
-    EXPECT_NE(window("Querlin – Einstellungen"), nullptr);
+    EXPECT_NE(windowNamed("Querlin – Einstellungen"), nullptr);
     world.wait(seconds(1));
     EXPECT_FALSE(std::holds_alternative<LegalUpdateStage::Idle>(updates.stage.get()));
     button("Querlin beenden")->click();

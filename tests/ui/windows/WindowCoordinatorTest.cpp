@@ -1,9 +1,6 @@
 #include "ui/windows/WindowCoordinator.h"
 
-#include "support/DictationWorld.h"
-#include "support/FakePortal.h"
-#include "support/QtApplication.h"
-#include "ui/brand/Brand.h"
+#include "support/WindowsWorld.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -11,33 +8,17 @@
 namespace querlin {
 namespace {
 
-class NoFocusReturn final : public FocusReturn {
-public:
-    Task<bool> giveBack() override { co_return false; }
-};
-
-/// All windows and panels, over a controller on virtual time.
-class WindowCoordinatorTest : public ::testing::Test {
+class WindowCoordinatorTest : public ::testing::Test, protected WindowsWorld {
 protected:
-    WindowCoordinatorTest() { windows.setController(&world.controller); }
-    ~WindowCoordinatorTest() override { windows.setController(nullptr); }
-
-    static std::vector<QWidget*> shown(const std::string& title) {
-        std::vector<QWidget*> found;
-        for (auto* window : QApplication::topLevelWidgets()) {
-            if (window->isVisible() && window->windowTitle() == Brand::text(title)) found.push_back(window);
-        }
-        return found;
-    }
     static std::vector<std::string> suggested() {
         std::vector<std::string> words;
-        for (const auto* panel : shown("Querlin Vorschlag")) {
+        for (const auto* panel : windowsNamed("Querlin Vorschlag")) {
             for (const auto* label : panel->findChildren<QLabel*>()) words.push_back(Brand::utf8(label->text()));
         }
         return words;
     }
     static void press(const std::string& button) {
-        for (const auto* panel : shown("Querlin Vorschlag")) {
+        for (const auto* panel : windowsNamed("Querlin Vorschlag")) {
             for (auto* child : panel->findChildren<QPushButton*>()) {
                 if (child->text() == Brand::text(button)) child->click();
             }
@@ -46,22 +27,6 @@ protected:
     static CorrectionSuggestion suggestion(std::string recognized, std::string corrected) {
         return {.id = "1", .recognized = std::move(recognized), .corrected = std::move(corrected), .appName = "Notizen"};
     }
-
-    QApplication& application = qtApplication(); // Before all windows.
-    DictationWorld world;
-    FakePortal portal{world.time};
-    LegalCorpusStore laws{world.folder.path() / "Gesetze", world.folder.path()};
-    LegalCorpus corpus{laws, world.time};
-    LegalUpdateService updates{world.settings, laws, corpus, portal, world.time.runtime()};
-    NoFocusReturn focusReturn;
-    std::vector<SetupFinding> findings = {{.name = "Mikrofon", .state = "da", .isFine = true}};
-    WindowCoordinator windows{{.runtime = world.time.runtime(),
-                               .settings = world.settings,
-                               .statistics = world.statistics,
-                               .legalUpdates = updates,
-                               .corpus = corpus,
-                               .focusReturn = focusReturn,
-                               .findings = [this] { return findings; }}};
 };
 
 TEST_F(WindowCoordinatorTest, there_is_one_window_of_each_kind_and_it_comes_back_as_it_was) {
@@ -80,41 +45,41 @@ TEST_F(WindowCoordinatorTest, there_is_one_window_of_each_kind_and_it_comes_back
     };
     for (const auto& [title, show, size] : rows) {
         show();
-        const auto first = shown(title);
+        const auto first = windowsNamed(title);
         ASSERT_EQ(first.size(), 1U) << title;
         EXPECT_EQ(first[0]->size(), size) << title;
         show();
-        EXPECT_EQ(shown(title), first) << title << ": a second call brings it forward";
+        EXPECT_EQ(windowsNamed(title), first) << title << ": a second call brings it forward";
         first[0]->close();
-        EXPECT_TRUE(shown(title).empty());
+        EXPECT_TRUE(windowsNamed(title).empty());
         show();
-        EXPECT_EQ(shown(title), first) << title << ": the same window";
+        EXPECT_EQ(windowsNamed(title), first) << title << ": the same window";
         first[0]->close();
     }
 }
 
 TEST_F(WindowCoordinatorTest, the_end_of_the_setup_tries_the_key_again) {
     windows.showOnboarding();
-    auto* window = shown("Querlin einrichten").at(0);
+    auto* window = windowsNamed("Querlin einrichten").at(0);
     world.keyboard.canTap = false;
     world.controller.installHotkey();
     world.keyboard.canTap = true;
     window->findChild<QPushButton*>()->click();
     EXPECT_TRUE(world.settings.hasCompletedOnboarding.get());
     EXPECT_FALSE(world.controller.hotkeyBlocked().get());
-    EXPECT_TRUE(shown("Querlin einrichten").empty());
+    EXPECT_TRUE(windowsNamed("Querlin einrichten").empty());
     windows.showOnboarding();
-    EXPECT_NE(shown("Querlin einrichten").at(0), window) << "a new one";
+    EXPECT_NE(windowsNamed("Querlin einrichten").at(0), window) << "a new one";
 }
 
 TEST_F(WindowCoordinatorTest, the_overlay_comes_and_goes_with_a_dictation) {
     windows.showOverlay();
-    ASSERT_EQ(shown("Querlin Overlay").size(), 1U);
+    ASSERT_EQ(windowsNamed("Querlin Overlay").size(), 1U);
     windows.hideOverlay();
-    EXPECT_TRUE(shown("Querlin Overlay").empty());
+    EXPECT_TRUE(windowsNamed("Querlin Overlay").empty());
     windows.setController(nullptr);
     windows.showOverlay();
-    EXPECT_TRUE(shown("Querlin Overlay").empty()) << "with nothing to show";
+    EXPECT_TRUE(windowsNamed("Querlin Overlay").empty()) << "with nothing to show";
 }
 
 TEST_F(WindowCoordinatorTest, a_notice_stays_thirty_seconds) {
