@@ -9,7 +9,7 @@ ThreadPool::ThreadPool(unsigned threadCount) {
     for (unsigned i = 0; i < std::max(threadCount, 1U); ++i) threads_.emplace_back([this] { serve(); });
 }
 
-ThreadPool::~ThreadPool() {
+void ThreadPool::finish() {
     std::deque<Work> dropped;
     {
         const std::scoped_lock guard(mutex_);

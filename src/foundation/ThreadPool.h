@@ -10,16 +10,19 @@
 
 namespace querlin {
 
-/// A few threads for background work. On destruction work that has not begun is dropped, and work
-/// that runs is waited for.
+/// A few threads for background work.
 class ThreadPool final : public Executor {
 public:
     explicit ThreadPool(unsigned threadCount);
-    ~ThreadPool() override;
+    ~ThreadPool() override { finish(); }
     ThreadPool(const ThreadPool&) = delete;
     ThreadPool& operator=(const ThreadPool&) = delete;
 
     void run(Work work) override;
+
+    /// Drops work that has not begun, waits for work that runs, and takes none from here on. Called by the
+    /// destructor, and before that by whoever is used by such work and goes earlier.
+    void finish();
 
 private:
     void serve();

@@ -124,6 +124,7 @@ AppDelegate::AppDelegate(Machine& machine, Places places, std::function<void()> 
     }) {}
 
 AppDelegate::~AppDelegate() {
+    machine_.pool.finish(); // What runs there uses what goes now.
     if (windows_) windows_->setController(nullptr);
 }
 
