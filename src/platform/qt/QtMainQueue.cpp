@@ -1,7 +1,9 @@
 #include "platform/qt/QtMainQueue.h"
 
 #include <algorithm>
+#include <deque>
 #include <limits>
+#include <mutex>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -12,11 +14,6 @@ namespace querlin {
 
 namespace {
 
-struct WorkEvent final : QEvent {
-    explicit WorkEvent(Work posted) : QEvent(QEvent::User), work(std::move(posted)) {}
-    Work work;
-};
-
 int inMilliseconds(Duration delay) {
     const auto count = std::chrono::ceil<std::chrono::milliseconds>(delay).count();
     return static_cast<int>(std::clamp<std::int64_t>(count, 0, std::numeric_limits<int>::max()));
@@ -24,20 +21,39 @@ int inMilliseconds(Duration delay) {
 
 } // namespace
 
+/// An event says that there is work, and the work lies under a lock of our own: so its way from thread to
+/// thread can be followed by tools that don't know the toolkit's.
 class QtMainQueue::Receiver final : public QObject {
-protected:
-    void customEvent(QEvent* event) override {
-        std::exchange(dynamic_cast<WorkEvent&>(*event).work, nullptr)();
+public:
+    void post(Work work) {
+        {
+            const std::scoped_lock guard(lock_);
+            posted_.push_back(std::move(work));
+        }
+        auto event = std::make_unique<QEvent>(QEvent::User);
+        QCoreApplication::postEvent(this, event.release()); // The loop deletes it.
     }
+
+protected:
+    void customEvent(QEvent* /*event*/) override {
+        Work work;
+        {
+            const std::scoped_lock guard(lock_);
+            work = std::move(posted_.front());
+            posted_.pop_front();
+        }
+        work();
+    }
+
+private:
+    std::mutex lock_;
+    std::deque<Work> posted_;
 };
 
 QtMainQueue::QtMainQueue() : receiver_(std::make_unique<Receiver>()) {}
 QtMainQueue::~QtMainQueue() = default;
 
-void QtMainQueue::post(Work work) {
-    auto event = std::make_unique<WorkEvent>(std::move(work));
-    QCoreApplication::postEvent(receiver_.get(), event.release()); // The loop deletes it.
-}
+void QtMainQueue::post(Work work) { receiver_->post(std::move(work)); }
 
 Registration QtMainQueue::after(Duration delay, Work work) {
     const QPointer<QTimer> timer = new QTimer(receiver_.get()); // NOLINT(*-owning-memory): its parent's
