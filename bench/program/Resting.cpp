@@ -11,7 +11,6 @@ namespace querlin::bench {
 namespace {
 
 constexpr auto untilItRests = std::chrono::seconds(12); ///< its last delayed work begins after 8 s
-constexpr auto longestStart = std::chrono::seconds(20);
 constexpr auto watched = std::chrono::seconds(60);
 constexpr double mostMegabytes = 150;
 /// "0.0 %" with one decimal.
@@ -26,11 +25,7 @@ void runResting(Figures& figures) {
     Tray tray; // Without one the program would show a window of its own.
     const RunningProgram program;
     figures.section("while nobody dictates | the limit");
-    if (!tray.awaitSymbol(longestStart)) {
-        figures.failed("no symbol appears");
-        return;
-    }
-    if (!program.awaitWords("installHotkey → OK")) {
+    if (!program.comesUp(tray)) {
         figures.failed("the program doesn't come up");
         return;
     }

@@ -75,8 +75,9 @@ RunningProgram::RunningProgram() {
 
 bool RunningProgram::hasSaid(std::string_view words) const { return contentOf(paths_.log).contains(words); }
 
-bool RunningProgram::awaitWords(std::string_view words) const {
-    return eventually([&] { return hasSaid(words); }, std::chrono::seconds(20));
+bool RunningProgram::comesUp(Tray& tray) const {
+    constexpr auto longest = std::chrono::seconds(20);
+    return tray.awaitSymbol(longest) && eventually([&] { return hasSaid("installHotkey → OK"); }, longest);
 }
 
 std::vector<std::string> RunningProgram::processes() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Tray.h"
 #include "report/Measuring.h"
 #include "state/ApplicationPaths.h"
 #include "support/Desktop.h"
@@ -23,7 +24,8 @@ public:
 
     /// Whether a line of its log has these words, since the start.
     bool hasSaid(std::string_view words) const;
-    bool awaitWords(std::string_view words) const;
+    /// Whether its symbol comes into the tray, and it listens.
+    bool comesUp(Tray& tray) const;
     /// Itself alone, and itself with its helper.
     std::int64_t memoryInBytes() const;
     std::int64_t memoryWithHelpersInBytes() const;

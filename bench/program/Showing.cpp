@@ -12,7 +12,6 @@ namespace {
 constexpr int presses = 30;
 constexpr double limit = 0.050;
 constexpr auto longest = std::chrono::milliseconds(3000);
-constexpr auto longestStart = std::chrono::seconds(20);
 constexpr auto name = "Querlin Overlay";
 /// Longer than a tap that is taken for a mistake, so that each press is a dictation.
 constexpr auto held = std::chrono::milliseconds(600);
@@ -78,11 +77,7 @@ void runShowing(Figures& figures) {
     figures.section("from the hold key to the overlay | the limit");
     Tray tray; // Without one the program would show a window of its own.
     const RunningProgram program;
-    if (!tray.awaitSymbol(longestStart)) {
-        figures.failed("no symbol appears");
-        return;
-    }
-    if (!program.awaitWords("installHotkey → OK")) {
+    if (!program.comesUp(tray)) {
         figures.failed("the program doesn't come up");
         return;
     }

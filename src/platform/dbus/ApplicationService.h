@@ -13,8 +13,9 @@ namespace querlin {
 
 class DBusThread;
 
-/// The program's name on the session bus, and org.freedesktop.Application (Desktop Entry Specification 1.5,
-/// D-Bus Activation) behind it: who starts the program again reaches the one that runs. Main thread.
+/// The program's name on the session bus, and org.freedesktop.Application (freedesktop.org, Desktop
+/// Entry 1.5, D-Bus Activation) behind it: who starts the program again reaches the one that runs. Main
+/// thread.
 class ApplicationService {
 public:
     /// `name` is that of the desktop entry; `onActivate` is called on the main thread. Both services outlive
