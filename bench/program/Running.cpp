@@ -73,11 +73,10 @@ RunningProgram::RunningProgram() {
     program_ = std::make_unique<Program>(std::vector<std::string>{QUERLIN_PROGRAM});
 }
 
-bool RunningProgram::hasSaid(std::string_view words) const { return contentOf(paths_.log).contains(words); }
-
 bool RunningProgram::comesUp(Tray& tray) const {
     constexpr auto longest = std::chrono::seconds(20);
-    return tray.awaitSymbol(longest) && eventually([&] { return hasSaid("installHotkey → OK"); }, longest);
+    const auto listens = [&] { return contentOf(paths_.log).contains("installHotkey → OK"); };
+    return tray.awaitSymbol(longest) && eventually(listens, longest);
 }
 
 std::vector<std::string> RunningProgram::processes() const {

@@ -22,8 +22,6 @@ class RunningProgram {
 public:
     RunningProgram();
 
-    /// Whether a line of its log has these words, since the start.
-    bool hasSaid(std::string_view words) const;
     /// Whether its symbol comes into the tray, and it listens.
     bool comesUp(Tray& tray) const;
     /// Itself alone, and itself with its helper.

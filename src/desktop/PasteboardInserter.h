@@ -21,9 +21,9 @@ struct PasteboardInserterParts {
 /// Inserts by way of the clipboard: saves what the user has there, puts the text there, presses the shortcut
 /// for pasting, looks whether the field has changed, and gives the user's clipboard back.
 ///
-/// What the user has copied is given up in two cases only: the field is as it was before, or there is no telling
-/// and nobody has asked for the text. Then it stays on the clipboard, to be pasted by hand. What the user copies while the text is on the clipboard is
-/// respected.
+/// What the user has copied is given up in two cases only: the field is as it was before, or there is no
+/// telling and nobody has asked for the text. Then the text stays on the clipboard, to be pasted by hand. What
+/// the user copies while the text is on the clipboard is respected.
 class PasteboardInserter final : public TextInserter {
 public:
     explicit PasteboardInserter(PasteboardInserterParts parts) : with_(parts) {}

@@ -14,8 +14,7 @@ SetupFinding microphone(Machine& machine) {
     return {.name = "Mikrofon",
             .state = input ? input->name
                            : "Keines gefunden. Ein angeschlossenes Mikrofon wird von selbst bemerkt; sonst "
-                             "hilft ein Blick in "
-                             "die Klangeinstellungen.",
+                             "hilft ein Blick in die Klangeinstellungen.",
             .isFine = input.has_value()};
 }
 

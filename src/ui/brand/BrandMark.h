@@ -17,7 +17,7 @@ enum class SectionSign : std::uint8_t { without, with };
 
 void draw(QPainter& painter, const QRectF& rect, const QColor& color, SectionSign sectionSign);
 
-/// The mark for the tray, `height` · 1.15 wide, black on nothing: trays don't colour pictures, so the caller
+/// The mark in the proportions of a tray, `height` · 1.15 wide. Trays don't colour pictures, so the caller
 /// names the colour.
 QImage statusItemImage(int height, const QColor& color, qreal devicePixelRatio = 1);
 

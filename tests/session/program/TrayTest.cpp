@@ -1,4 +1,4 @@
-// The program's item in real trays.
+// The program's icon in a real tray; what the menu does there is in session/menu.
 
 #include "ProgramFixture.h"
 
@@ -16,15 +16,6 @@ protected:
     }
     static bool isEmbedded() {
         return eventually([] { return !embeddedIcon().empty(); });
-    }
-    /// The item's connection on the bus, as the panel knows it.
-    static std::string itemOnBus() {
-        return shell("gdbus call --session --dest org.kde.StatusNotifierWatcher --object-path /StatusNotifierWatcher "
-                     "--method org.freedesktop.DBus.Properties.Get org.kde.StatusNotifierWatcher "
-                     "RegisteredStatusNotifierItems | grep -o ':[0-9.]*'");
-    }
-    static std::string menuCall(const std::string& item, const std::string& call) {
-        return shell(fmt::format("gdbus call --session --dest {} --object-path /MenuBar --method com.canonical.dbusmenu.{}", item, call));
     }
 };
 
@@ -44,31 +35,6 @@ TEST_F(TrayTest, an_x_server_s_tray_has_icon_and_menu) {
     }));
     shell("xdotool key Up Return");
     EXPECT_EQ(exitOf(*running), 0) << "the last entry ends the program";
-}
-
-TEST_F(TrayTest, a_panel_reads_the_menu_from_the_bus_and_chooses_from_it) {
-    if (!isInstalled("xfce4-panel")) GTEST_SKIP() << "xfce4-panel is not installed";
-    const Program panel({"xfce4-panel", "--disable-wm-check"});
-    ASSERT_TRUE(eventually([] {
-        return shell("gdbus call --session --dest org.kde.StatusNotifierWatcher --object-path /StatusNotifierWatcher "
-                     "--method org.freedesktop.DBus.Properties.Get org.kde.StatusNotifierWatcher "
-                     "IsStatusNotifierHostRegistered") == "(<true>,)";
-    }));
-    const auto running = start();
-    ASSERT_TRUE(eventually([] { return !itemOnBus().empty(); }));
-    const auto item = itemOnBus();
-    const auto menu = menuCall(item, "GetLayout -- 0 -1 '[]'");
-    EXPECT_NE(menu.find("Aufnahme starten"), std::string::npos) << menu;
-    EXPECT_EQ(shell(fmt::format("gdbus call --session --dest {} --object-path /StatusNotifierItem --method "
-                                "org.freedesktop.DBus.Properties.Get org.kde.StatusNotifierItem ToolTip | grep -c Querlin",
-                                item)),
-              "1");
-
-    const auto entry = shell(fmt::format("echo \"{}\" | grep -o \"([0-9]*, {{[^}}]*Gesetze nachschlagen\" | "
-                                         "sed 's/.*(\\([0-9]*\\), .*/\\1/'",
-                                         menu));
-    menuCall(item, fmt::format("Event -- {} clicked '<0>' 0", entry));
-    EXPECT_TRUE(eventually([] { return isShown("Gesetze nachschlagen – BGB und FamFG"); })) << entry;
 }
 
 } // namespace
