@@ -37,7 +37,7 @@ TEST(Installation, IsTheTreeAroundTheProgram) {
     const std::vector<Row> rows = {
         {"installed", prefix / "bin/querlin", true},
         {"replaced by an upgrade while it runs", prefix / "bin/querlin (deleted)", true},
-        {"in a build tree", folder / "build/src/dictation/querlin", false},
+        {"in a build tree", folder / "build/src/app/querlin", false},
         {"without resources around it", folder / "bin/querlin", false},
         {"not told by the system", "", false},
         {"outside of what the process may see", "(unreachable)/bin/querlin", false},

@@ -101,7 +101,7 @@ def perform(build: Path, with_picture: bool) -> None:
     portal = Portal()
     with program("portal", *Portal.COMMAND):
         portal.show(LIGHT)
-        with program("querlin", str(build / "src/dictation/querlin")) as process:
+        with program("querlin", str(build / "src/app/querlin")) as process:
             querlin = Querlin(process.pid)
             await_that("Querlin ist bereit", lambda: querlin.says("installHotkey → OK"), 20)
             stage = Stage(querlin, build)

@@ -1,4 +1,4 @@
-#include "dictation/app/SetupReport.h"
+#include "app/SetupReport.h"
 
 #include <algorithm>
 #include <numeric>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "dictation/DictationController.h"
-#include "dictation/app/Machine.h"
+#include "app/Machine.h"
 #include "foundation/Lifetime.h"
 #include "legal/LegalUpdateService.h"
 #include "platform/dbus/ApplicationService.h"

@@ -1,4 +1,4 @@
-#include "dictation/app/NoCoreDumps.h"
+#include "app/NoCoreDumps.h"
 
 #include <sys/prctl.h>
 #include <sys/resource.h>

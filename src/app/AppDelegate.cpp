@@ -1,10 +1,10 @@
-#include "dictation/app/AppDelegate.h"
+#include "app/AppDelegate.h"
 
 #include "cleanup/EnhancementCoordinator.h"
 #include "cleanup/RuleBasedEnhancer.h"
 #include "desktop/PasteboardInserter.h"
 #include "dictation/CrashRecovery.h"
-#include "dictation/app/SetupReport.h"
+#include "app/SetupReport.h"
 #include "platform/av/SwrConverter.h"
 #include "speech/LocalTranscribers.h"
 #include "state/DiagnosticsLog.h"

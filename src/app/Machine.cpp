@@ -1,4 +1,4 @@
-#include "dictation/app/Machine.h"
+#include "app/Machine.h"
 
 #include "platform/av/SwrConverter.h"
 

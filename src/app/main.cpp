@@ -1,8 +1,8 @@
 // The program's entry: one instance for each user, the toolkit's loop, an orderly end.
 
-#include "dictation/app/AppDelegate.h"
-#include "dictation/app/Machine.h"
-#include "dictation/app/NoCoreDumps.h"
+#include "app/AppDelegate.h"
+#include "app/Machine.h"
+#include "app/NoCoreDumps.h"
 #include "platform/dbus/ApplicationService.h"
 #include "platform/qt/QuitSignals.h"
 #include "platform/system/Installation.h"

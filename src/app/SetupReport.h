@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dictation/app/Machine.h"
+#include "app/Machine.h"
 #include "legal/LegalCorpus.h"
 #include "state/RecognitionChoice.h"
 #include "ui/windows/SetupFinding.h"
