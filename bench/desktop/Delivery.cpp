@@ -3,12 +3,12 @@
 
 #include "report/Measuring.h"
 
+#include "desktop/ClipboardInserter.h"
 #include "desktop/HotkeyManager.h"
-#include "desktop/PasteboardInserter.h"
 #include "foundation/ThreadPool.h"
+#include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11PasteKey.h"
-#include "platform/x11/X11Pasteboard.h"
 #include "support/Desktop.h"
 #include "support/DictationWorld.h"
 
@@ -47,11 +47,11 @@ void runDelivery(Report& report) {
     const TempFolder folder;
     Eyes eyes(loop);
     X11Keyboard keyboard(loop);
-    X11Pasteboard pasteboard(loop);
+    X11Clipboard clipboard(loop);
     WatchedPasteKey pasteKey(loop);
     HotkeyManager hotkey(loop, keyboard, eyes.permissions, HotkeyConfig(), "");
-    PasteboardInserter inserter(
-        {runtime, eyes.permissions, eyes.detector, eyes.workspace, pasteboard, pasteKey});
+    ClipboardInserter inserter(
+        {runtime, eyes.permissions, eyes.detector, eyes.workspace, clipboard, pasteKey});
     FakeSurroundings with(runtime, folder.path(), TextWork::real);
     with.services.script.delay = Duration::zero();
     with.services.script.result = "Frau Meier Komma geboren am dritten März Punkt";

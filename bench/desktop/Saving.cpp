@@ -2,7 +2,7 @@
 
 #include "report/Measuring.h"
 
-#include "platform/x11/X11Pasteboard.h"
+#include "platform/x11/X11Clipboard.h"
 #include "support/Desktop.h"
 
 #include <cstdlib>
@@ -19,14 +19,14 @@ constexpr double limit = 0.050;
 
 void runSaving(Report& report) {
     RunLoop loop;
-    X11Pasteboard pasteboard(loop);
+    X11Clipboard clipboard(loop);
     const Program owner({QUERLIN_BENCH_PEER, "own"});
-    PasteboardSnapshot snapshot;
+    ClipboardSnapshot snapshot;
     const auto count = [&] { return snapshot.isEmpty() ? 0U : snapshot.items.front().size(); };
     const bool isThere = serveUntil(
         loop,
         [&] {
-            snapshot = await(loop, pasteboard.capture());
+            snapshot = await(loop, clipboard.capture());
             return count() >= 22;
         },
         std::chrono::seconds(5));
@@ -34,11 +34,11 @@ void runSaving(Report& report) {
 
     std::vector<double> saving;
     for (int i = 0; i < 50; ++i)
-        saving.push_back(secondsOf([&] { return await(loop, pasteboard.capture()); }));
+        saving.push_back(secondsOf([&] { return await(loop, clipboard.capture()); }));
     std::vector<double> restoring;
     for (int i = 0; i < 50; ++i) {
         restoring.push_back(secondsOf([&] {
-            pasteboard.write(snapshot);
+            clipboard.write(snapshot);
             return 0;
         }));
     }

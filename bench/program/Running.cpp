@@ -51,7 +51,7 @@ double computingSecondsOf(const std::string& process) {
 
 void prepareSettings() {
     const SystemClock clock;
-    PreferencesStore store(ApplicationPaths::fromEnvironment().preferencesFile(Product::bundleIdentifier),
+    PreferencesStore store(ApplicationPaths::fromEnvironment().preferencesFile(Product::applicationId),
                            clock);
     AppSettings settings(store);
     settings.hasCompletedOnboarding.set(true);

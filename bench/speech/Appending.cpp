@@ -47,7 +47,7 @@ void runAppending(Report& report) {
 
     report.section("append, a buffer of 43 ms, against a copy of it");
     Services services;
-    const auto classic = services.begin(TranscriptionEngine::appleSpeech);
+    const auto classic = services.begin(TranscriptionEngine::classic);
     compare(report, "classic", measure(parts, [&](const AudioBuffer& part) { classic->append(part); }),
             copies);
     (void)services.finish(*classic);
@@ -55,7 +55,7 @@ void runAppending(Report& report) {
         report.note("The streaming recogniser's library is not here.");
         return;
     }
-    const auto streaming = services.begin(TranscriptionEngine::speechAnalyzer);
+    const auto streaming = services.begin(TranscriptionEngine::streaming);
     compare(report, "streaming", measure(parts, [&](const AudioBuffer& part) { streaming->append(part); }),
             copies);
     (void)services.finish(*streaming);

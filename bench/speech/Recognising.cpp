@@ -42,7 +42,7 @@ double decoderAlone(SphinxDecoder& decoder, const DecodedAudio& sound) {
 
 double wholeWay(Services& services, const DecodedAudio& sound) {
     return secondsOf([&] {
-        const auto transcriber = services.begin(TranscriptionEngine::appleSpeech);
+        const auto transcriber = services.begin(TranscriptionEngine::classic);
         for (const auto& part : buffers(sound)) transcriber->append(part);
         return services.finish(*transcriber);
     });
@@ -93,8 +93,8 @@ void runRecognising(Report& report) {
         report.row(name, inWords(percentile(waits, 1)), "500 ms", 0.5 / percentile(waits, 1),
                    Bar::atLeast(1));
     };
-    shown("classic", TranscriptionEngine::appleSpeech);
-    if (services.streaming.isHere()) shown("streaming", TranscriptionEngine::speechAnalyzer);
+    shown("classic", TranscriptionEngine::classic);
+    if (services.streaming.isHere()) shown("streaming", TranscriptionEngine::streaming);
 
     report.section("memory");
     report.note(fmt::format("helper with the starter model       {:6.0f} MB",

@@ -18,10 +18,10 @@
 #include "platform/system/Installation.h"
 #include "platform/system/SystemPermissions.h"
 #include "platform/x11/KeyboardGrab.h"
+#include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11FocusReturn.h"
 #include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11PasteKey.h"
-#include "platform/x11/X11Pasteboard.h"
 #include "platform/x11/X11Workspace.h"
 #include "speech/AudioDevices.h"
 #include "state/ApplicationPaths.h"
@@ -47,7 +47,7 @@ struct Machine {
     AtspiAccessibility accessibility;
     X11Keyboard keyboard{queue};
     KeyboardGrab keyboardGrab;
-    X11Pasteboard pasteboard{queue};
+    X11Clipboard clipboard{queue};
     X11PasteKey pasteKey{queue};
     X11FocusReturn focusReturn{queue};
     DBusThread buses;

@@ -1,8 +1,8 @@
 // The program's entry: one instance for each user, the toolkit's loop, an orderly end.
 
-#include "app/AppDelegate.h"
 #include "app/Machine.h"
 #include "app/NoCoreDumps.h"
+#include "app/Program.h"
 #include "platform/dbus/ApplicationService.h"
 #include "platform/qt/QuitSignals.h"
 #include "platform/system/Installation.h"
@@ -39,7 +39,7 @@ bool hasDisplay() {
 
 void setUpToolkit() {
     QApplication::setApplicationName(Brand::text(Product::name));
-    QApplication::setDesktopFileName(Brand::text(Product::bundleIdentifier));
+    QApplication::setDesktopFileName(Brand::text(Product::applicationId));
     QApplication::setQuitOnLastWindowClosed(false); // It has none, as a rule.
     // Menus of text fields, names of keys.
     static QTranslator german;
@@ -50,16 +50,16 @@ void setUpToolkit() {
 int run(const ApplicationPaths& paths) {
     const auto own = Installation::ofThisProgram();
     Machine machine(paths, own);
-    AppDelegate delegate(machine,
-                         {.executable = Brand::utf8(QApplication::applicationFilePath()),
-                          .resources = own.resources,
-                          .paths = paths},
-                         [] { QCoreApplication::exit(); });
+    Program delegate(machine,
+                     {.executable = Brand::utf8(QApplication::applicationFilePath()),
+                      .resources = own.resources,
+                      .paths = paths},
+                     [] { QCoreApplication::exit(); });
     const QuitSignals signals;
     const auto theme = Theme::apply();
-    delegate.applicationDidFinishLaunching();
+    delegate.start();
     const int status = QApplication::exec();
-    delegate.applicationWillTerminate();
+    delegate.end();
     return status;
 }
 
@@ -70,10 +70,10 @@ int start(int argumentCount, char** arguments) {
     LogFile log(paths.log, clock);
     const DiagnosticsLog::Installation installation(log);
 
-    const auto lock = InstanceLock::acquire(InstanceLock::folder(paths.support), Product::bundleIdentifier);
+    const auto lock = InstanceLock::acquire(InstanceLock::folder(paths.support), Product::applicationId);
     if (!lock) {
         const bool isShown =
-            ApplicationService::activateOther(std::string(Product::bundleIdentifier), attentionsWait);
+            ApplicationService::activateOther(std::string(Product::applicationId), attentionsWait);
         if (!isShown) fmt::print(stderr, "{} läuft schon.\n", Product::name);
         return EXIT_SUCCESS;
     }

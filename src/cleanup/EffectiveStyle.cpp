@@ -10,9 +10,8 @@ EffectiveStyle EffectiveStyle::resolve(const DictationContext& context, std::spa
         return {WritingStyle::neutral, false, std::string(displayName(context.field)) + " – roh und schnell",
                 true};
     }
-    if (context.bundleIdentifier) {
-        const auto found =
-            std::ranges::find(profiles, *context.bundleIdentifier, &AppProfile::bundleIdentifier);
+    if (context.applicationId) {
+        const auto found = std::ranges::find(profiles, *context.applicationId, &AppProfile::applicationId);
         if (found != profiles.end())
             return {found->style, found->polishEnabled, "Profil " + found->appName, false};
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cleanup/LocalFoundationEnhancer.h"
+#include "cleanup/LocalModelEnhancer.h"
 #include "state/AppSettings.h"
 
 #include <optional>
@@ -33,7 +33,7 @@ inline constexpr std::string_view model = "Lokal (Apple)";
 /// thread; all it is given outlives it.
 class EnhancementCoordinator {
 public:
-    EnhancementCoordinator(const AppSettings& settings, TextEnhancer& rules, LocalFoundationEnhancer& model) :
+    EnhancementCoordinator(const AppSettings& settings, TextEnhancer& rules, LocalModelEnhancer& model) :
         settings_(settings), rules_(rules), model_(model) {}
 
     /// Without a style the general setting counts.
@@ -50,7 +50,7 @@ private:
 
     const AppSettings& settings_;
     TextEnhancer& rules_;
-    LocalFoundationEnhancer& model_;
+    LocalModelEnhancer& model_;
 };
 
 } // namespace querlin

@@ -38,7 +38,7 @@ DictationContext ContextDetector::capture() {
     std::optional<std::int32_t> process;
     if (auto front = workspace_.frontmostApplication()) {
         if (front->localizedName) context.appName = std::move(*front->localizedName);
-        context.bundleIdentifier = std::move(front->bundleIdentifier);
+        context.applicationId = std::move(front->applicationId);
         process = front->processIdentifier;
     }
     if (!permissions_.isAccessibilityTrusted()) {

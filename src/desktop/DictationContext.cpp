@@ -3,8 +3,7 @@
 namespace querlin {
 
 std::string DictationContext::summary() const {
-    return appName + " [" + bundleIdentifier.value_or("ohne Kennung") + "] · " +
-           std::string(displayName(field));
+    return appName + " [" + applicationId.value_or("ohne Kennung") + "] · " + std::string(displayName(field));
 }
 
 } // namespace querlin

@@ -14,7 +14,7 @@ struct DictationContext {
     enum class FieldKind : std::uint8_t { unknown, singleLine, multiLine, search, secure };
 
     std::string appName = "unbekannt";
-    std::optional<std::string> bundleIdentifier;
+    std::optional<std::string> applicationId;
     FieldKind field = FieldKind::unknown;
 
     /// For logs: "Mail [com.example.mail] · Textbereich".

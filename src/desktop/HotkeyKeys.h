@@ -13,9 +13,9 @@ struct ModifierKeyCodes {
 
 constexpr ModifierKeyCodes codesOf(ModifierKey key) {
     switch (key) {
-    case ModifierKey::rightOption:
+    case ModifierKey::altGr:
         return {VirtualKey::rightOption, KeyFlag::rightOptionDevice};
-    case ModifierKey::rightCommand:
+    case ModifierKey::rightSuper:
         return {VirtualKey::rightCommand, KeyFlag::rightCommandDevice};
     case ModifierKey::rightControl:
         return {VirtualKey::rightControl, KeyFlag::rightControlDevice};
@@ -23,7 +23,7 @@ constexpr ModifierKeyCodes codesOf(ModifierKey key) {
         return {VirtualKey::rightShift, KeyFlag::rightShiftDevice};
     case ModifierKey::fn:
         return {VirtualKey::fn, KeyFlag::fnDevice};
-    case ModifierKey::leftOption:
+    case ModifierKey::leftAlt:
         return {VirtualKey::leftOption, KeyFlag::leftOptionDevice};
     }
     return {};
@@ -37,11 +37,11 @@ struct ComboKeyCodes {
 
 constexpr ComboKeyCodes codesOf(ComboHotkey combo) {
     switch (combo) {
-    case ComboHotkey::optionSpace:
+    case ComboHotkey::altSpace:
         return {VirtualKey::space, KeyFlag::alternate};
     case ComboHotkey::controlSpace:
         return {VirtualKey::space, KeyFlag::control};
-    case ComboHotkey::commandShiftD:
+    case ComboHotkey::superShiftD:
         return {VirtualKey::d, KeyFlag::command | KeyFlag::shift};
     }
     return {};

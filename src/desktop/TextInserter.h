@@ -29,7 +29,7 @@ public:
     /// Pastes and gives the user's clipboard back. Main thread, suspended while it waits.
     virtual Task<std::expected<Outcome, InsertError>> insert(std::string text) = 0;
     /// Leaves a text on the clipboard for the user, as plain text and nothing else.
-    virtual void placeInPasteboard(std::string_view text) = 0;
+    virtual void placeOnClipboard(std::string_view text) = 0;
 };
 
 } // namespace querlin

@@ -11,7 +11,7 @@ struct RunningApplication {
     /// As its users know it: "Thunderbird".
     std::optional<std::string> localizedName;
     /// The same at each start: "org.mozilla.Thunderbird".
-    std::optional<std::string> bundleIdentifier;
+    std::optional<std::string> applicationId;
 
     bool operator==(const RunningApplication&) const = default;
 };

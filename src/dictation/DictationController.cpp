@@ -23,53 +23,54 @@ constexpr Duration permissionRetryInterval = std::chrono::seconds(2);
 
 DictationController::DictationController(Runtime runtime, DictationCollaborators collaborators) :
     runtime_(runtime),
-    with_(collaborators),
+    collaborators_(collaborators),
     partialTextKeeper_(runtime,
                        [this](const std::string& text) {
-                           if (const auto* recording = with_.recorder.recording()) recording->keepText(text);
+                           if (const auto* recording = collaborators_.recorder.recording())
+                               recording->keepText(text);
                        }),
     insertionTurn_(runtime.mainQueue) {
     auto& queue = runtime_.mainQueue;
-    auto& settings = with_.settings;
+    auto& settings = collaborators_.settings;
 
-    with_.hotkey.update(settings.hotkey.get());
-    with_.hotkey.setCallbacks([this] { beginDictation(); }, [this] { endDictation(); });
-    with_.history.setRetentionDays(settings.historyRetentionDays.get());
+    collaborators_.hotkey.update(settings.hotkey.get());
+    collaborators_.hotkey.setCallbacks([this] { beginDictation(); }, [this] { endDictation(); });
+    collaborators_.history.setRetentionDays(settings.historyRetentionDays.get());
     settingsSubscriptions_.push_back(settings.historyRetentionDays.subscribe(
-        [this](std::int64_t days) { with_.history.setRetentionDays(days); }, FirstValue::Skip));
-    with_.correctionWatcher.setOnSuggestion([this](const CorrectionSuggestion& suggestion) {
-        with_.windows.showCorrectionSuggestion(suggestion);
+        [this](std::int64_t days) { collaborators_.history.setRetentionDays(days); }, FirstValue::Skip));
+    collaborators_.correctionWatcher.setOnSuggestion([this](const CorrectionSuggestion& suggestion) {
+        collaborators_.windows.showCorrectionSuggestion(suggestion);
     });
     settingsSubscriptions_.push_back(settings.hotkey.subscribe(
-        [this](const HotkeyConfig& config) { with_.hotkey.update(config); }, FirstValue::Skip));
-    with_.recorder.setPreferredDeviceUID(settings.inputDeviceUID.get());
+        [this](const HotkeyConfig& config) { collaborators_.hotkey.update(config); }, FirstValue::Skip));
+    collaborators_.recorder.setPreferredDeviceUID(settings.inputDeviceUID.get());
     settingsSubscriptions_.push_back(settings.inputDeviceUID.subscribe(
-        [this](const std::optional<std::string>& uid) { with_.recorder.setPreferredDeviceUID(uid); },
+        [this](const std::optional<std::string>& uid) { collaborators_.recorder.setPreferredDeviceUID(uid); },
         FirstValue::Skip));
-    with_.recorder.setOnLevel(lifetime_.onMain(queue, [this](float level) {
+    collaborators_.recorder.setOnLevel(lifetime_.onMain(queue, [this](float level) {
         // A report may be on its way when the recording ends.
         if (phase_.get().is(Kind::recording)) inputLevel_.set(level);
     }));
-    with_.recorder.setOnConfigurationChange(
+    collaborators_.recorder.setOnConfigurationChange(
         lifetime_.onMain(queue, [this](const ConfigurationChange& change) { configurationChanged(change); }));
 }
 
 DictationController::~DictationController() {
     // The collaborators live on: nothing of theirs may call back into what is going.
-    with_.hotkey.setCallbacks({}, {});
-    with_.correctionWatcher.setOnSuggestion({});
-    with_.recorder.setOnBuffer({});
+    collaborators_.hotkey.setCallbacks({}, {});
+    collaborators_.correctionWatcher.setOnSuggestion({});
+    collaborators_.recorder.setOnBuffer({});
     tasks_.abandonAll();
 }
 
 void DictationController::start() {
     installHotkey();
     installInterruptionObservers();
-    with_.notifier.requestAuthorizationIfNeeded();
+    collaborators_.notifier.requestAuthorizationIfNeeded();
 }
 
 void DictationController::installHotkey() {
-    const bool started = with_.hotkey.start();
+    const bool started = collaborators_.hotkey.start();
     hotkeyBlocked_.set(!started);
     DiagnosticsLog::note("controller", started ? "installHotkey → OK" : "installHotkey → fehlgeschlagen");
     permissionRetryTimer_.reset();
@@ -79,7 +80,7 @@ void DictationController::installHotkey() {
 }
 
 void DictationController::permissionTick() {
-    if (!with_.permissions.isAccessibilityTrusted() || !with_.hotkey.start()) return;
+    if (!collaborators_.permissions.isAccessibilityTrusted() || !collaborators_.hotkey.start()) return;
     hotkeyBlocked_.set(false);
     permissionRetryTimer_.reset();
 }
@@ -90,25 +91,25 @@ void DictationController::beginDictation() {
     const auto& present = phase_.get();
     if (isShutDown_ || !(present.is(Kind::idle) || present.is(Kind::error))) return;
 
-    auto& settings = with_.settings;
+    auto& settings = collaborators_.settings;
     const auto run = newest_ = std::make_shared<DictationRun>();
 
-    if (!isGranted(with_.permissions.microphoneState())) {
+    if (!isGranted(collaborators_.permissions.microphoneState())) {
         fail("Mikrofon-Zugriff fehlt");
-        with_.windows.showOnboarding();
+        collaborators_.windows.showOnboarding();
         return;
     }
-    if (settings.engine.get() == TranscriptionEngine::appleSpeech &&
-        !isGranted(with_.permissions.speechState())) {
+    if (settings.engine.get() == TranscriptionEngine::classic &&
+        !isGranted(collaborators_.permissions.speechState())) {
         fail("Spracherkennung nicht erlaubt");
-        with_.windows.showOnboarding();
+        collaborators_.windows.showOnboarding();
         return;
     }
 
     livePartialText_.set("");
     inputLevel_.set(0);
     const bool contextAware = settings.contextAwareStyle.get();
-    run->context = contextAware ? with_.contextDetector.capture() : DictationContext();
+    run->context = contextAware ? collaborators_.contextDetector.capture() : DictationContext();
     run->style =
         EffectiveStyle::resolve(run->context,
                                 contextAware ? std::span<const AppProfile>(settings.appProfiles.get())
@@ -123,42 +124,42 @@ void DictationController::beginDictation() {
     }
     if (const auto listening = beginListening(run); !listening) {
         cancelRecognition();
-        with_.recorder.setOnBuffer({});
+        collaborators_.recorder.setOnBuffer({});
         fail(listening.error());
         return;
     }
     phase_.set({Kind::recording, {}});
     startElapsedTimer();
-    with_.windows.showOverlay();
-    if (settings.playStartSound.get()) with_.sounds.play(FeedbackSound::start);
+    collaborators_.windows.showOverlay();
+    if (settings.playStartSound.get()) collaborators_.sounds.play(FeedbackSound::start);
 }
 
 std::expected<void, std::string> DictationController::beginListening(const RunPointer& run) {
-    auto& settings = with_.settings;
+    auto& settings = collaborators_.settings;
     const auto transcriber = makeTranscriber(run);
-    if (const auto begun = transcriber->begin(with_.transcribers.locale(settings.language.get()),
+    if (const auto begun = transcriber->begin(collaborators_.transcribers.locale(settings.language.get()),
                                               settings.onDeviceRecognitionOnly.get());
         !begun) {
         return std::unexpected(begun.error().description());
     }
     run->transcriber = transcriber;
-    with_.recorder.setOnBuffer([weak = std::weak_ptr(transcriber)](const AudioBuffer& buffer) {
+    collaborators_.recorder.setOnBuffer([weak = std::weak_ptr(transcriber)](const AudioBuffer& buffer) {
         if (const auto alive = weak.lock()) alive->append(buffer);
     });
-    if (const auto started = with_.recorder.start(WriteToDisk::Yes); !started) {
+    if (const auto started = collaborators_.recorder.start(WriteToDisk::Yes); !started) {
         return std::unexpected(started.error().description());
     }
     return {};
 }
 
 std::shared_ptr<StreamingTranscriber> DictationController::makeTranscriber(const RunPointer& run) {
-    auto engine = with_.settings.engine.get();
-    if (engine == TranscriptionEngine::speechAnalyzer &&
-        with_.transcribers.systemVersion() < streamingRecogniserVersion) {
+    auto engine = collaborators_.settings.engine.get();
+    if (engine == TranscriptionEngine::streaming &&
+        collaborators_.transcribers.systemVersion() < streamingRecogniserVersion) {
         DiagnosticsLog::note("speech", "SpeechAnalyzer nicht verfügbar – nutze Apple Speech.");
-        engine = TranscriptionEngine::appleSpeech;
+        engine = TranscriptionEngine::classic;
     }
-    auto transcriber = with_.transcribers.make(engine);
+    auto transcriber = collaborators_.transcribers.make(engine);
     transcriber->setOnPartialResult(
         lifetime_.onMain(runtime_.mainQueue, [this, weak = std::weak_ptr(run)](std::string text) {
             if (const auto alive = weak.lock()) partialResult(alive, std::move(text));
@@ -168,10 +169,11 @@ std::shared_ptr<StreamingTranscriber> DictationController::makeTranscriber(const
 }
 
 std::vector<std::string> DictationController::contextualStrings() const {
-    const auto& settings = with_.settings;
+    const auto& settings = collaborators_.settings;
     const auto limit = settings.contextualLimit.get();
     auto terms = settings.userDictionary.get();
-    if (settings.legalVocabularyEnabled.get()) return with_.vocabulary.contextualStrings(terms, limit);
+    if (settings.legalVocabularyEnabled.get())
+        return collaborators_.vocabulary.contextualStrings(terms, limit);
     if (limit < std::ssize(terms)) terms.resize(static_cast<std::size_t>(std::max(limit, std::int64_t{0})));
     return terms;
 }
@@ -190,14 +192,14 @@ void DictationController::startElapsedTimer() {
 }
 
 void DictationController::elapsedTick() {
-    const double duration = with_.recorder.duration();
+    const double duration = collaborators_.recorder.duration();
     const auto seconds = static_cast<std::int64_t>(duration);
     elapsedDescription_.set(fmt::format("{}:{:02}", seconds / 60, seconds % 60));
     if (!isLongDictation_.get() && duration >= AppSettings::longDictationWarning) {
         isLongDictation_.set(true);
         DiagnosticsLog::note("audio", "Diktat läuft länger als fünf Minuten.");
     }
-    const auto limit = with_.settings.maxDictationMinutes.get();
+    const auto limit = collaborators_.settings.maxDictationMinutes.get();
     if (limit >= 1 && duration >= static_cast<double>(limit) * 60) {
         DiagnosticsLog::note("audio",
                              fmt::format("Obergrenze von {} Minuten erreicht – Diktat wird beendet.", limit));
@@ -211,21 +213,21 @@ void DictationController::endDictation() {
     if (!phase_.get().is(Kind::recording)) return;
     const auto run = newest_;
     elapsedTimer_.reset();
-    run->recordingSeconds = with_.recorder.duration();
-    with_.recorder.stop();
-    with_.recorder.setOnBuffer({});
+    run->recordingSeconds = collaborators_.recorder.duration();
+    collaborators_.recorder.stop();
+    collaborators_.recorder.setOnBuffer({});
     inputLevel_.set(0);
 
     if (run->recordingSeconds < minimumRecordingSeconds) {
         partialTextKeeper_.drop();
         cancelRecognition();
         run->hold.reset();
-        with_.recorder.discardRecording();
+        collaborators_.recorder.discardRecording();
         rest();
         return;
     }
     partialTextKeeper_.finish();
-    run->recording = with_.recorder.detachRecording();
+    run->recording = collaborators_.recorder.detachRecording();
     phase_.set({Kind::transcribing, {}});
     tasks_.start(runPipeline(run));
 }
@@ -248,9 +250,9 @@ void DictationController::cancelDictation() {
     run->hold.reset();
     inputLevel_.set(0);
     cancelRecognition();
-    with_.recorder.stop();
-    with_.recorder.setOnBuffer({});
-    with_.recorder.discardRecording();
+    collaborators_.recorder.stop();
+    collaborators_.recorder.setOnBuffer({});
+    collaborators_.recorder.discardRecording();
     discardRecording(*run);
     rest();
 }
@@ -262,7 +264,7 @@ void DictationController::cancelRecognition() {
 
 void DictationController::rest() {
     phase_.set({Kind::idle, {}});
-    with_.windows.hideOverlay();
+    collaborators_.windows.hideOverlay();
 }
 
 /// For the phases of a run: a newer dictation's phase is not touched.
@@ -271,21 +273,21 @@ void DictationController::setPhase(const DictationRun& run, Kind kind) {
 }
 
 void DictationController::play(FeedbackSound sound) {
-    if (with_.settings.playStopSound.get()) with_.sounds.play(sound);
+    if (collaborators_.settings.playStopSound.get()) collaborators_.sounds.play(sound);
 }
 
 void DictationController::fail(std::string message) {
     newest_->transcriber.reset();
-    with_.recorder.setOnBuffer({});
+    collaborators_.recorder.setOnBuffer({});
     phase_.set(DictationPhase::error(std::move(message)));
     play(FeedbackSound::failure);
-    with_.windows.showOverlay();
+    collaborators_.windows.showOverlay();
     tasks_.start(takeBack(Kind::error, errorShown));
 }
 
 void DictationController::notice(std::string message) {
     phase_.set(DictationPhase::notice(std::move(message)));
-    with_.windows.showOverlay();
+    collaborators_.windows.showOverlay();
     tasks_.start(takeBack(Kind::notice, noticeShown));
 }
 
@@ -303,7 +305,7 @@ void DictationController::insertLegalText(std::string text) {
 
 Task<> DictationController::insertLegalTextAtCursor(std::string text) {
     const auto turn = co_await insertionTurn_.lock();
-    const auto outcome = co_await with_.inserter.insert(text);
+    const auto outcome = co_await collaborators_.inserter.insert(text);
     legalTextInserted(text, outcome);
 }
 
@@ -313,39 +315,39 @@ void DictationController::legalTextInserted(
         const std::string reason(description(outcome.error()));
         if (phase_.get().isBusy()) {
             // The phase belongs to the dictation under way; its words must not suffer from this.
-            with_.rescue.rescue(text, std::nullopt, reason);
+            collaborators_.rescue.rescue(text, std::nullopt, reason);
         } else {
             fail(reason);
         }
     } else if (*outcome == TextInserter::Outcome::notInserted) {
-        with_.rescue.rescue(text, std::nullopt, "Der Gesetzestext kam im Zielfeld nicht an");
+        collaborators_.rescue.rescue(text, std::nullopt, "Der Gesetzestext kam im Zielfeld nicht an");
     } else {
         lastInsertedText_.set(text);
     }
 }
 
 void DictationController::writeDiagnostics() {
-    const auto& settings = with_.settings;
-    const auto inputs = with_.audioDevices.inputs();
+    const auto& settings = collaborators_.settings;
+    const auto inputs = collaborators_.audioDevices.inputs();
     const std::vector<std::string> lines = {
         "--- Diagnose ---",
-        "  " + with_.hotkey.diagnosticsSummary(),
-        fmt::format("  Mikrofon: {}", caseName(with_.permissions.microphoneState())),
-        fmt::format("  Spracherkennung: {}", caseName(with_.permissions.speechState())),
+        "  " + collaborators_.hotkey.diagnosticsSummary(),
+        fmt::format("  Mikrofon: {}", caseName(collaborators_.permissions.microphoneState())),
+        fmt::format("  Spracherkennung: {}", caseName(collaborators_.permissions.speechState())),
         fmt::format("  Phase: {}", phase_.get().statusText()),
         fmt::format("  hotkeyBlocked: {}", hotkeyBlocked_.get()),
         fmt::format("  Engine: {}, Sprache: {}", rawValue(settings.engine.get()),
                     rawValue(settings.language.get())),
         fmt::format("  Mikrofon: {} (verfügbar: {})", selectedMicrophone(inputs), inputs.size()),
-        fmt::format("  Diktate gesamt: {}, Wörter: {}", with_.statistics.dictationCount.get(),
-                    with_.statistics.wordCount.get()),
-        fmt::format("  Gerettete Diktate vorhanden: {}", with_.rescue.hasEntries()),
+        fmt::format("  Diktate gesamt: {}, Wörter: {}", collaborators_.statistics.dictationCount.get(),
+                    collaborators_.statistics.wordCount.get()),
+        fmt::format("  Gerettete Diktate vorhanden: {}", collaborators_.rescue.hasEntries()),
     };
     DiagnosticsLog::note("diag", fmt::format("{}", fmt::join(lines, "\n")));
 }
 
 std::string DictationController::selectedMicrophone(const std::vector<AudioInputDevice>& inputs) const {
-    const auto& chosen = with_.settings.inputDeviceUID.get();
+    const auto& chosen = collaborators_.settings.inputDeviceUID.get();
     const auto found =
         std::ranges::find_if(inputs, [&](const auto& input) { return chosen && input.uid == *chosen; });
     return found == inputs.end() ? "Systemvorgabe" : found->name;

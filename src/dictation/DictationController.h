@@ -107,7 +107,7 @@ public:
     const Published<float>& inputLevel() const { return inputLevel_; }
     const Published<bool>& isLongDictation() const { return isLongDictation_; }
 
-    DictationHistory& history() const { return with_.history; }
+    DictationHistory& history() const { return collaborators_.history; }
 
 private:
     using RunPointer = std::shared_ptr<DictationRun>;
@@ -164,7 +164,7 @@ private:
     void rescueAtShutdown();
 
     Runtime runtime_;
-    DictationCollaborators with_;
+    DictationCollaborators collaborators_;
 
     Published<DictationPhase> phase_;
     Published<std::string> livePartialText_;

@@ -28,7 +28,7 @@ std::string_view reasonOf(SystemSignal signal) {
 
 void DictationController::installInterruptionObservers() {
     interruptionObservers_.reset();
-    interruptionObservers_ = with_.systemSignals.observe(
+    interruptionObservers_ = collaborators_.systemSignals.observe(
         lifetime_.onMain(runtime_.mainQueue, [this](SystemSignal signal, SystemHold hold) {
             interrupted(signal, std::move(hold));
         }));
@@ -75,14 +75,14 @@ void DictationController::configurationChanged(const ConfigurationChange& change
 void DictationController::shutdown() {
     if (std::exchange(isShutDown_, true)) return;
     elapsedTimer_.reset();
-    with_.correctionWatcher.stop();
+    collaborators_.correctionWatcher.stop();
     permissionRetryTimer_.reset();
-    with_.hotkey.stop();
+    collaborators_.hotkey.stop();
     interruptionObservers_.reset();
     partialTextKeeper_.drop();
     cancelRecognition();
-    with_.recorder.stop();
-    with_.recorder.setOnBuffer({});
+    collaborators_.recorder.stop();
+    collaborators_.recorder.setOnBuffer({});
     rescueAtShutdown();
     tasks_.abandonAll();
 }
@@ -91,13 +91,15 @@ void DictationController::shutdown() {
 /// there is of each.
 void DictationController::rescueAtShutdown() {
     const auto save = [this](std::string_view text, std::optional<RecordingFile> recording) {
-        with_.rescue.rescue(text.empty() ? audioOnlyPlaceholder : text, std::move(recording), shutdownReason);
+        collaborators_.rescue.rescue(text.empty() ? audioOnlyPlaceholder : text, std::move(recording),
+                                     shutdownReason);
     };
     for (auto* run : inPipeline_) {
         if (run->isCancelled || (!run->recording && run->text.empty())) continue;
         save(run->text.empty() ? run->partialText : run->text, std::exchange(run->recording, std::nullopt));
     }
-    if (auto recording = with_.recorder.detachRecording()) save(livePartialText_.get(), std::move(recording));
+    if (auto recording = collaborators_.recorder.detachRecording())
+        save(livePartialText_.get(), std::move(recording));
 }
 
 } // namespace querlin

@@ -62,7 +62,7 @@ Task<> DictationController::runPipeline(RunPointer run) {
     }
     if (end == RunEnd::Undelivered) co_return;
     co_await sleepFor(runtime_.mainQueue, overlayAfterDelivery);
-    if (isNewest(*run) && phase_.get().is(Kind::idle)) with_.windows.hideOverlay();
+    if (isNewest(*run) && phase_.get().is(Kind::idle)) collaborators_.windows.hideOverlay();
 }
 
 Task<DictationController::RunEnd> DictationController::processAndDeliver(RunPointer run) {
@@ -90,12 +90,12 @@ Task<DictationController::RunEnd> DictationController::processAndDeliver(RunPoin
         co_return RunEnd::Undelivered;
     }
     const bool cleansByRules =
-        with_.settings.cleanupMode.get() != CleanupMode::none && !run->style.compactText;
+        collaborators_.settings.cleanupMode.get() != CleanupMode::none && !run->style.compactText;
     if (cleansByRules) co_await applyRules(run);
     applyDeterministicStages(*run);
     times.deterministic = runtime_.clock.instant();
 
-    if (usesModel(with_.settings.cleanupMode.get()) && run->style.polishEnabled) {
+    if (usesModel(collaborators_.settings.cleanupMode.get()) && run->style.polishEnabled) {
         co_await polish(run);
     } else {
         nameEngineWithoutModel(*run);
@@ -107,7 +107,7 @@ Task<DictationController::RunEnd> DictationController::processAndDeliver(RunPoin
         co_return RunEnd::Undelivered;
     }
     const auto turn = co_await insertionTurn_.lock();
-    const auto outcome = co_await with_.inserter.insert(run->text);
+    const auto outcome = co_await collaborators_.inserter.insert(run->text);
     if (!outcome) {
         insertionFailed(*run, description(outcome.error()));
         co_return RunEnd::Undelivered;
@@ -139,10 +139,10 @@ Task<std::expected<std::string, TranscriptionError>> DictationController::transc
 
 /// False if the speaker has taken everything back.
 bool DictationController::applyCommands(DictationRun& run) {
-    if (!with_.settings.dictationCommandsEnabled.get()) return true;
+    if (!collaborators_.settings.dictationCommandsEnabled.get()) return true;
     using DictationCommands::Mode;
-    auto outcome =
-        with_.textStages.applyCommands(run.text, run.style.compactText ? Mode::compact : Mode::prose);
+    auto outcome = collaborators_.textStages.applyCommands(run.text, run.style.compactText ? Mode::compact
+                                                                                           : Mode::prose);
     if (outcome.discardedEverything) return false;
     if (!outcome.appliedCommands.empty()) {
         DiagnosticsLog::trace("commands", "angewandt: " + joined(outcome.appliedCommands));
@@ -153,16 +153,17 @@ bool DictationController::applyCommands(DictationRun& run) {
 }
 
 Task<> DictationController::applyRules(RunPointer run) {
-    auto cleaned = co_await with_.ruleBasedEnhancer.enhance(run->text, with_.settings.language.get(),
-                                                            run->style.style, run->treatment);
+    auto cleaned = co_await collaborators_.ruleBasedEnhancer.enhance(
+        run->text, collaborators_.settings.language.get(), run->style.style, run->treatment);
     if (!cleaned) co_return;
     run->text = std::move(*cleaned);
     run->treatment.rulesApplied = true;
 }
 
 void DictationController::applyDeterministicStages(DictationRun& run) {
-    auto& stages = with_.textStages;
-    auto expanded = stages.expandBlocks(run.text, with_.settings.textBlocks.get(), runtime_.clock.now());
+    auto& stages = collaborators_.textStages;
+    auto expanded =
+        stages.expandBlocks(run.text, collaborators_.settings.textBlocks.get(), runtime_.clock.now());
     if (!expanded.usedBlocks.empty()) {
         DiagnosticsLog::note("blocks", "eingesetzt: " + joined(expanded.usedBlocks));
         run.text = std::move(expanded.text);
@@ -174,26 +175,27 @@ void DictationController::applyDeterministicStages(DictationRun& run) {
 }
 
 void DictationController::applyLawStages(DictationRun& run) {
-    run.text = with_.textStages.processLawReferences(run.text);
-    if (run.style.style == WritingStyle::aktenstil) run.text = with_.textStages.formatLegally(run.text);
+    run.text = collaborators_.textStages.processLawReferences(run.text);
+    if (run.style.style == WritingStyle::aktenstil)
+        run.text = collaborators_.textStages.formatLegally(run.text);
 }
 
 Task<> DictationController::polish(RunPointer run) {
     setPhase(*run, Kind::enhancing);
-    auto outcome = co_await with_.enhancement.run(run->text, run->style.style, run->treatment);
+    auto outcome = co_await collaborators_.enhancement.run(run->text, run->style.style, run->treatment);
     run->text = std::move(outcome.text);
     applyLawStages(*run);
     nameEngine(*run, outcome.engineName);
     if (outcome.fallbackReason) {
         DiagnosticsLog::note("cleanup", fmt::format("{} statt {}: {}", outcome.engineName,
-                                                    displayName(with_.settings.cleanupMode.get()),
+                                                    displayName(collaborators_.settings.cleanupMode.get()),
                                                     *outcome.fallbackReason));
-        with_.windows.showEnhancementFailureNotice(*outcome.fallbackReason);
+        collaborators_.windows.showEnhancementFailureNotice(*outcome.fallbackReason);
     }
 }
 
 void DictationController::nameEngineWithoutModel(DictationRun& run) {
-    const auto mode = with_.settings.cleanupMode.get();
+    const auto mode = collaborators_.settings.cleanupMode.get();
     nameEngine(run, std::string(mode == CleanupMode::none ? EngineName::raw : EngineName::rules));
     if (usesModel(mode)) DiagnosticsLog::trace("context", "Feinschliff ausgelassen: " + run.style.reason);
 }
@@ -212,16 +214,18 @@ void DictationController::keepText(DictationRun& run, std::string text) {
 // The ends of a run
 
 void DictationController::book(DictationRun& run, const PipelineTimes& times) {
-    const auto& settings = with_.settings;
+    const auto& settings = collaborators_.settings;
     lastInsertedText_.set(run.text);
-    with_.statistics.record(run.text, run.recordingSeconds);
+    collaborators_.statistics.record(run.text, run.recordingSeconds);
     if (settings.historyEnabled.get()) {
         const bool keepsAudio = settings.historyKeepAudio.get() && run.recording;
-        with_.history.record(run.text, run.context.appName, run.engineName,
-                             keepsAudio ? std::optional(run.recording->audio()) : std::nullopt);
+        collaborators_.history.record(run.text, run.context.appName, run.engineName,
+                                      keepsAudio ? std::optional(run.recording->audio()) : std::nullopt);
     }
-    if (settings.learnFromCorrections.get()) with_.correctionWatcher.watch(run.text, run.context.appName);
-    if (run.wasInterrupted) with_.rescue.keepIncomplete(run.text, std::exchange(run.recording, std::nullopt));
+    if (settings.learnFromCorrections.get())
+        collaborators_.correctionWatcher.watch(run.text, run.context.appName);
+    if (run.wasInterrupted)
+        collaborators_.rescue.keepIncomplete(run.text, std::exchange(run.recording, std::nullopt));
     discardRecording(run);
     DiagnosticsLog::note(
         "timing", fmt::format("Erkennung {:.2f}s · deterministisch {:.3f}s · gesamt {:.2f}s ({}) → {} [{}]",
@@ -236,8 +240,8 @@ void DictationController::book(DictationRun& run, const PipelineTimes& times) {
 void DictationController::recognitionFailed(DictationRun& run, const std::string& message) {
     // No transcript, but words there were, or sound that nobody has listened to.
     if (!run.isCancelled && (!run.partialText.empty() || run.wasInterrupted)) {
-        with_.rescue.rescue(run.partialText.empty() ? soundOnly : run.partialText,
-                            std::exchange(run.recording, std::nullopt), message);
+        collaborators_.rescue.rescue(run.partialText.empty() ? soundOnly : run.partialText,
+                                     std::exchange(run.recording, std::nullopt), message);
     }
     discardRecording(run);
     if (isNewest(run)) fail(message);
@@ -256,7 +260,7 @@ void DictationController::discardOnCommand(DictationRun& run) {
 }
 
 void DictationController::rescue(DictationRun& run, std::string_view reason) {
-    with_.rescue.rescue(run.text, std::exchange(run.recording, std::nullopt), reason);
+    collaborators_.rescue.rescue(run.text, std::exchange(run.recording, std::nullopt), reason);
     play(FeedbackSound::failure);
     if (isNewest(run)) rest();
 }

@@ -10,7 +10,7 @@ namespace querlin {
 
 RescueFolder::Result DictationRescue::rescue(std::string_view text, std::optional<RecordingFile> recording,
                                              std::string_view reason) {
-    inserter_.placeInPasteboard(text);
+    inserter_.placeOnClipboard(text);
     const auto result = folder_.keep(text, std::move(recording));
     RescueReport::writeToLog(text, reason, result);
     RescueReport::notify(notifier_, text, reason,

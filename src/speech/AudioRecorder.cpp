@@ -27,8 +27,8 @@ std::string AudioRecorderError::description() const {
 }
 
 AudioRecorder::AudioRecorder(AudioRecorderParts parts) :
-    with_(std::move(parts)), devices_(with_.hardware), engine_(with_.hardware.makeEngine()) {
-    postLevel_ = lifetime_.onMain(with_.mainQueue, [this](float level) {
+    parts_(std::move(parts)), devices_(parts_.hardware), engine_(parts_.hardware.makeEngine()) {
+    postLevel_ = lifetime_.onMain(parts_.mainQueue, [this](float level) {
         if (onLevel_) onLevel_(level);
     });
 }
@@ -76,7 +76,7 @@ std::expected<void, AudioRecorderError> AudioRecorder::start(WriteToDisk file) {
     }
     configurationObserver_ = engine_->observeConfigurationChange([this] { configurationChanged(); });
     activeFormat_ = format;
-    startedAt_ = with_.clock.instant();
+    startedAt_ = parts_.clock.instant();
     return {};
 }
 
@@ -96,9 +96,9 @@ std::expected<void, AudioRecorderError> AudioRecorder::openFile(AudioFormat form
     const auto failed = [](std::string detail) {
         return std::unexpected(AudioRecorderError{AudioRecorderError::Kind::fileFailed, std::move(detail)});
     };
-    auto recording = with_.folder.begin();
+    auto recording = parts_.folder.begin();
     if (!recording) return failed(recording.error().description());
-    auto writer = with_.files.create(recording->audio(), format);
+    auto writer = parts_.files.create(recording->audio(), format);
     if (!writer) {
         recording->discard();
         return failed(writer.error());
@@ -126,7 +126,7 @@ void AudioRecorder::stop() {
 }
 
 double AudioRecorder::duration() const {
-    return startedAt_ ? inSeconds(with_.clock.instant() - *startedAt_) : 0;
+    return startedAt_ ? inSeconds(parts_.clock.instant() - *startedAt_) : 0;
 }
 
 void AudioRecorder::discardRecording() {
@@ -160,7 +160,7 @@ void AudioRecorder::reportLevel(const AudioBuffer& buffer) {
     const auto level = AudioLevel::of(buffer);
     if (!level) return;
     smoothedLevel_ = AudioLevel::smoothed(smoothedLevel_, *level);
-    const auto now = with_.clock.instant();
+    const auto now = parts_.clock.instant();
     if (lastLevelReport_ && now - *lastLevelReport_ <= levelInterval) return;
     lastLevelReport_ = now;
     postLevel_(smoothedLevel_);

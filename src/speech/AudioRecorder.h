@@ -104,7 +104,7 @@ private:
     void reportLevel(const AudioBuffer& buffer);
     void configurationChanged();
 
-    AudioRecorderParts with_;
+    AudioRecorderParts parts_;
     AudioDevices devices_;
     std::function<void(float)> onLevel_;
     std::function<void(ConfigurationChange)> onChange_;

@@ -1,7 +1,7 @@
 #include "speech/LocalTranscribers.h"
 
-#include "speech/AppleSpeechTranscriber.h"
-#include "speech/SpeechAnalyzerTranscriber.h"
+#include "speech/ClassicTranscriber.h"
+#include "speech/StreamingModelTranscriber.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -33,12 +33,12 @@ SystemVersion LocalTranscribers::systemVersion() const {
 
 std::shared_ptr<StreamingTranscriber> LocalTranscribers::make(TranscriptionEngine engine) {
     switch (engine) {
-    case TranscriptionEngine::speechAnalyzer:
-        return std::make_shared<SpeechAnalyzerTranscriber>(runtime_, streaming_, makeConverter_);
-    case TranscriptionEngine::appleSpeech:
+    case TranscriptionEngine::streaming:
+        return std::make_shared<StreamingModelTranscriber>(runtime_, streaming_, makeConverter_);
+    case TranscriptionEngine::classic:
         break;
     }
-    return std::make_shared<AppleSpeechTranscriber>(runtime_, classic_);
+    return std::make_shared<ClassicTranscriber>(runtime_, classic_);
 }
 
 std::string LocalTranscribers::locale(DictationLanguage language) const {

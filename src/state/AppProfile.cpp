@@ -23,7 +23,7 @@ const std::vector<AppProfile>& AppProfile::builtIn() {
 }
 
 JsonValue toJson(const AppProfile& profile) {
-    return JsonValue::Object{{"bundleIdentifier", profile.bundleIdentifier},
+    return JsonValue::Object{{"bundleIdentifier", profile.applicationId},
                              {"appName", profile.appName},
                              {"style", std::string(rawValue(profile.style))},
                              {"polishEnabled", profile.polishEnabled}};

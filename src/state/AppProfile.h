@@ -11,7 +11,7 @@ namespace querlin {
 
 /// The writing style for one application, told by its identifier (compared exactly).
 struct AppProfile {
-    std::string bundleIdentifier;
+    std::string applicationId;
     std::string appName;
     WritingStyle style = WritingStyle::aktenstil;
     /// Whether the language model may polish texts for this application.

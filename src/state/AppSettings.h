@@ -33,7 +33,7 @@ public:
     /// A value below 1 means no limit.
     Setting<std::int64_t> maxDictationMinutes{store_, "maxDictationMinutes", 15};
     Setting<DictationLanguage> language{store_, "dictationLanguage", DictationLanguage::german};
-    Setting<TranscriptionEngine> engine{store_, "transcriptionEngine", TranscriptionEngine::appleSpeech};
+    Setting<TranscriptionEngine> engine{store_, "transcriptionEngine", TranscriptionEngine::classic};
     Setting<bool> onDeviceRecognitionOnly{store_, "onDeviceRecognitionOnly", true};
     Setting<std::vector<std::string>> userDictionary{store_, "userDictionary", {}};
     Setting<std::int64_t> contextualLimit{store_, "contextualLimit", 250};

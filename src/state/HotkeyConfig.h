@@ -11,26 +11,26 @@
 namespace querlin {
 
 /// A key that is held down by itself; the left and the right key of one kind are two keys.
-enum class ModifierKey : std::uint8_t { rightOption, rightCommand, rightControl, rightShift, fn, leftOption };
+enum class ModifierKey : std::uint8_t { altGr, rightSuper, rightControl, rightShift, fn, leftAlt };
 
 /// A key held together with others.
-enum class ComboHotkey : std::uint8_t { optionSpace, controlSpace, commandShiftD };
+enum class ComboHotkey : std::uint8_t { altSpace, controlSpace, superShiftD };
 
 constexpr std::array<EnumRow<ModifierKey>, 6> enumRows(ModifierKey) {
     using enum ModifierKey;
-    return {{{rightOption, "rightOption", "Rechte Wahltaste (⌥)"},
-             {rightCommand, "rightCommand", "Rechte Befehlstaste (⌘)"},
-             {rightControl, "rightControl", "Rechte Control-Taste (⌃)"},
-             {rightShift, "rightShift", "Rechte Umschalttaste (⇧)"},
-             {fn, "fn", "Fn / 🌐"},
-             {leftOption, "leftOption", "Linke Wahltaste (⌥)"}}};
+    return {{{altGr, "rightOption", "AltGr"},
+             {rightSuper, "rightCommand", "Rechte Super-Taste"},
+             {rightControl, "rightControl", "Rechte Strg-Taste"},
+             {rightShift, "rightShift", "Rechte Umschalttaste"},
+             {fn, "fn", "Fn"},
+             {leftAlt, "leftOption", "Linke Alt-Taste"}}};
 }
 
 constexpr std::array<EnumRow<ComboHotkey>, 3> enumRows(ComboHotkey) {
     using enum ComboHotkey;
-    return {{{optionSpace, "optionSpace", "⌥ + Leertaste halten"},
-             {controlSpace, "controlSpace", "⌃ + Leertaste halten"},
-             {commandShiftD, "commandShiftD", "⌘ + ⇧ + D halten"}}};
+    return {{{altSpace, "optionSpace", "Alt + Leertaste halten"},
+             {controlSpace, "controlSpace", "Strg + Leertaste halten"},
+             {superShiftD, "commandShiftD", "Super + Umschalt + D halten"}}};
 }
 
 /// The key or combination that is held while dictating. Both choices are kept, whichever is active.
@@ -38,10 +38,10 @@ struct HotkeyConfig {
     enum class Mode : std::uint8_t { holdModifier, holdCombo };
 
     Mode mode = Mode::holdModifier;
-    ModifierKey modifier = ModifierKey::rightOption;
-    ComboHotkey combo = ComboHotkey::optionSpace;
+    ModifierKey modifier = ModifierKey::rightControl;
+    ComboHotkey combo = ComboHotkey::altSpace;
 
-    /// "Rechte Wahltaste (⌥) halten"
+    /// "Rechte Strg-Taste halten"
     std::string displayName() const;
 
     bool operator==(const HotkeyConfig&) const = default;

@@ -8,7 +8,7 @@ namespace querlin::Product {
 inline constexpr std::string_view name = "Querlin";
 /// As the build names it.
 inline constexpr std::string_view version = QUERLIN_VERSION;
-inline constexpr std::string_view bundleIdentifier = "local.mandolan.querlin";
+inline constexpr std::string_view applicationId = "local.mandolan.querlin";
 /// The preferences domain of the earlier product, read once.
 inline constexpr std::string_view legacyDomain = "local.tiktalon";
 

@@ -17,12 +17,12 @@ constexpr std::array<EnumRow<DictationLanguage>, 3> enumRows(DictationLanguage) 
 }
 
 /// The two recognisers: the newer streaming service, and the classic one.
-enum class TranscriptionEngine : std::uint8_t { speechAnalyzer, appleSpeech };
+enum class TranscriptionEngine : std::uint8_t { streaming, classic };
 
 constexpr std::array<EnumRow<TranscriptionEngine>, 2> enumRows(TranscriptionEngine) {
     using enum TranscriptionEngine;
-    return {{{speechAnalyzer, "speechAnalyzer", "SpeechAnalyzer (macOS 26)"},
-             {appleSpeech, "appleSpeech", "Apple Speech (klassisch)"}}};
+    return {{{streaming, "speechAnalyzer", "Streaming-Erkenner (sherpa-onnx)"},
+             {classic, "appleSpeech", "Klassischer Erkenner (PocketSphinx)"}}};
 }
 
 } // namespace querlin

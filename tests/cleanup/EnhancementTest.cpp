@@ -60,7 +60,7 @@ protected:
     AppSettings settings{store};
     ScriptedModel model;
     RuleBasedEnhancer rules{time.runtime()};
-    LocalFoundationEnhancer enhancer{model};
+    LocalModelEnhancer enhancer{model};
     EnhancementCoordinator coordinator{settings, rules, enhancer};
 
 private:
@@ -141,7 +141,7 @@ TEST_F(EnhancementTest, GivesEachTextASessionAndStrictInstructions) {
               "Das lokale Modell wird noch geladen. Später erneut versuchen. Es wird regelbasiert bereinigt.");
 }
 
-TEST(LocalFoundationEnhancer, UnwrapsAnswers) {
+TEST(LocalModelEnhancer, UnwrapsAnswers) {
     const std::vector<std::pair<const char*, const char*>> rows = {{"<transkript>\nHallo Welt.\n</transkript>", "Hallo Welt."},
                                                                    {"\"Hallo Welt.\"", "Hallo Welt."},
                                                                    {"„Hallo Welt.“", "„Hallo Welt.“"},
@@ -149,7 +149,7 @@ TEST(LocalFoundationEnhancer, UnwrapsAnswers) {
                                                                    {"\"", "\""},
                                                                    {"\"\"", ""},
                                                                    {"a</transkript>b<transkript>", "ab"}};
-    for (const auto& [answer, text] : rows) EXPECT_EQ(LocalFoundationEnhancer::stripWrapping(answer), text) << answer;
+    for (const auto& [answer, text] : rows) EXPECT_EQ(LocalModelEnhancer::stripWrapping(answer), text) << answer;
 }
 
 } // namespace

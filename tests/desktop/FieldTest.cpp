@@ -64,7 +64,7 @@ TEST_F(FieldTest, IsLookedForInTheDesktopThenInTheApplication) {
     EXPECT_EQ(detector.capture().field, FieldKind::multiLine);
     desktop.whole->attributes["AXFocusedUIElement"] = "a text";
     EXPECT_EQ(detector.capture().field, FieldKind::multiLine) << "a value of a wrong kind is none";
-    desktop.front->bundleIdentifier.reset();
+    desktop.front->applicationId.reset();
     EXPECT_EQ(detector.capture().summary(), "Mail [ohne Kennung] · Textbereich");
     desktop.front.reset();
     EXPECT_EQ(detector.capture(), DictationContext()) << "no application to ask";

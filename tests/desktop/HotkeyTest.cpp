@@ -50,9 +50,9 @@ TEST_F(HotkeyTest, MakesOnePressAndOneReleaseOfEachHold) {
         const char* reason;
     };
     const HotkeyConfig right;
-    const HotkeyConfig left{modifier, ModifierKey::leftOption, ComboHotkey::optionSpace};
-    const HotkeyConfig space{combo, ModifierKey::rightOption, ComboHotkey::optionSpace};
-    const HotkeyConfig letter{combo, ModifierKey::rightOption, ComboHotkey::commandShiftD};
+    const HotkeyConfig left{modifier, ModifierKey::leftAlt, ComboHotkey::altSpace};
+    const HotkeyConfig space{combo, ModifierKey::altGr, ComboHotkey::altSpace};
+    const HotkeyConfig letter{combo, ModifierKey::altGr, ComboHotkey::superShiftD};
     const std::vector<Row> rows = {
         {right, {changed(61, 0x80040), changed(61, 0)}, "+-", "press and release"},
         {right, {changed(61, 0x80040), changed(58, 0x80060), changed(58, 0x80040), changed(61, 0)}, "+-", "the other key of the pair"},
@@ -121,7 +121,7 @@ TEST_F(HotkeyTest, SaysWhyItDoesNotStart) {
 }
 
 TEST_F(HotkeyTest, ANewKeyEndsTheHoldOfTheFormerOne) {
-    const HotkeyConfig fn{HotkeyConfig::Mode::holdModifier, ModifierKey::fn, ComboHotkey::optionSpace};
+    const HotkeyConfig fn{HotkeyConfig::Mode::holdModifier, ModifierKey::fn, ComboHotkey::altSpace};
     ASSERT_TRUE(hotkey.start());
     EXPECT_EQ(after({changed(61, 0x40)}), "+");
     hotkey.update(HotkeyConfig());

@@ -1,4 +1,4 @@
-#include "desktop/PasteboardInserter.h"
+#include "desktop/ClipboardInserter.h"
 #include "foundation/TaskGroup.h"
 #include "support/CapturedLog.h"
 #include "support/FakeDesktop.h"
@@ -13,34 +13,34 @@ using Outcome = TextInserter::Outcome;
 using FieldKind = DictationContext::FieldKind;
 
 /// What a user may have copied: two items in several forms.
-const PasteboardSnapshot copied{
+const ClipboardSnapshot copied{
     {{{"text/plain", "alt", ""}, {"application/x-own", std::string("\0\xFF", 2), "ATOM/32"}}, {{"image/png", "bild", ""}}}};
-const PasteboardSnapshot copiedLater{{{{"text/plain", "neu", ""}}}};
+const ClipboardSnapshot copiedLater{{{{"text/plain", "neu", ""}}}};
 
 struct InsertionTest : testing::Test {
     CapturedLog log;
     ManualTime time;
     FakeAccess access;
     FakeDesktop desktop;
-    FakePasteboard pasteboard{time};
+    FakeClipboard clipboard{time};
     FakePasteKey key;
     PermissionsManager permissions{time, access, desktop};
     ContextDetector detector{permissions, desktop, desktop};
-    PasteboardInserter inserter{{time.runtime(), permissions, detector, desktop, pasteboard, key}};
+    ClipboardInserter inserter{{time.runtime(), permissions, detector, desktop, clipboard, key}};
     TaskGroup tasks;
     std::optional<std::expected<Outcome, InsertError>> outcome;
     Registration target_;
 
     InsertionTest() {
-        pasteboard.contents = copied;
+        clipboard.contents = copied;
         targetReadsAfter(seconds(0.01));
     }
     /// The program in front takes the clipboard's text this long after the key.
     void targetReadsAfter(Duration delay) {
         key.onPress = [this, delay] {
             target_ = time.after(delay, [this] {
-                pasted = pasteboard.text();
-                if (pasteboard.offer->current) ++pasteboard.offer->reads;
+                pasted = clipboard.text();
+                if (clipboard.offer->current) ++clipboard.offer->reads;
                 if (desktop.field->attributes.contains("AXValue")) desktop.setText(pasted);
             });
         };
@@ -64,13 +64,13 @@ TEST_F(InsertionTest, GivesTheClipboardBackUnlessTheTextIsStillNeededThere) {
     struct Row {
         std::function<void(InsertionTest&)> given;
         Outcome outcome;
-        PasteboardSnapshot left;
+        ClipboardSnapshot left;
         const char* reason;
     };
-    const PasteboardSnapshot dictated{{{{"text/plain", "Hallo", ""}}}};
+    const ClipboardSnapshot dictated{{{{"text/plain", "Hallo", ""}}}};
     const std::vector<Row> rows = {
         {[](auto&) {}, Outcome::inserted, copied, "all items, all forms"},
-        {[](auto& t) { t.pasteboard.contents = {}; }, Outcome::inserted, {}, "nothing was there"},
+        {[](auto& t) { t.clipboard.contents = {}; }, Outcome::inserted, {}, "nothing was there"},
         {[](auto& t) { t.key.onPress = [] {}; }, Outcome::notInserted, dictated, "the field is as it was"},
         {[](auto& t) { t.key.works = false; }, Outcome::notInserted, dictated, "no key could be pressed"},
         {[](auto& t) { t.desktop.focusOn(nullptr); }, Outcome::unconfirmed, copied, "no field known"},
@@ -78,7 +78,7 @@ TEST_F(InsertionTest, GivesTheClipboardBackUnlessTheTextIsStillNeededThere) {
         {[](auto& t) {
              t.key.onPress = [&t] {
                  t.desktop.field->attributes.erase("AXValue");
-                 t.pasteboard.offer->reads = 1;
+                 t.clipboard.offer->reads = 1;
              };
          },
          Outcome::unconfirmed, copied, "it has become unreadable"},
@@ -90,12 +90,12 @@ TEST_F(InsertionTest, GivesTheClipboardBackUnlessTheTextIsStillNeededThere) {
     };
     for (const auto& row : rows) {
         desktop = FakeDesktop();
-        pasteboard.contents = copied;
+        clipboard.contents = copied;
         key.works = true;
         targetReadsAfter(seconds(0.01));
         row.given(*this);
         EXPECT_EQ(insert("Hallo"), row.outcome) << row.reason;
-        EXPECT_EQ(pasteboard.contents, row.left) << row.reason;
+        EXPECT_EQ(clipboard.contents, row.left) << row.reason;
     }
     EXPECT_EQ(log.countOf("[insert] Einfügen nicht angekommen – Text bleibt in der Zwischenablage."), 3U);
 }
@@ -104,62 +104,62 @@ TEST_F(InsertionTest, TouchesNothingWithoutPermissionOrText) {
     EXPECT_EQ(insert(""), Outcome::inserted);
     access.trusted = false;
     EXPECT_EQ(insert("Hallo"), std::unexpected(InsertError::noAccessibilityPermission));
-    EXPECT_EQ(pasteboard.contents, copied);
+    EXPECT_EQ(clipboard.contents, copied);
     EXPECT_TRUE(key.pressed.empty());
 }
 
 TEST_F(InsertionTest, KeepsItsTimes) {
-    pasteboard.captureDelay = seconds(0.2);
+    clipboard.captureDelay = seconds(0.2);
     begin("Hallo");
     time.advance(seconds(0.2));
-    EXPECT_EQ(pasteboard.text(), "Hallo");
-    EXPECT_EQ(pasteboard.history, ClipboardHistory::skip) << "a clipboard's history doesn't get dictated words";
+    EXPECT_EQ(clipboard.text(), "Hallo");
+    EXPECT_EQ(clipboard.history, ClipboardHistory::skip) << "a clipboard's history doesn't get dictated words";
     time.advance(seconds(0.049));
     EXPECT_TRUE(key.pressed.empty());
     time.advance(seconds(0.001));
     EXPECT_EQ(key.pressed.size(), 1U);
     time.advance(seconds(0.549));
-    EXPECT_EQ(pasteboard.text(), "Hallo");
+    EXPECT_EQ(clipboard.text(), "Hallo");
     time.advance(seconds(0.001));
-    EXPECT_EQ(pasteboard.contents, copied);
+    EXPECT_EQ(clipboard.contents, copied);
     EXPECT_EQ(outcome, Outcome::inserted);
 }
 
 TEST_F(InsertionTest, WaitsForASlowReaderButNotForever) {
     desktop.focusOn(nullptr); // so that nobody knows of the text's arrival
     for (const double late : {0.01, 0.05, 0.15, 0.4, 1.0, 1.9}) {
-        pasteboard.contents = copied;
+        clipboard.contents = copied;
         targetReadsAfter(seconds(late));
         EXPECT_EQ(insert("Hallo"), Outcome::unconfirmed);
         EXPECT_EQ(pasted, "Hallo") << late;
-        EXPECT_EQ(pasteboard.contents, copied) << late;
+        EXPECT_EQ(clipboard.contents, copied) << late;
     }
     key.onPress = [] {};
     begin("Hallo");
     time.advance(seconds(2.04));
-    EXPECT_EQ(pasteboard.text(), "Hallo");
+    EXPECT_EQ(clipboard.text(), "Hallo");
     time.advance(seconds(0.02));
     EXPECT_EQ(outcome, Outcome::notInserted) << "nobody has read";
-    EXPECT_EQ(pasteboard.text(), "Hallo") << "it can be pasted by hand";
-    pasteboard.contents = copied;
+    EXPECT_EQ(clipboard.text(), "Hallo") << "it can be pasted by hand";
+    clipboard.contents = copied;
 
-    key.onPress = [this] { pasteboard.offer->reads = 1; };
+    key.onPress = [this] { clipboard.offer->reads = 1; };
     begin("Hallo");
-    pasteboard.offer->beingRead = true;
+    clipboard.offer->beingRead = true;
     time.advance(seconds(1));
-    EXPECT_EQ(pasteboard.text(), "Hallo") << "a second program is at it";
-    pasteboard.offer->beingRead = false;
+    EXPECT_EQ(clipboard.text(), "Hallo") << "a second program is at it";
+    clipboard.offer->beingRead = false;
     time.advance(seconds(0.02));
-    EXPECT_EQ(pasteboard.contents, copied);
+    EXPECT_EQ(clipboard.contents, copied);
 }
 
 TEST_F(InsertionTest, RespectsWhatTheUserCopiesMeanwhile) {
     begin("Hallo");
     time.advance(seconds(0.4));
-    pasteboard.copy(copiedLater);
+    clipboard.copy(copiedLater);
     time.advance(seconds(3));
     EXPECT_EQ(outcome, Outcome::inserted);
-    EXPECT_EQ(pasteboard.contents, copiedLater);
+    EXPECT_EQ(clipboard.contents, copiedLater);
 }
 
 TEST_F(InsertionTest, TakesTheShortcutOfTheProgram) {
@@ -167,15 +167,15 @@ TEST_F(InsertionTest, TakesTheShortcutOfTheProgram) {
     insert("ls");
     desktop.focusOn(nullptr);
     insert("ls");
-    desktop.front->bundleIdentifier = "kitty";
+    desktop.front->applicationId = "kitty";
     insert("ls");
     EXPECT_EQ(key.pressed, (std::vector{PasteShortcut::terminal, PasteShortcut::standard, PasteShortcut::terminal}));
 }
 
 TEST_F(InsertionTest, LeavesARescuedTextToTheUser) {
-    inserter.placeInPasteboard("gerettet");
-    EXPECT_EQ(pasteboard.text(), "gerettet");
-    EXPECT_EQ(pasteboard.history, ClipboardHistory::keep);
+    inserter.placeOnClipboard("gerettet");
+    EXPECT_EQ(clipboard.text(), "gerettet");
+    EXPECT_EQ(clipboard.history, ClipboardHistory::keep);
 }
 
 } // namespace

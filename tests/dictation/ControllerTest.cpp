@@ -54,8 +54,7 @@ TEST(Controller, RefusalsShowTheirTextForTwoSeconds) {
          "password field"},
         {[](auto& w) { w.services.script.beginError = TranscriptionError{TranscriptionError::Kind::unavailable, "kein Modell"}; },
          "Spracherkennung nicht verfügbar: kein Modell", 0, "recogniser"},
-        {[](auto& w) { w.audio.format = {}; },
-         "Kein Mikrofon gefunden.", 0, "recorder"},
+        {[](auto& w) { w.audio.format = {}; }, "Kein Mikrofon gefunden.", 0, "recorder"},
     };
     for (const auto& row : rows) {
         DictationWorld w;
@@ -179,7 +178,7 @@ TEST(Controller, ChoosesTheRecogniserAndItsWords) {
 
     w.settings.legalVocabularyEnabled.set(false);
     w.settings.contextualLimit.set(2);
-    w.settings.engine.set(TranscriptionEngine::speechAnalyzer);
+    w.settings.engine.set(TranscriptionEngine::streaming);
     w.access.speech = AuthorizationStatus::denied; // not asked for by the newer recogniser
     w.dictate("b");
     EXPECT_EQ(w.services.transcriber->contextual, (std::vector<std::string>{"Nießbrauch", "Querulanz"}));
@@ -189,7 +188,7 @@ TEST(Controller, ChoosesTheRecogniserAndItsWords) {
     w.dictate("c");
     EXPECT_TRUE(w.services.transcriber->contextual.empty());
     EXPECT_EQ(w.services.madeEngines,
-              (std::vector{TranscriptionEngine::appleSpeech, TranscriptionEngine::appleSpeech, TranscriptionEngine::speechAnalyzer}));
+              (std::vector{TranscriptionEngine::classic, TranscriptionEngine::classic, TranscriptionEngine::streaming}));
 }
 
 TEST(Controller, WithoutContextThereIsNoPasswordFieldAndNoProfile) {
@@ -275,7 +274,8 @@ TEST(Controller, TogglesAndWritesDiagnostics) {
     EXPECT_EQ(w.phase(), Kind::transcribing);
     EXPECT_TRUE(w.log.has("[menu] Aufnahme umschalten, Phase=Bereit"));
     EXPECT_TRUE(w.log.has("[menu] Aufnahme umschalten, Phase=Aufnehmen"));
-    EXPECT_TRUE(w.log.has("[diag] --- Diagnose ---\n  " + w.hotkey.diagnosticsSummary() + "\n  Mikrofon: granted\n"
+    EXPECT_TRUE(w.log.has("[diag] --- Diagnose ---\n  " + w.hotkey.diagnosticsSummary() +
+                          "\n  Mikrofon: granted\n"
                           "  Spracherkennung: granted\n  Phase: Aufnehmen\n  hotkeyBlocked: false\n"
                           "  Engine: appleSpeech, Sprache: de-DE\n  Mikrofon: Headset (verfügbar: 1)\n"
                           "  Diktate gesamt: 0, Wörter: 0\n  Gerettete Diktate vorhanden: false"));

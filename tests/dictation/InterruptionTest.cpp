@@ -46,7 +46,7 @@ TEST(Interruption, SystemSignalsEndARecordingIntoTheRescueFolderAndNothingElse) 
             EXPECT_EQ(w.rescuedTexts(), ends ? Texts{"Hallo Welt"} : Texts{}) << row.reason;
             EXPECT_EQ(w.rescuedRecordings(), ends ? 1U : 0U);
             EXPECT_EQ(w.inserter.delivered.size(), ends || phase == Kind::idle ? 0U : 1U);
-            EXPECT_EQ(w.inserter.pasteboard, ends ? "Hallo Welt" : "");
+            EXPECT_EQ(w.inserter.clipboard, ends ? "Hallo Welt" : "");
             EXPECT_TRUE(w.recordings().empty());
             EXPECT_EQ(w.phase(), Kind::idle);
             EXPECT_FALSE(w.windows.overlayIsVisible);
@@ -111,10 +111,9 @@ TEST(Interruption, MicrophoneChangesEndTheRecordingButPasteAsUsual) {
         const char* line;
         bool ends;
     };
-    for (const auto& row :
-         {Row{{48000, 1}, "[audio] Eingang gewechselt (Headset) – gleiches Format, Aufnahme läuft weiter.", false},
-          Row{{44100, 1}, "[audio] Eingang gewechselt (Headset) – anderes Format, Diktat wird hier beendet.", true},
-          Row{{}, "[audio] Nach dem Gerätewechsel kein Eingang: Kein Eingang mehr verfügbar.", true}}) {
+    for (const auto& row : {Row{{48000, 1}, "[audio] Eingang gewechselt (Headset) – gleiches Format, Aufnahme läuft weiter.", false},
+                            Row{{44100, 1}, "[audio] Eingang gewechselt (Headset) – anderes Format, Diktat wird hier beendet.", true},
+                            Row{{}, "[audio] Nach dem Gerätewechsel kein Eingang: Kein Eingang mehr verfügbar.", true}}) {
         DictationWorld w;
         bringTo(w, Kind::recording);
         w.audio.change(row.format);

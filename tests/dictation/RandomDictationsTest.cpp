@@ -22,7 +22,7 @@ public:
     void dictate(int number) {
         auto& w = world_;
         w.settings.cleanupMode.set(pick({CleanupMode::rules, CleanupMode::local, CleanupMode::none}));
-        w.settings.engine.set(pick({TranscriptionEngine::appleSpeech, TranscriptionEngine::speechAnalyzer}));
+        w.settings.engine.set(pick({TranscriptionEngine::classic, TranscriptionEngine::streaming}));
         w.services.script = script(number);
         w.inserter.next = insertResult();
         w.enhancer.fails = chance(0.1);

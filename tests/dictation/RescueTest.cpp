@@ -23,7 +23,7 @@ TEST(Rescue, PutsTextOnTheClipboardAndIntoTheFolderAndTellsTheUser) {
     DictationWorld w;
     EXPECT_FALSE(w.rescue.hasEntries());
     const auto result = w.rescue.rescue("Äpfel", recordingIn(w), "Grund");
-    EXPECT_EQ(w.inserter.pasteboard, "Äpfel");
+    EXPECT_EQ(w.inserter.clipboard, "Äpfel");
     EXPECT_EQ(result.textFile->filename(), "Diktat 2026-03-14 09-30-00.txt");
     EXPECT_EQ(contentOf(*result.textFile), "Äpfel");
     EXPECT_EQ(result.audioFile->filename(), "Diktat 2026-03-14 09-30-00.caf");
@@ -76,7 +76,7 @@ TEST(Rescue, AFolderThatCannotBeMadeLeavesTextAndAudioForTheNextStart) {
     writeFile(w.rescueFolder.path(), "eine Datei, kein Ordner");
     const auto result = w.rescue.rescue("wichtig", recordingIn(w), "Grund");
     EXPECT_FALSE(result.textFile);
-    EXPECT_EQ(w.inserter.pasteboard, "wichtig");
+    EXPECT_EQ(w.inserter.clipboard, "wichtig");
     EXPECT_EQ(w.services.notifications, (Texts{"Diktat nicht eingefügt: Grund. Der Text liegt in der Zwischenablage.\n\n„wichtig…“"}));
     EXPECT_EQ(w.log.countOf("[rescue] Rettungsordner nicht anlegbar: Statt eines Ordners liegt dort eine Datei"), 1U);
 
@@ -94,7 +94,7 @@ TEST(Rescue, AFullDiskLeavesTheClipboardTheNoticeAndTheRecording) {
         const FullDisk full;
         EXPECT_FALSE(w.rescue.rescue("ganz", std::move(recording), "Grund").textFile);
     }
-    EXPECT_EQ(w.inserter.pasteboard, "ganz");
+    EXPECT_EQ(w.inserter.clipboard, "ganz");
     EXPECT_EQ(w.services.notifications.size(), 1U);
     EXPECT_EQ(w.log.countOf("[rescue] Text nicht schreibbar: "), 1U);
     CrashRecovery::rescueLeftBehind(RecordingFolder(w.recordingsPath), w.rescueFolder, w.notifier);
@@ -138,7 +138,7 @@ TEST(Rescue, WorksWithoutANotificationService) {
 
 TEST(CrashRecovery, BringsLeftRecordingsIntoTheFolderAndSparesTheClipboard) {
     DictationWorld w;
-    w.inserter.pasteboard = "etwas anderes";
+    w.inserter.clipboard = "etwas anderes";
     recordingIn(w)->keepText("halber Satz");
     recordingIn(w);
     recordingIn(w, "");
@@ -148,7 +148,7 @@ TEST(CrashRecovery, BringsLeftRecordingsIntoTheFolderAndSparesTheClipboard) {
     std::ranges::sort(texts);
     EXPECT_EQ(texts, (Texts{"(nur Tonaufnahme – nach einem Absturz gefunden)", "halber Satz"}));
     EXPECT_EQ(w.rescuedRecordings(), 2U);
-    EXPECT_EQ(w.inserter.pasteboard, "etwas anderes");
+    EXPECT_EQ(w.inserter.clipboard, "etwas anderes");
     EXPECT_EQ(w.log.countOf("[rescue] Nach einem Absturz gefunden – 2 Wörter gerettet → Diktat"), 1U);
     EXPECT_EQ(w.services.notifications.size(), 2U);
     EXPECT_EQ(w.recordings().size(), 2U) << "only the living one's";

@@ -6,7 +6,7 @@
 #include "Require.h"
 
 #include "chain/WholeChain.h"
-#include "cleanup/LocalFoundationEnhancer.h"
+#include "cleanup/LocalModelEnhancer.h"
 #include "cleanup/RuleBasedEnhancer.h"
 #include "desktop/Correction.h"
 #include "foundation/Graphemes.h"
@@ -131,7 +131,7 @@ void corrections(std::string_view text, unsigned options) {
 }
 
 void answers(std::string_view text, unsigned) {
-    const auto stripped = LocalFoundationEnhancer::stripWrapping(text);
+    const auto stripped = LocalModelEnhancer::stripWrapping(text);
     require(trimWhitespaceAndNewlines(stripped) == stripped, "no white space at the ends");
 }
 

@@ -63,7 +63,7 @@ TEST_F(BadStarts, WithDamagedLaws) {
 }
 
 TEST_F(BadStarts, WithDamagedSettings) {
-    writeFile(querlin.paths().preferencesFile(Product::bundleIdentifier), "{ \"playStartSound\": tr");
+    writeFile(querlin.paths().preferencesFile(Product::applicationId), "{ \"playStartSound\": tr");
     startQuerlin();
     EXPECT_TRUE(querlin.says("[app] Einstellungen nicht lesbar – beiseitegelegt als "));
     EXPECT_TRUE(eventually([] { return notifications().contains("Einstellungen nicht lesbar"); }));

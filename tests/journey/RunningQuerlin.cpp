@@ -30,7 +30,7 @@ RunningQuerlin::~RunningQuerlin() {
 }
 
 void RunningQuerlin::prepare(const std::function<void(AppSettings&)>& change) const {
-    PreferencesStore store(paths_.preferencesFile(Product::bundleIdentifier), clock_);
+    PreferencesStore store(paths_.preferencesFile(Product::applicationId), clock_);
     AppSettings settings(store);
     change(settings);
 }
@@ -81,7 +81,7 @@ bool RunningQuerlin::says(const std::string& line, Duration longest) const {
 std::vector<DictationEntry> RunningQuerlin::history() const { return DictationHistory(paths_.support, clock_).entries(); }
 
 std::string RunningQuerlin::statistics() const {
-    PreferencesStore store(paths_.preferencesFile(Product::bundleIdentifier), clock_);
+    PreferencesStore store(paths_.preferencesFile(Product::applicationId), clock_);
     const UsageStatistics statistics(store, clock_);
     return fmt::format("{} Diktate, {} Wörter", statistics.dictationCount.get(), statistics.wordCount.get());
 }

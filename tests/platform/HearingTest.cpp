@@ -9,9 +9,9 @@
 #include "platform/pocketsphinx/ClassicService.h"
 #include "platform/pulse/PulseAudio.h"
 #include "platform/sndfile/SndfileCreator.h"
-#include "speech/AppleSpeechTranscriber.h"
 #include "speech/AudioRecorder.h"
-#include "speech/SpeechAnalyzerTranscriber.h"
+#include "speech/ClassicTranscriber.h"
+#include "speech/StreamingModelTranscriber.h"
 #include "support/Desktop.h"
 #include "support/SoundServer.h"
 
@@ -82,7 +82,7 @@ struct Hearing : testing::Test {
     }
 
     std::shared_ptr<StreamingTranscriber> listen() {
-        auto transcriber = std::make_shared<SpeechAnalyzerTranscriber>(Runtime{loop, clock, pool}, service, makeSwrConverter);
+        auto transcriber = std::make_shared<StreamingModelTranscriber>(Runtime{loop, clock, pool}, service, makeSwrConverter);
         listen(transcriber);
         return transcriber;
     }
@@ -135,7 +135,7 @@ TEST_F(Hearing, EverySampleReachesTheFileAndTheRecogniserThroughAStartUpOfTwoSec
 
 TEST_F(Hearing, WhatIsSaidIntoTheMicrophoneIsUnderstood) {
     ClassicService classic({.model = QUERLIN_STARTER_MODEL, .makeConverter = makeSwrConverter});
-    const auto transcriber = std::make_shared<AppleSpeechTranscriber>(Runtime{loop, clock, pool}, classic);
+    const auto transcriber = std::make_shared<ClassicTranscriber>(Runtime{loop, clock, pool}, classic);
     listen(transcriber);
     server.play("mikrofon", spoken("der Antrag auf Wohngeld wurde am Montag bewilligt Punkt").in(format).samples);
     EXPECT_EQ(finish(*transcriber), "der Antrag auf Wohngeld wurde am Montag bewilligt Punkt");

@@ -1,7 +1,7 @@
 // The classic recogniser's races, each in the order in which it can happen.
 
+#include "speech/ClassicTranscriber.h"
 #include "foundation/TaskGroup.h"
-#include "speech/AppleSpeechTranscriber.h"
 #include "speech/LocalTranscribers.h"
 #include "support/CapturedLog.h"
 #include "support/ManualTime.h"
@@ -57,7 +57,7 @@ struct Classic : testing::Test {
     CapturedLog log;
     ManualTime time;
     FakeService service;
-    std::shared_ptr<AppleSpeechTranscriber> transcriber = std::make_shared<AppleSpeechTranscriber>(time.runtime(), service);
+    std::shared_ptr<ClassicTranscriber> transcriber = std::make_shared<ClassicTranscriber>(time.runtime(), service);
     std::optional<Result> outcome;
     TaskGroup tasks;
 
@@ -100,7 +100,7 @@ TEST_F(Classic, TheRequestCarriesWordsAndTheWishToStayOnTheDevice) {
     EXPECT_TRUE(service.request.requiresOnDevice);
     EXPECT_TRUE(log.has("[speech] 2 Fachbegriffe übergeben."));
     service.onDevice = false;
-    AppleSpeechTranscriber other(time.runtime(), service);
+    ClassicTranscriber other(time.runtime(), service);
     ASSERT_TRUE(other.begin("de-DE", true)) << "goes on without";
     EXPECT_FALSE(service.request.requiresOnDevice);
     EXPECT_EQ(log.lines().size(), 1U) << "no words, no note";
@@ -146,7 +146,7 @@ TEST_F(Classic, EveryOrderOfResultErrorAndRelease) {
     };
     for (const auto& row : rows) {
         service.calls.clear();
-        transcriber = std::make_shared<AppleSpeechTranscriber>(time.runtime(), service);
+        transcriber = std::make_shared<ClassicTranscriber>(time.runtime(), service);
         outcome.reset();
         begin();
         row.before(service);

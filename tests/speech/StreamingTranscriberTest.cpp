@@ -2,7 +2,7 @@
 
 #include "foundation/TaskGroup.h"
 #include "foundation/ThreadPool.h"
-#include "speech/SpeechAnalyzerTranscriber.h"
+#include "speech/StreamingModelTranscriber.h"
 #include "support/ManualTime.h"
 
 #include <atomic>
@@ -104,12 +104,12 @@ struct Streaming : testing::Test {
     ManualTime time;
     FakeService service;
     std::vector<AudioFormat> converters;
-    std::shared_ptr<SpeechAnalyzerTranscriber> transcriber = make();
+    std::shared_ptr<StreamingModelTranscriber> transcriber = make();
     std::optional<std::string> outcome;
     TaskGroup tasks;
 
-    std::shared_ptr<SpeechAnalyzerTranscriber> make() {
-        return std::make_shared<SpeechAnalyzerTranscriber>(time.runtime(), service,
+    std::shared_ptr<StreamingModelTranscriber> make() {
+        return std::make_shared<StreamingModelTranscriber>(time.runtime(), service,
                                                            [this](AudioFormat from, AudioFormat) -> std::unique_ptr<AudioConverter> {
                                                                converters.push_back(from);
                                                                if (from.sampleRate == 8000) return nullptr;
@@ -285,11 +285,11 @@ TEST_F(Streaming, AModelIsPutInPlaceOnce) {
         service.statuses = row.statuses;
         service.canInstall = row.canInstall;
         service.installs = 0;
-        EXPECT_EQ(SpeechAnalyzerTranscriber::prepareAssets(service, "de-DE"), row.ready);
+        EXPECT_EQ(StreamingModelTranscriber::prepareAssets(service, "de-DE"), row.ready);
         EXPECT_EQ(service.installs, row.installs);
     }
-    EXPECT_TRUE(SpeechAnalyzerTranscriber::isAvailable(service, "de-DE"));
-    EXPECT_FALSE(SpeechAnalyzerTranscriber::isAvailable(service, "en-US"));
+    EXPECT_TRUE(StreamingModelTranscriber::isAvailable(service, "de-DE"));
+    EXPECT_FALSE(StreamingModelTranscriber::isAvailable(service, "en-US"));
 }
 
 /// The audio thread runs on while the start-up, on a thread of its own, passes on what waits.
@@ -301,7 +301,7 @@ TEST_F(Streaming, NothingOvertakesWhatWaits) {
         session().duringPrepare = [&] {
             while (appended < 100) std::this_thread::yield();
         };
-        auto real = std::make_shared<SpeechAnalyzerTranscriber>(Runtime{time, time, pool}, service, MakeAudioConverter());
+        auto real = std::make_shared<StreamingModelTranscriber>(Runtime{time, time, pool}, service, MakeAudioConverter());
         ASSERT_TRUE(real->begin("de-DE", true));
         for (int i = 0; i < 400; ++i) {
             const std::vector samples = {static_cast<float>(i)};

@@ -61,7 +61,7 @@ protected:
 };
 
 TEST_F(SettingsTest, EveryPropertySurvivesARestart) {
-    const HotkeyConfig hotkey{HotkeyConfig::Mode::holdCombo, ModifierKey::fn, ComboHotkey::commandShiftD};
+    const HotkeyConfig hotkey{HotkeyConfig::Mode::holdCombo, ModifierKey::fn, ComboHotkey::superShiftD};
     const std::vector<AppProfile> profiles = {{"org.example", "Beispiel „x“", WritingStyle::brief, false}};
     const std::vector<TextBlock> blocks = {{"Kurz", "Zeile 1\nZeile 2\t€"}};
     const auto assigned = [&] {
@@ -74,7 +74,7 @@ TEST_F(SettingsTest, EveryPropertySurvivesARestart) {
         s.playStopSound.set(false);
         s.maxDictationMinutes.set(-3);
         s.language.set(DictationLanguage::system);
-        s.engine.set(TranscriptionEngine::speechAnalyzer);
+        s.engine.set(TranscriptionEngine::streaming);
         s.onDeviceRecognitionOnly.set(false);
         s.userDictionary.set({"Nießbrauch", "ß"});
         s.contextualLimit.set(7);
@@ -132,13 +132,12 @@ TEST_F(SettingsTest, AbsentAndUnusableValuesGiveTheFallback) {
     const std::vector<Row> rows = {
         {"{}",
          [](auto& s) {
-             return s.engine.get() == TranscriptionEngine::appleSpeech && s.maxDictationMinutes.get() == 15 &&
-                    s.contextualLimit.get() == 250 && s.historyRetentionDays.get() == 30 && !s.installedAt.get() &&
-                    s.playStartSound.get() && s.textBlocks.get().size() == 3 && s.appProfiles.get().size() == 11;
+             return s.engine.get() == TranscriptionEngine::classic && s.maxDictationMinutes.get() == 15 && s.contextualLimit.get() == 250 &&
+                    s.historyRetentionDays.get() == 30 && !s.installedAt.get() && s.playStartSound.get() &&
+                    s.textBlocks.get().size() == 3 && s.appProfiles.get().size() == 11;
          },
          "absent keys"},
-        {R"({"transcriptionEngine":"whisper"})", [](auto& s) { return s.engine.get() == TranscriptionEngine::appleSpeech; },
-         "unknown engine"},
+        {R"({"transcriptionEngine":"whisper"})", [](auto& s) { return s.engine.get() == TranscriptionEngine::classic; }, "unknown engine"},
         {R"({"dictationLanguage":"fr-FR","cleanupMode":"Rules"})",
          [](auto& s) { return s.language.get() == DictationLanguage::german && s.cleanupMode.get() == CleanupMode::rules; },
          "raw values compare exactly"},

@@ -43,7 +43,7 @@ Task<InsertResult> FakeInserter::insert(std::string text) {
     } const leave{underWay};
     if (result && !text.empty()) co_await sleepFor(queue_, delay);
     if (result && *result == Outcome::notInserted) {
-        pasteboard = text;
+        clipboard = text;
     } else if (result) {
         delivered.push_back(text);
         onDelivered();

@@ -60,13 +60,13 @@ class FakeInserter final : public TextInserter {
 public:
     explicit FakeInserter(MainQueue& queue) : queue_(queue) {}
     Task<InsertResult> insert(std::string text) override;
-    void placeInPasteboard(std::string_view text) override { pasteboard = text; }
+    void placeOnClipboard(std::string_view text) override { clipboard = text; }
 
     InsertResult next = Outcome::inserted;
     Duration delay = seconds(0.6);
     std::vector<std::string> delivered; ///< inserted or unconfirmed
     std::function<void()> onDelivered = [] {};
-    std::string pasteboard;
+    std::string clipboard;
     int underWay = 0;
     int mostAtOnce = 0;
 
@@ -243,7 +243,7 @@ struct FakeSurroundings {
     TextChain realStages{laws};
     RuleBasedEnhancer realEnhancer;
     FakeLanguageModel model;
-    LocalFoundationEnhancer modelEnhancer{model};
+    LocalModelEnhancer modelEnhancer{model};
     EnhancementCoordinator coordinator{settings, rules(), modelEnhancer};
     FakeSignals signals;
     FakeWindows windows;

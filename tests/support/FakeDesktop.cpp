@@ -58,27 +58,27 @@ void FakeDesktop::focus(DictationContext::FieldKind kind) {
 
 // Clipboard
 
-Task<PasteboardSnapshot> FakePasteboard::capture() {
+Task<ClipboardSnapshot> FakeClipboard::capture() {
     if (captureDelay > Duration::zero()) co_await sleepFor(queue_, captureDelay);
     co_return contents;
 }
 
-void FakePasteboard::copy(PasteboardSnapshot newContents) {
+void FakeClipboard::copy(ClipboardSnapshot newContents) {
     if (offer) offer->current = false;
     history.reset();
     contents = std::move(newContents);
 }
 
-void FakePasteboard::write(PasteboardSnapshot newContents) { copy(std::move(newContents)); }
+void FakeClipboard::write(ClipboardSnapshot newContents) { copy(std::move(newContents)); }
 
-std::shared_ptr<PasteboardOffer> FakePasteboard::writeText(std::string_view text, ClipboardHistory newHistory) {
+std::shared_ptr<ClipboardOffer> FakeClipboard::writeText(std::string_view text, ClipboardHistory newHistory) {
     copy({{{{"text/plain", std::string(text), ""}}}});
     history = newHistory;
     offer = std::make_shared<Offer>();
     return offer;
 }
 
-std::string FakePasteboard::text() const {
+std::string FakeClipboard::text() const {
     for (const auto& item : contents.items) {
         for (const auto& data : item) {
             if (data.type == "text/plain") return data.bytes;

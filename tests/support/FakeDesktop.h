@@ -1,10 +1,10 @@
 #pragma once
 
 #include "desktop/Accessibility.h"
+#include "desktop/Clipboard.h"
 #include "desktop/DictationContext.h"
 #include "desktop/KeyboardEvents.h"
 #include "desktop/PasteKey.h"
-#include "desktop/Pasteboard.h"
 #include "desktop/SystemAccess.h"
 #include "desktop/Workspace.h"
 #include "foundation/Waiting.h"
@@ -118,21 +118,21 @@ public:
 };
 
 /// A clipboard in memory, and what programs do with it.
-class FakePasteboard final : public Pasteboard {
+class FakeClipboard final : public Clipboard {
 public:
     class Offer;
 
-    explicit FakePasteboard(MainQueue& queue) : queue_(queue) {}
-    Task<PasteboardSnapshot> capture() override;
-    void write(PasteboardSnapshot newContents) override;
-    std::shared_ptr<PasteboardOffer> writeText(std::string_view text, ClipboardHistory newHistory) override;
+    explicit FakeClipboard(MainQueue& queue) : queue_(queue) {}
+    Task<ClipboardSnapshot> capture() override;
+    void write(ClipboardSnapshot newContents) override;
+    std::shared_ptr<ClipboardOffer> writeText(std::string_view text, ClipboardHistory newHistory) override;
 
     /// The user copies something.
-    void copy(PasteboardSnapshot newContents);
+    void copy(ClipboardSnapshot newContents);
     /// What a program gets that pastes now.
     std::string text() const;
 
-    PasteboardSnapshot contents;
+    ClipboardSnapshot contents;
     std::optional<ClipboardHistory> history; ///< of the text that is there
     std::shared_ptr<Offer> offer;            ///< the last one
     Duration captureDelay{};
@@ -141,7 +141,7 @@ private:
     MainQueue& queue_;
 };
 
-class FakePasteboard::Offer final : public PasteboardOffer {
+class FakeClipboard::Offer final : public ClipboardOffer {
 public:
     bool isCurrent() const override { return current; }
     std::uint64_t completedReads() const override { return reads; }

@@ -1,7 +1,7 @@
 #include "chain/Requests.h"
 
 #include "chain/WholeChain.h"
-#include "cleanup/LocalFoundationEnhancer.h"
+#include "cleanup/LocalModelEnhancer.h"
 #include "cleanup/RuleBasedEnhancer.h"
 #include "desktop/Correction.h"
 #include "foundation/IsoDate.h"
@@ -153,7 +153,7 @@ constexpr auto stages = std::to_array<Stage>({
     {"words",
      [](std::string_view text, const Options&) -> Members { return {{"words", listOf(wordsOf(text))}}; }},
     {"correction", correction},
-    {"stripWrapping", plain<LocalFoundationEnhancer::stripWrapping>},
+    {"stripWrapping", plain<LocalModelEnhancer::stripWrapping>},
 });
 
 } // namespace

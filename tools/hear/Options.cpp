@@ -29,8 +29,7 @@ std::vector<std::string> split(std::string_view list) {
 bool setOption(HearOptions& options, std::string_view name, std::string_view value) {
     if (name == "--engine") {
         if (value != "classic" && value != "streaming") return false;
-        options.engine =
-            value == "classic" ? TranscriptionEngine::appleSpeech : TranscriptionEngine::speechAnalyzer;
+        options.engine = value == "classic" ? TranscriptionEngine::classic : TranscriptionEngine::streaming;
     } else if (name == "--microphone") {
         options.microphone = true;
     } else if (name == "--devices") {

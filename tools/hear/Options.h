@@ -29,7 +29,7 @@ struct HearOptions {
         "  --models=ORDNER                     Modelle für streaming (sonst die des Benutzers)\n"
         "  --realtime                          Aufnahmen so schnell, wie gesprochen wurde\n";
 
-    TranscriptionEngine engine = TranscriptionEngine::appleSpeech;
+    TranscriptionEngine engine = TranscriptionEngine::classic;
     std::vector<std::filesystem::path> files;
     bool microphone = false;
     bool devices = false;

@@ -3,15 +3,15 @@
 
 #include "shared/ShownLog.h"
 
-#include "desktop/PasteboardInserter.h"
+#include "desktop/ClipboardInserter.h"
 #include "foundation/RunLoop.h"
 #include "foundation/TaskGroup.h"
 #include "foundation/ThreadPool.h"
 #include "foundation/Waiting.h"
 #include "platform/atspi/AtspiAccessibility.h"
+#include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11PasteKey.h"
-#include "platform/x11/X11Pasteboard.h"
 #include "platform/x11/X11Workspace.h"
 
 #include <charconv>
@@ -113,10 +113,10 @@ private:
     }};
     PermissionsManager permissions_{loop_, access_, workspace_};
     ContextDetector detector_{permissions_, accessibility_, workspace_};
-    X11Pasteboard pasteboard_{loop_};
+    X11Clipboard clipboard_{loop_};
     X11PasteKey key_{loop_};
-    PasteboardInserter inserter_{
-        {Runtime{loop_, clock_, pool_}, permissions_, detector_, workspace_, pasteboard_, key_}};
+    ClipboardInserter inserter_{
+        {Runtime{loop_, clock_, pool_}, permissions_, detector_, workspace_, clipboard_, key_}};
     TaskGroup tasks_;
     int result_ = EXIT_FAILURE;
 };

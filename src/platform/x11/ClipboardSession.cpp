@@ -78,12 +78,12 @@ std::optional<xcb_timestamp_t> ClipboardSession::serverTime() {
     return told_;
 }
 
-PasteboardSnapshot ClipboardSession::capture(const SelectionReader::Serve& serve) {
+ClipboardSnapshot ClipboardSession::capture(const SelectionReader::Serve& serve) {
     if (const auto ours = owner_.contents()) {
-        return ours->item.empty() ? PasteboardSnapshot() : PasteboardSnapshot{{ours->item}};
+        return ours->item.empty() ? ClipboardSnapshot() : ClipboardSnapshot{{ours->item}};
     }
     const auto time = serverTime();
-    return time ? reader_.read(*time, serve) : PasteboardSnapshot();
+    return time ? reader_.read(*time, serve) : ClipboardSnapshot();
 }
 
 bool ClipboardSession::write(SelectionContents contents) {

@@ -24,7 +24,7 @@ public:
     /// Drops readers that have stopped; when to call this again.
     Instant dropStalled() { return owner_.dropStalled(); }
 
-    PasteboardSnapshot capture(const SelectionReader::Serve& serve);
+    ClipboardSnapshot capture(const SelectionReader::Serve& serve);
     /// False if the server didn't give us the clipboard.
     bool write(SelectionContents contents);
     /// Lets a clipboard manager have what we offer, for a while at most.

@@ -131,7 +131,7 @@ bool ClipboardThread::doCapture() {
     guard.unlock();
     if (isWanted && !session_) connect();
     captured(isWanted && session_ ? session_->capture([this](Instant deadline) { return serve(deadline); })
-                                  : PasteboardSnapshot());
+                                  : ClipboardSnapshot());
     return true;
 }
 

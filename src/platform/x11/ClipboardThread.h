@@ -16,7 +16,7 @@ namespace querlin {
 /// connection was lost. A write also takes its turn while something is being read.
 class ClipboardThread {
 public:
-    using Captured = std::function<void(PasteboardSnapshot)>;
+    using Captured = std::function<void(ClipboardSnapshot)>;
 
     explicit ClipboardThread(std::string display);
     /// Hands what is offered over to a clipboard manager.

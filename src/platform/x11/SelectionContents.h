@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/Pasteboard.h"
+#include "desktop/Clipboard.h"
 #include "platform/x11/SelectionOffer.h"
 #include "platform/x11/XcbAtoms.h"
 
@@ -19,7 +19,7 @@ struct SelectionContents {
         std::size_t index; ///< in the item
     };
 
-    PasteboardSnapshot::Item item;
+    ClipboardSnapshot::Item item;
     ClipboardHistory history = ClipboardHistory::keep;
     std::shared_ptr<SelectionOffer> offer; ///< never null
     std::vector<Form> forms;

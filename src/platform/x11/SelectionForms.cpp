@@ -23,7 +23,7 @@ constexpr std::string_view preferredImage = "image/png";
 
 std::string SelectionForms::inWords(const Form& form) { return fmt::format("{}/{}", form.type, form.format); }
 
-SelectionForms::Form SelectionForms::of(const PasteboardData& data) {
+SelectionForms::Form SelectionForms::of(const ClipboardData& data) {
     const auto slash = data.form.rfind('/'); // A type's name may have one too: "text/html/8".
     if (slash != std::string::npos && slash > 0) {
         unsigned format = 0;
@@ -83,17 +83,17 @@ std::optional<std::string> SelectionForms::latin1(std::string_view text) {
     return bytes;
 }
 
-ClipboardHistory SelectionForms::historyOf(const PasteboardSnapshot::Item& item) {
-    const bool isSecret = std::ranges::find(item, historyHint, &PasteboardData::type) != item.end();
+ClipboardHistory SelectionForms::historyOf(const ClipboardSnapshot::Item& item) {
+    const bool isSecret = std::ranges::find(item, historyHint, &ClipboardData::type) != item.end();
     return isSecret ? ClipboardHistory::skip : ClipboardHistory::keep;
 }
 
-PasteboardSnapshot::Item SelectionForms::ofText(std::string_view text, ClipboardHistory history) {
+ClipboardSnapshot::Item SelectionForms::ofText(std::string_view text, ClipboardHistory history) {
     const std::string utf8(text);
-    PasteboardSnapshot::Item item = {{"UTF8_STRING", utf8, "UTF8_STRING/8"},
-                                     {"text/plain;charset=utf-8", utf8, "text/plain;charset=utf-8/8"},
-                                     {"text/plain", utf8, "text/plain/8"},
-                                     {"TEXT", utf8, "UTF8_STRING/8"}};
+    ClipboardSnapshot::Item item = {{"UTF8_STRING", utf8, "UTF8_STRING/8"},
+                                    {"text/plain;charset=utf-8", utf8, "text/plain;charset=utf-8/8"},
+                                    {"text/plain", utf8, "text/plain/8"},
+                                    {"TEXT", utf8, "UTF8_STRING/8"}};
     if (auto narrow = latin1(text)) item.push_back({"STRING", std::move(*narrow), "STRING/8"});
     if (history == ClipboardHistory::skip)
         item.push_back({std::string(historyHint), "secret", std::string(historyHint) + "/8"});

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/Pasteboard.h"
+#include "desktop/Clipboard.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -21,8 +21,8 @@ struct Form {
     bool operator==(const Form&) const = default;
 };
 std::string inWords(const Form& form);
-/// What `PasteboardData::form` says. Bytes under their own name where it says nothing.
-Form of(const PasteboardData& data);
+/// What `ClipboardData::form` says. Bytes under their own name where it says nothing.
+Form of(const ClipboardData& data);
 
 /// Whether a target is a question about the clipboard, or an order, and none of its forms.
 bool isPseudo(std::string_view target);
@@ -37,9 +37,9 @@ struct Order {
 Order order(std::span<const std::string> targets);
 
 /// How a plain text is offered. As Latin-1 only if it can be written so.
-PasteboardSnapshot::Item ofText(std::string_view text, ClipboardHistory history);
+ClipboardSnapshot::Item ofText(std::string_view text, ClipboardHistory history);
 /// Whether a program that has copied this wants it to be skipped by histories, as password safes do.
-ClipboardHistory historyOf(const PasteboardSnapshot::Item& item);
+ClipboardHistory historyOf(const ClipboardSnapshot::Item& item);
 /// Nothing if there is a character beyond U+00FF.
 std::optional<std::string> latin1(std::string_view text);
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/Pasteboard.h"
+#include "desktop/Clipboard.h"
 #include "foundation/Time.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 namespace querlin {
 
 /// What has become of a text on the clipboard: told by the clipboard's thread, read on the main thread.
-class SelectionOffer final : public PasteboardOffer {
+class SelectionOffer final : public ClipboardOffer {
 public:
     bool isCurrent() const override { return isCurrent_; }
     std::uint64_t completedReads() const override { return completedReads_; }

@@ -15,7 +15,7 @@ bool isBefore(xcb_timestamp_t time, xcb_timestamp_t other) {
     return static_cast<std::int32_t>(time - other) < 0;
 }
 
-std::vector<SelectionContents::Form> formsOf(const PasteboardSnapshot::Item& item, XcbAtoms& atoms) {
+std::vector<SelectionContents::Form> formsOf(const ClipboardSnapshot::Item& item, XcbAtoms& atoms) {
     std::vector<std::string> names;
     std::vector<std::uint8_t> formats;
     for (const auto& data : item) {

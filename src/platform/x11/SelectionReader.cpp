@@ -91,7 +91,7 @@ xcb_window_t SelectionReader::owner() {
     return reply ? reply->owner : xcb_window_t{XCB_NONE};
 }
 
-PasteboardSnapshot SelectionReader::read(xcb_timestamp_t time, const Serve& serve) {
+ClipboardSnapshot SelectionReader::read(xcb_timestamp_t time, const Serve& serve) {
     changeTime_ = time;
     const auto begun = std::chrono::steady_clock::now();
     Reading last;
@@ -106,8 +106,8 @@ PasteboardSnapshot SelectionReader::read(xcb_timestamp_t time, const Serve& serv
         DiagnosticsLog::note("clipboard",
                              fmt::format("{} von {} Formen der Zwischenablage blieben aus.", last.leftOut,
                                          last.leftOut + static_cast<std::size_t>(count)));
-    PasteboardSnapshot snapshot;
-    PasteboardSnapshot::Item item;
+    ClipboardSnapshot snapshot;
+    ClipboardSnapshot::Item item;
     for (auto& data : last.found) {
         if (data) item.push_back(std::move(*data));
     }
@@ -154,8 +154,7 @@ void SelectionReader::fetch(Reading& reading, const std::vector<std::size_t>& wa
         }
         reading.sizeInBytes += answer->bytes.size();
         auto form = SelectionForms::inWords({atoms_.name(answer->type), answer->format});
-        reading.found[index] =
-            PasteboardData{reading.names[index], std::move(answer->bytes), std::move(form)};
+        reading.found[index] = ClipboardData{reading.names[index], std::move(answer->bytes), std::move(form)};
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/Pasteboard.h"
+#include "desktop/Clipboard.h"
 #include "platform/x11/XcbAtoms.h"
 
 #include <expected>
@@ -23,7 +23,7 @@ public:
 
     /// What is there, in the owner's order; what had to be left out is noted. `time` is the server's present
     /// time.
-    PasteboardSnapshot read(xcb_timestamp_t time, const Serve& serve);
+    ClipboardSnapshot read(xcb_timestamp_t time, const Serve& serve);
     /// To be told of what happens while `read` serves.
     void handle(const xcb_generic_event_t& event);
 
@@ -42,7 +42,7 @@ private:
         Instant begun;
         std::vector<xcb_atom_t> targets;
         std::vector<std::string> names;
-        std::vector<std::optional<PasteboardData>> found;
+        std::vector<std::optional<ClipboardData>> found;
         std::size_t sizeInBytes = 0;
         std::size_t leftOut = 0;
     };

@@ -15,7 +15,7 @@ inline constexpr std::string_view productName = Product::name;
 inline constexpr std::string_view suiteName = "Mandolan";
 inline constexpr std::string_view suiteURL = "https://mandolan.example";
 inline constexpr std::string_view suiteURLLabel = "mandolan.example";
-inline constexpr std::string_view bundleIdentifier = Product::bundleIdentifier;
+inline constexpr std::string_view applicationId = Product::applicationId;
 inline constexpr std::string_view legacyBundleIdentifier = Product::legacyDomain;
 
 inline constexpr QColor primary{0x3B, 0x8F, 0xD4};

@@ -37,7 +37,7 @@ Summary summaryOf(LegalCorpus& corpus) {
 } // namespace
 
 LegalLookupView::LegalLookupView(LegalLookupSources sources) :
-    with_(sources), search_(sources.runtime, sources.corpus) {
+    sources_(sources), search_(sources.runtime, sources.corpus) {
     left_ = new SearchPane(search_, [this] { section_->focusText(); });
     left_->setMinimumWidth(220);
     auto* layout = new QVBoxLayout(this);
@@ -48,7 +48,7 @@ LegalLookupView::LegalLookupView(LegalLookupSources sources) :
 }
 
 QWidget* LegalLookupView::makeRight() {
-    empty_ = new EmptyPane([this] { with_.updates.checkNow(); });
+    empty_ = new EmptyPane([this] { sources_.updates.checkNow(); });
     const auto copyFullText = [this] { copy(LawSearch::fullText(*search_.selection().get())); };
     const auto copyCitation = [this] {
         const auto& hit = *search_.selection().get();
@@ -70,11 +70,12 @@ void LegalLookupView::subscribe() {
     };
     keep(search_.selection().subscribe([this](const auto&) { showSelection(); }));
     keep(search_.copied().subscribe([this](bool isCopied) { section_->setCopied(isCopied); }));
-    keep(with_.updates.stage.subscribe([this](const auto& stage) { stageChanged(stage); }, FirstValue::Skip));
+    keep(sources_.updates.stage.subscribe([this](const auto& stage) { stageChanged(stage); },
+                                          FirstValue::Skip));
 }
 
 void LegalLookupView::setController(DictationController* controller) {
-    with_.controller = controller;
+    sources_.controller = controller;
     section_->setCanInsert(controller != nullptr && !isInserting_);
 }
 
@@ -94,7 +95,7 @@ void LegalLookupView::copy(const std::string& text) {
 
 void LegalLookupView::beginInsertion() {
     const auto& hit = search_.selection().get();
-    if (isInserting_ || !hit || !with_.controller) return;
+    if (isInserting_ || !hit || !sources_.controller) return;
     isInserting_ = true;
     section_->setCanInsert(false);
     section_->setMessage({});
@@ -103,14 +104,14 @@ void LegalLookupView::beginInsertion() {
 
 /// This window has the keyboard: the one from before gets it back first.
 Task<> LegalLookupView::insert(std::string text) {
-    const bool isGivenBack = co_await with_.focusReturn.giveBack();
+    const bool isGivenBack = co_await sources_.focusReturn.giveBack();
     // The toolkit hears of it a moment later than the window manager's word of it.
     for (int look = 0; isGivenBack && isActiveWindow() && look < longestLooks; ++look) {
-        co_await sleepFor(with_.runtime.mainQueue, betweenLooks);
+        co_await sleepFor(sources_.runtime.mainQueue, betweenLooks);
     }
     endInsertion();
-    if (isGivenBack && !isActiveWindow() && with_.controller) {
-        with_.controller->insertLegalText(std::move(text));
+    if (isGivenBack && !isActiveWindow() && sources_.controller) {
+        sources_.controller->insertLegalText(std::move(text));
     } else {
         copy(text);
         section_->setMessage(nowhereToInsert);
@@ -119,7 +120,7 @@ Task<> LegalLookupView::insert(std::string text) {
 
 void LegalLookupView::endInsertion() {
     isInserting_ = false;
-    section_->setCanInsert(with_.controller != nullptr);
+    section_->setCanInsert(sources_.controller != nullptr);
 }
 
 // The laws
@@ -127,7 +128,7 @@ void LegalLookupView::endInsertion() {
 void LegalLookupView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     if (event->spontaneous()) return; // It was only minimised.
-    with_.corpus.preload(with_.runtime.background);
+    sources_.corpus.preload(sources_.runtime.background);
     tasks_.start(refreshSummary());
     left_->focusField();
 }
@@ -135,12 +136,12 @@ void LegalLookupView::showEvent(QShowEvent* event) {
 /// In the background: it may have to load them.
 Task<> LegalLookupView::refreshSummary() {
     const auto number = ++lastSummary_;
-    auto summarise = [&corpus = with_.corpus] { return summaryOf(corpus); };
-    const auto summary = co_await background(with_.runtime, std::move(summarise));
+    auto summarise = [&corpus = sources_.corpus] { return summaryOf(corpus); };
+    const auto summary = co_await background(sources_.runtime, std::move(summarise));
     if (number != lastSummary_) co_return; // Another look knows newer texts.
     hasTexts_ = summary.hasTexts;
     empty_->setSummary(summary.lines);
-    empty_->setProgress(CorpusProgress::of(with_.updates.stage.get(), hasTexts_));
+    empty_->setProgress(CorpusProgress::of(sources_.updates.stage.get(), hasTexts_));
 }
 
 void LegalLookupView::stageChanged(const LegalUpdateService::Stage& stage) {

@@ -48,7 +48,7 @@ private:
     Task<> refreshSummary();
     void stageChanged(const LegalUpdateService::Stage& stage);
 
-    LegalLookupSources with_;
+    LegalLookupSources sources_;
     LawSearch search_;
     /// Until it is known otherwise.
     bool hasTexts_ = true;

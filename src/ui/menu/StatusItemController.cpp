@@ -18,7 +18,7 @@ constexpr auto trayPatience = std::chrono::seconds(3);
 } // namespace
 
 StatusItemController::StatusItemController(StatusItemSources sources) :
-    with_(std::move(sources)), trays_(std::make_unique<TrayWatch>([this] { lookAtTrays(); })) {
+    sources_(std::move(sources)), trays_(std::make_unique<TrayWatch>([this] { lookAtTrays(); })) {
     subscribe();
     trayWent();
     lookAtTrays();
@@ -31,11 +31,11 @@ void StatusItemController::subscribe() {
         subscriptions_.push_back(
             published.subscribe([this, react](const auto&) { (this->*react)(); }, FirstValue::Skip));
     };
-    follow(with_.controller.phase(), &StatusItemController::showPhase);
-    follow(with_.controller.hotkeyBlocked(), &StatusItemController::rebuildMenu);
-    follow(with_.controller.lastInsertedText(), &StatusItemController::rebuildMenu);
-    follow(with_.windows.lastNotice(), &StatusItemController::rebuildMenu);
-    follow(with_.settings.hotkey, &StatusItemController::rebuildMenu);
+    follow(sources_.controller.phase(), &StatusItemController::showPhase);
+    follow(sources_.controller.hotkeyBlocked(), &StatusItemController::rebuildMenu);
+    follow(sources_.controller.lastInsertedText(), &StatusItemController::rebuildMenu);
+    follow(sources_.windows.lastNotice(), &StatusItemController::rebuildMenu);
+    follow(sources_.settings.hotkey, &StatusItemController::rebuildMenu);
     follow(Theme::appearance(), &StatusItemController::showPhase);
 }
 
@@ -46,7 +46,7 @@ void StatusItemController::lookAtTrays() {
     if (!item_ && hosts.allowIcon()) {
         item_ = std::make_unique<StatusItem>([this](MenuCommand command) { perform(command); });
         showPhase();
-        if (with_.controller.phase().get().is(DictationPhase::Kind::idle))
+        if (sources_.controller.phase().get().is(DictationPhase::Kind::idle))
             item_->setToolTip(std::string(Brand::productName));
     }
     const bool hasTray = item_ && hosts.show(item_->protocol());
@@ -67,7 +67,7 @@ void StatusItemController::trayCame() {
 }
 
 void StatusItemController::trayWent() {
-    patience_ = with_.runtime.mainQueue.after(trayPatience, [this] {
+    patience_ = sources_.runtime.mainQueue.after(trayPatience, [this] {
         DiagnosticsLog::note("menu",
                              "Es gibt keine Leiste für das Symbol – die Befehle stehen in einem Fenster.");
         window().offer();
@@ -88,7 +88,7 @@ void StatusItemController::present() { window().present(); }
 // What they show
 
 void StatusItemController::showPhase() {
-    const auto& phase = with_.controller.phase().get();
+    const auto& phase = sources_.controller.phase().get();
     if (item_) {
         item_->setSymbol(phase.is(DictationPhase::Kind::idle) ? std::string_view() : phase.symbolName());
         item_->setToolTip(fmt::format("{} – {}", Brand::productName, phase.statusText()));
@@ -97,12 +97,12 @@ void StatusItemController::showPhase() {
 }
 
 void StatusItemController::rebuildMenu() {
-    const auto& phase = with_.controller.phase().get();
+    const auto& phase = sources_.controller.phase().get();
     const auto entries = statusMenu({.phase = phase,
-                                     .hotkey = with_.settings.hotkey.get().displayName(),
-                                     .isHotkeyBlocked = with_.controller.hotkeyBlocked().get(),
-                                     .lastNotice = with_.windows.lastNotice().get(),
-                                     .hasLastText = !with_.controller.lastInsertedText().get().empty()});
+                                     .hotkey = sources_.settings.hotkey.get().displayName(),
+                                     .isHotkeyBlocked = sources_.controller.hotkeyBlocked().get(),
+                                     .lastNotice = sources_.windows.lastNotice().get(),
+                                     .hasLastText = !sources_.controller.lastInsertedText().get().empty()});
     if (item_) item_->setEntries(entries);
     if (window_) window_->setEntries(entries, phase.symbolName());
 }
@@ -115,67 +115,67 @@ void StatusItemController::perform(MenuCommand command) {
     case none:
         return;
     case openAccessibilitySettings:
-        with_.permissions.requestAccessibility();
-        with_.permissions.openSystemSettings(PermissionsManager::SettingsPane::accessibility);
+        sources_.permissions.requestAccessibility();
+        sources_.permissions.openSystemSettings(PermissionsManager::SettingsPane::accessibility);
         return;
     case clearNotice:
-        with_.windows.clearNotice();
+        sources_.windows.clearNotice();
         return;
     case toggleDictation:
         tasks_.start(this->toggleDictation());
         return;
     case cancelDictation:
-        with_.controller.cancelDictation();
+        sources_.controller.cancelDictation();
         return;
     case copyLastText:
-        with_.inserter.placeInPasteboard(with_.controller.lastInsertedText().get());
+        sources_.inserter.placeOnClipboard(sources_.controller.lastInsertedText().get());
         return;
     case openHistory:
-        with_.windows.showHistory();
+        sources_.windows.showHistory();
         return;
     case openLegal:
-        with_.windows.showLegalLookup();
+        sources_.windows.showLegalLookup();
         return;
     case openSettings:
-        with_.windows.showSettings(SettingsSection::general);
+        sources_.windows.showSettings(SettingsSection::general);
         return;
     case openOnboarding:
-        with_.windows.showOnboarding();
+        sources_.windows.showOnboarding();
         return;
     case openSuite:
-        with_.windows.showSuite();
+        sources_.windows.showSuite();
         return;
     case writeDiagnostics:
-        with_.controller.writeDiagnostics();
-        OpenFile::inFileManager(with_.logFile);
+        sources_.controller.writeDiagnostics();
+        OpenFile::inFileManager(sources_.logFile);
         return;
     case runBenchmark:
-        with_.windows.showComingLater("Engine-Vergleich",
-                                      "Der Vergleich der Spracherkenner kommt mit einer späteren Version.");
+        sources_.windows.showComingLater(
+            "Engine-Vergleich", "Der Vergleich der Spracherkenner kommt mit einer späteren Version.");
         return;
     case runProbe:
-        with_.windows.showComingLater("Kettenprüfung",
-                                      "Die Prüfung der Textkette kommt mit einer späteren Version.");
+        sources_.windows.showComingLater("Kettenprüfung",
+                                         "Die Prüfung der Textkette kommt mit einer späteren Version.");
         return;
     case runFieldProbe:
-        with_.windows.showComingLater("Feldbeobachtung",
-                                      "Die Prüfung der Feldbeobachtung kommt mit einer späteren Version.");
+        sources_.windows.showComingLater("Feldbeobachtung",
+                                         "Die Prüfung der Feldbeobachtung kommt mit einer späteren Version.");
         return;
     case openLog:
-        OpenFile::withDefaultApplication(with_.logFile);
+        OpenFile::withDefaultApplication(sources_.logFile);
         return;
     case checkLaws:
-        with_.legalUpdates.checkNow();
-        with_.windows.showSettings(SettingsSection::laws);
+        sources_.legalUpdates.checkNow();
+        sources_.windows.showSettings(SettingsSection::laws);
         return;
     case checkForUpdates:
-        with_.windows.showUpdateWindow();
+        sources_.windows.showUpdateWindow();
         return;
     case openAbout:
-        with_.windows.showAbout();
+        sources_.windows.showAbout();
         return;
     case quit:
-        with_.quit();
+        sources_.quit();
         return;
     }
 }
@@ -183,14 +183,14 @@ void StatusItemController::perform(MenuCommand command) {
 /// From our own window the dictation goes to the field that had the focus before.
 Task<> StatusItemController::toggleDictation() {
     const auto isRecording = [this] {
-        return with_.controller.phase().get().is(DictationPhase::Kind::recording);
+        return sources_.controller.phase().get().is(DictationPhase::Kind::recording);
     };
     if (!isRecording() && window_ && window_->isActiveWindow()) {
-        co_await with_.focusReturn.giveBack();
+        co_await sources_.focusReturn.giveBack();
         if (isRecording())
             co_return; // The key, or a second click, has been faster: that is what was wished for.
     }
-    with_.controller.toggleDictation();
+    sources_.controller.toggleDictation();
 }
 
 } // namespace querlin

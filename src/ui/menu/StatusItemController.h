@@ -56,7 +56,7 @@ private:
     Task<> toggleDictation();
     CommandWindow& window();
 
-    StatusItemSources with_;
+    StatusItemSources sources_;
     std::unique_ptr<StatusItem> item_;
     std::unique_ptr<CommandWindow> window_;
     bool hasTray_ = false;

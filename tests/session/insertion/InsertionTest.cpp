@@ -1,13 +1,13 @@
 // Texts pasted into real programs, and what becomes of the user's clipboard.
 
+#include "desktop/ClipboardInserter.h"
 #include "desktop/CorrectionWatcher.h"
 #include "desktop/HotkeyManager.h"
-#include "desktop/PasteboardInserter.h"
 #include "foundation/ThreadPool.h"
 #include "platform/atspi/AtspiAccessibility.h"
+#include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11PasteKey.h"
-#include "platform/x11/X11Pasteboard.h"
 #include "platform/x11/X11Workspace.h"
 #include "support/CapturedLog.h"
 #include "support/Desktop.h"
@@ -36,8 +36,8 @@ private:
 };
 
 /// What a user may have copied from an office program: text, private forms, numbers of 32 bits, a picture.
-PasteboardSnapshot richClipboard() {
-    PasteboardSnapshot::Item item;
+ClipboardSnapshot richClipboard() {
+    ClipboardSnapshot::Item item;
     for (int i = 0; i < 18; ++i)
         item.push_back(
             {fmt::format("application/x-office-{}", i), std::string(100U + 977U * static_cast<unsigned>(i), static_cast<char>(i)), ""});
@@ -49,7 +49,7 @@ PasteboardSnapshot richClipboard() {
 }
 
 /// All forms with what tells their bytes from others, in short.
-std::map<std::string, std::string> summary(const PasteboardSnapshot& snapshot) {
+std::map<std::string, std::string> summary(const ClipboardSnapshot& snapshot) {
     std::map<std::string, std::string> forms;
     for (const auto& item : snapshot.items) {
         for (const auto& data : item)
@@ -75,10 +75,10 @@ struct InsertionTest : testing::Test {
     }};
     PermissionsManager permissions{loop, access, workspace};
     ContextDetector detector{permissions, accessibility, workspace};
-    X11Pasteboard pasteboard{loop};
+    X11Clipboard clipboard{loop};
     X11PasteKey pasteKey{loop};
-    X11Pasteboard user{loop}; ///< another program's view of the clipboard
-    PasteboardInserter inserter{{Runtime{loop, clock, pool}, permissions, detector, workspace, pasteboard, pasteKey}};
+    X11Clipboard user{loop}; ///< another program's view of the clipboard
+    ClipboardInserter inserter{{Runtime{loop, clock, pool}, permissions, detector, workspace, clipboard, pasteKey}};
 
     /// A program with its window in front; `field` is what the cursor must be in.
     std::unique_ptr<Program> open(std::vector<std::string> command, std::optional<FieldKind> field) {
@@ -178,7 +178,7 @@ TEST_F(InsertionTest, LeavesWhatTheUserCopiesMeanwhile) {
 }
 
 TEST_F(InsertionTest, LosesNoneOfTwoHundredUnnoticed) {
-    PasteboardInserter quick{{Runtime{hasty, clock, pool}, permissions, detector, workspace, pasteboard, pasteKey}};
+    ClipboardInserter quick{{Runtime{hasty, clock, pool}, permissions, detector, workspace, clipboard, pasteKey}};
     const auto editor = open({"mousepad", "--disable-server"}, FieldKind::multiLine);
     std::vector<std::string> reported;
     for (int i = 0; i < 200; ++i) {

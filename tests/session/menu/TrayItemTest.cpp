@@ -221,7 +221,7 @@ TEST_F(PanelTest, entries_are_good_for_as_long_as_they_are_there) {
     EXPECT_TRUE(idOf("Abbrechen").empty());
 
     choose(idOf("Letzten Text kopieren"));
-    EXPECT_EQ(world.inserter.pasteboard, world.controller.lastInsertedText().get());
+    EXPECT_EQ(world.inserter.clipboard, world.controller.lastInsertedText().get());
     choose(idOf("Querlin beenden"));
     EXPECT_EQ(quits, 1);
 }

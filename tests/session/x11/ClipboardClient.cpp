@@ -28,7 +28,7 @@ void waitFor(const XcbConnection& connection) {
 
 } // namespace
 
-CopyingProgram::CopyingProgram(PasteboardSnapshot::Item forms, CopyingHabits habits) :
+CopyingProgram::CopyingProgram(ClipboardSnapshot::Item forms, CopyingHabits habits) :
     forms_(std::move(forms)),
     habits_(std::move(habits)),
     connection_(std::move(*XcbConnection::open({}))),
@@ -94,7 +94,7 @@ bool CopyingProgram::convert(const xcb_selection_request_event_t& request, const
         put(XCB_ATOM_ATOM, 32, list.size(), list.data());
         return true;
     }
-    const auto data = std::ranges::find(forms_, target, &PasteboardData::type);
+    const auto data = std::ranges::find(forms_, target, &ClipboardData::type);
     if (data == forms_.end() || habits_.refused.contains(target)) return false;
     const auto form = SelectionForms::of(*data);
     const auto type = atoms_.atom(form.type);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/Pasteboard.h"
+#include "desktop/Clipboard.h"
 #include "foundation/Time.h"
 #include "platform/x11/XcbAtoms.h"
 
@@ -26,7 +26,7 @@ struct CopyingHabits {
 /// Another program that has copied something, on a thread and a connection of its own.
 class CopyingProgram {
 public:
-    explicit CopyingProgram(PasteboardSnapshot::Item forms, CopyingHabits habits = {});
+    explicit CopyingProgram(ClipboardSnapshot::Item forms, CopyingHabits habits = {});
     ~CopyingProgram();
     CopyingProgram(const CopyingProgram&) = delete;
     CopyingProgram& operator=(const CopyingProgram&) = delete;
@@ -51,7 +51,7 @@ private:
     bool convert(const xcb_selection_request_event_t& request, const std::string& target);
     void goOn(const xcb_property_notify_event_t& change);
 
-    PasteboardSnapshot::Item forms_;
+    ClipboardSnapshot::Item forms_;
     CopyingHabits habits_;
     std::unique_ptr<XcbConnection> connection_;
     XcbAtoms atoms_;

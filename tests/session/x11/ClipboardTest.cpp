@@ -4,7 +4,7 @@
 #include "OwnServer.h"
 
 #include "platform/x11/SelectionForms.h"
-#include "platform/x11/X11Pasteboard.h"
+#include "platform/x11/X11Clipboard.h"
 #include "support/CapturedLog.h"
 #include "support/Desktop.h"
 #include "support/TempFolder.h"
@@ -25,19 +25,19 @@ std::string randomBytes(std::size_t count, std::uint32_t seed) {
 }
 
 /// What an office program offers: text, its own forms, numbers of 16 and 32 bits, pictures, nothing at all.
-PasteboardSnapshot::Item officeForms() {
-    PasteboardSnapshot::Item item = {{"UTF8_STRING", "Äpfel 👍🏽", "UTF8_STRING/8"},
-                                     {"text/plain;charset=utf-8", "Äpfel 👍🏽", "text/plain;charset=utf-8/8"},
-                                     {"STRING", "\xC4pfel", "STRING/8"},
-                                     {"text/html", "<b>Äpfel</b>", "text/html/8"},
-                                     {"application/x-numbers", randomBytes(400, 1), "INTEGER/32"},
-                                     {"application/x-short", randomBytes(6, 2), "CARDINAL/16"},
-                                     {"application/x-atoms", std::string("\1\0\0\0\2\0\0\0", 8), "ATOM/32"},
-                                     {"application/x-nul", std::string("\0a\0\xFF", 4), "application/x-nul/8"},
-                                     {"application/x-empty", "", "application/x-empty/8"},
-                                     {"application/x-edge", randomBytes(256UZ * 1024, 3), "application/x-edge/8"},
-                                     {"application/x-pieces", randomBytes(700'001, 4), "other/type/8"},
-                                     {"application/x-words", randomBytes(600'000, 5), "CARDINAL/32"}};
+ClipboardSnapshot::Item officeForms() {
+    ClipboardSnapshot::Item item = {{"UTF8_STRING", "Äpfel 👍🏽", "UTF8_STRING/8"},
+                                    {"text/plain;charset=utf-8", "Äpfel 👍🏽", "text/plain;charset=utf-8/8"},
+                                    {"STRING", "\xC4pfel", "STRING/8"},
+                                    {"text/html", "<b>Äpfel</b>", "text/html/8"},
+                                    {"application/x-numbers", randomBytes(400, 1), "INTEGER/32"},
+                                    {"application/x-short", randomBytes(6, 2), "CARDINAL/16"},
+                                    {"application/x-atoms", std::string("\1\0\0\0\2\0\0\0", 8), "ATOM/32"},
+                                    {"application/x-nul", std::string("\0a\0\xFF", 4), "application/x-nul/8"},
+                                    {"application/x-empty", "", "application/x-empty/8"},
+                                    {"application/x-edge", randomBytes(256UZ * 1024, 3), "application/x-edge/8"},
+                                    {"application/x-pieces", randomBytes(700'001, 4), "other/type/8"},
+                                    {"application/x-words", randomBytes(600'000, 5), "CARDINAL/32"}};
     for (std::uint32_t i = 0; i < 9; ++i) {
         const auto type = fmt::format("application/x-office;number=\"{}\"", i);
         item.push_back({type, randomBytes(997UZ * i, i), type + "/8"});
@@ -48,7 +48,7 @@ PasteboardSnapshot::Item officeForms() {
 
 TEST(SelectionFormsTest, KeepTypeAndWidth) {
     using SelectionForms::Form;
-    const std::vector<std::pair<PasteboardData, Form>> table = {
+    const std::vector<std::pair<ClipboardData, Form>> table = {
         {{"a", "12345678", "ATOM/32"}, {"ATOM", 32}},
         {{"a", "1234", "text/html/16"}, {"text/html", 16}},
         {{"a", "123", "ATOM/32"}, {"a", 8}}, // no whole elements
@@ -75,11 +75,11 @@ TEST(SelectionFormsTest, WritesLatin1WhereItCan) {
 struct ClipboardTest : testing::Test {
     CapturedLog log;
     RunLoop loop;
-    X11Pasteboard pasteboard{loop};
+    X11Clipboard clipboard{loop};
 
-    PasteboardSnapshot capture() { return await(loop, pasteboard.capture()); }
-    std::shared_ptr<PasteboardOffer> copy(const std::string& text, ClipboardHistory history = ClipboardHistory::keep) {
-        return pasteboard.writeText(text, history);
+    ClipboardSnapshot capture() { return await(loop, clipboard.capture()); }
+    std::shared_ptr<ClipboardOffer> copy(const std::string& text, ClipboardHistory history = ClipboardHistory::keep) {
+        return clipboard.writeText(text, history);
     }
 };
 
@@ -88,14 +88,14 @@ double secondsSince(Instant begun) { return inSeconds(std::chrono::steady_clock:
 TEST_F(ClipboardTest, GivesEveryFormBackAsItWas) {
     const auto forms = officeForms();
     ASSERT_EQ(forms.size(), 22U);
-    PasteboardSnapshot snapshot;
+    ClipboardSnapshot snapshot;
     {
         const CopyingProgram office(forms);
         snapshot = capture();
     }
-    EXPECT_EQ(snapshot, PasteboardSnapshot{{forms}});
+    EXPECT_EQ(snapshot, ClipboardSnapshot{{forms}});
     EXPECT_TRUE(capture().isEmpty()) << "the program has gone, and its clipboard with it";
-    pasteboard.write(snapshot);
+    clipboard.write(snapshot);
     EXPECT_EQ(capture(), snapshot) << "our own";
     PastingProgram program;
     EXPECT_EQ(program.targets().size(), forms.size() + 4);
@@ -114,16 +114,16 @@ TEST_F(ClipboardTest, GivesEveryFormBackAsItWas) {
 }
 
 TEST_F(ClipboardTest, CarriesLargeImagesInPieces) {
-    const PasteboardSnapshot::Item image = {{"image/png", randomBytes(30'000'000, 7), "image/png/8"}};
-    PasteboardSnapshot snapshot;
+    const ClipboardSnapshot::Item image = {{"image/png", randomBytes(30'000'000, 7), "image/png/8"}};
+    ClipboardSnapshot snapshot;
     const auto begun = std::chrono::steady_clock::now();
     {
         const CopyingProgram owner(image, {.largestPiece = 1'000'000});
         snapshot = capture();
     }
     EXPECT_LT(secondsSince(begun), 2);
-    EXPECT_TRUE(snapshot == PasteboardSnapshot{{image}});
-    pasteboard.write(snapshot);
+    EXPECT_TRUE(snapshot == ClipboardSnapshot{{image}});
+    clipboard.write(snapshot);
     PastingProgram first;
     PastingProgram second;
     PastingProgram gone;
@@ -138,14 +138,14 @@ TEST_F(ClipboardTest, CarriesLargeImagesInPieces) {
 }
 
 TEST_F(ClipboardTest, LeavesOutWhatDoesNotComeInTime) {
-    PasteboardSnapshot::Item forms = {{"image/bmp", "b", "image/bmp/8"},   {"image/png", "p", "image/png/8"},
-                                      {"image/jpeg", "j", "image/jpeg/8"}, {"image/tiff", "t", "image/tiff/8"},
-                                      {"x/slow", "s", "x/slow/8"},         {"UTF8_STRING", "Text", "UTF8_STRING/8"}};
+    ClipboardSnapshot::Item forms = {{"image/bmp", "b", "image/bmp/8"},   {"image/png", "p", "image/png/8"},
+                                     {"image/jpeg", "j", "image/jpeg/8"}, {"image/tiff", "t", "image/tiff/8"},
+                                     {"x/slow", "s", "x/slow/8"},         {"UTF8_STRING", "Text", "UTF8_STRING/8"}};
     const CopyingProgram owner(forms, {.unanswered = {"x/slow"}, .perImage = std::chrono::milliseconds(250)});
     const auto begun = std::chrono::steady_clock::now();
     const auto snapshot = capture();
     EXPECT_LT(secondsSince(begun), 2);
-    EXPECT_EQ(snapshot, (PasteboardSnapshot{{{forms[1], forms[5]}}})) << "the text, and one image";
+    EXPECT_EQ(snapshot, (ClipboardSnapshot{{{forms[1], forms[5]}}})) << "the text, and one image";
     EXPECT_TRUE(log.has("[clipboard] 4 von 6 Formen der Zwischenablage blieben aus."));
 }
 
@@ -164,28 +164,28 @@ TEST_F(ClipboardTest, KeepsWhatADyingOwnerHasGiven) {
     const auto snapshot = capture();
     EXPECT_LT(secondsSince(begun), 0.5) << "nobody is waited for";
     ASSERT_EQ(snapshot.items.size(), 1U);
-    EXPECT_EQ(snapshot.items[0], (PasteboardSnapshot::Item(forms.begin(), forms.begin() + 4)));
+    EXPECT_EQ(snapshot.items[0], (ClipboardSnapshot::Item(forms.begin(), forms.begin() + 4)));
     EXPECT_TRUE(log.has("[clipboard] 18 von 22 Formen der Zwischenablage blieben aus."));
 }
 
 TEST_F(ClipboardTest, ReadsTheNewOwnerIfItChangesMeanwhile) {
-    const PasteboardSnapshot::Item old = {{"UTF8_STRING", "alt", "UTF8_STRING/8"}, {"x/never", "", "x/never/8"}};
-    const PasteboardSnapshot::Item fresh = {{"UTF8_STRING", "neu", "UTF8_STRING/8"}};
+    const ClipboardSnapshot::Item old = {{"UTF8_STRING", "alt", "UTF8_STRING/8"}, {"x/never", "", "x/never/8"}};
+    const ClipboardSnapshot::Item fresh = {{"UTF8_STRING", "neu", "UTF8_STRING/8"}};
     const CopyingProgram former(old, {.unanswered = {"x/never"}});
     std::optional<CopyingProgram> latter;
     std::thread copies([&] {
         eventually([&] { return former.answers() == 2; });
         latter.emplace(fresh);
     });
-    EXPECT_EQ(capture(), PasteboardSnapshot{{fresh}});
+    EXPECT_EQ(capture(), ClipboardSnapshot{{fresh}});
     copies.join();
 }
 
 TEST_F(ClipboardTest, LeavesOutAFormThatIsRefusedOrBreaksOff) {
-    const PasteboardSnapshot::Item forms = {
+    const ClipboardSnapshot::Item forms = {
         {"UTF8_STRING", "Text", "UTF8_STRING/8"}, {"x/refused", "x", "x/refused/8"}, {"x/broken", std::string(900'000, 'x'), "x/broken/8"}};
     const CopyingProgram owner(forms, {.refused = {"x/refused"}, .stopsAfterPieces = 2});
-    EXPECT_EQ(capture(), (PasteboardSnapshot{{{forms[0]}}}));
+    EXPECT_EQ(capture(), (ClipboardSnapshot{{{forms[0]}}}));
     EXPECT_TRUE(log.has("[clipboard] 1 von 2 Formen der Zwischenablage blieben aus."));
 }
 
@@ -237,23 +237,23 @@ TEST_F(ClipboardTest, IsBeingReadUntilTheLastPieceOrTheReaderStops) {
 
 TEST_F(ClipboardTest, IsEmptiedByNothing) {
     const CopyingProgram owner(officeForms());
-    pasteboard.write({});
+    clipboard.write({});
     EXPECT_EQ(PastingProgram().read("TARGETS"), std::nullopt);
     EXPECT_TRUE(capture().isEmpty());
     const auto offer = copy("Text");
-    pasteboard.write({});
+    clipboard.write({});
     EXPECT_FALSE(offer->isCurrent());
     EXPECT_EQ(PastingProgram().read("UTF8_STRING"), std::nullopt);
 }
 
 TEST_F(ClipboardTest, WritesAlsoWhileSomebodyIsWaitedFor) {
     const CopyingProgram owner(officeForms(), {.unanswered = {"text/html"}});
-    std::optional<PasteboardSnapshot> captured;
+    std::optional<ClipboardSnapshot> captured;
     TaskGroup tasks;
-    const auto keep = [](Task<PasteboardSnapshot> task, std::optional<PasteboardSnapshot>& to) -> Task<> {
+    const auto keep = [](Task<ClipboardSnapshot> task, std::optional<ClipboardSnapshot>& to) -> Task<> {
         to.emplace(co_await std::move(task));
     };
-    tasks.start(keep(pasteboard.capture(), captured));
+    tasks.start(keep(clipboard.capture(), captured));
     EXPECT_TRUE(eventually([&] { return owner.answers() == 4; }));
     const auto begun = std::chrono::steady_clock::now();
     EXPECT_TRUE(copy("Diktat")->isCurrent());
@@ -264,13 +264,13 @@ TEST_F(ClipboardTest, WritesAlsoWhileSomebodyIsWaitedFor) {
 TEST_F(ClipboardTest, LetsAManagerKeepWhatIsNoSecret) {
     for (const auto history : {ClipboardHistory::keep, ClipboardHistory::skip}) {
         const CopyingProgram manager({}, {.manages = "CLIPBOARD_MANAGER"});
-        auto ours = std::make_unique<X11Pasteboard>(loop);
+        auto ours = std::make_unique<X11Clipboard>(loop);
         ours->writeText("Text", history);
         ours.reset();
         EXPECT_EQ(manager.savesAsked, history == ClipboardHistory::keep ? 1 : 0);
     }
     const CopyingProgram hung({}, {.unanswered = {"SAVE_TARGETS"}, .manages = "CLIPBOARD_MANAGER"});
-    auto ours = std::make_unique<X11Pasteboard>(loop);
+    auto ours = std::make_unique<X11Clipboard>(loop);
     ours->writeText("Text", ClipboardHistory::keep);
     const auto begun = std::chrono::steady_clock::now();
     ours.reset();
@@ -279,7 +279,7 @@ TEST_F(ClipboardTest, LetsAManagerKeepWhatIsNoSecret) {
 
 TEST_F(ClipboardTest, OutlivesTheServer) {
     auto server = std::make_unique<OwnServer>();
-    X11Pasteboard there(loop, server->display());
+    X11Clipboard there(loop, server->display());
     const auto offer = there.writeText("Text", ClipboardHistory::keep);
     EXPECT_TRUE(offer->isCurrent());
     server->kill();
@@ -293,7 +293,7 @@ TEST_F(ClipboardTest, OutlivesTheServer) {
 
 TEST_F(ClipboardTest, HoldsNobodyUpWithAStoppedServer) {
     const OwnServer server;
-    auto there = std::make_unique<X11Pasteboard>(loop, server.display());
+    auto there = std::make_unique<X11Clipboard>(loop, server.display());
     there->write({{officeForms()}});
     server.stop();
     const auto begun = std::chrono::steady_clock::now();

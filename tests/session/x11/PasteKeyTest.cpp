@@ -1,8 +1,8 @@
 // The shortcut that pastes, pressed into real programs.
 
 #include "platform/x11/KeyboardMap.h"
+#include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11PasteKey.h"
-#include "platform/x11/X11Pasteboard.h"
 #include "platform/x11/X11Workspace.h"
 #include "support/CapturedLog.h"
 #include "support/Desktop.h"
@@ -50,7 +50,7 @@ struct PasteKeyTest : testing::Test {
     CapturedLog log;
     RunLoop loop;
     X11Workspace workspace;
-    X11Pasteboard pasteboard{loop};
+    X11Clipboard clipboard{loop};
     X11PasteKey pasteKey{loop};
     std::unique_ptr<Program> editor;
 
@@ -67,14 +67,14 @@ struct PasteKeyTest : testing::Test {
     void clear() { shell("xdotool key ctrl+a key Delete"); }
     /// What stands in the editor, by its own "select all" and "copy".
     std::string text() {
-        pasteboard.write({});
+        clipboard.write({});
         shell("xdotool key ctrl+a key ctrl+c key End");
         std::string copied;
         eventually([&] { return !(copied = shell("timeout 1 xclip -selection clipboard -o")).empty(); }, seconds(0.3));
         return copied;
     }
     bool paste(const std::string& what, PasteShortcut shortcut = PasteShortcut::standard) {
-        const auto offer = pasteboard.writeText(what, ClipboardHistory::skip);
+        const auto offer = clipboard.writeText(what, ClipboardHistory::skip);
         if (!await(loop, pasteKey.press(shortcut))) return false;
         return eventually([&] { return offer->completedReads() > 0; }, seconds(2));
     }

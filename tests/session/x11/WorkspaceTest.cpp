@@ -36,7 +36,7 @@ struct WorkspaceTest : testing::Test {
         std::optional<RunningApplication> front;
         eventually([&] {
             front = workspace.frontmostApplication();
-            return front && front->bundleIdentifier == identifier &&
+            return front && front->applicationId == identifier &&
                    workspace.applicationName(front->processIdentifier) == front->localizedName;
         });
         return front;

@@ -14,12 +14,12 @@ namespace querlin {
 /// The streaming recogniser. The analysis starts while the user already speaks: until it has told the
 /// format that it wants, the sound waits in copies, and goes to it in its order. Final pieces of text add
 /// up, a volatile one stands behind them until the next piece comes.
-class SpeechAnalyzerTranscriber final : public StreamingTranscriber {
+class StreamingModelTranscriber final : public StreamingTranscriber {
 public:
     /// The service outlives the transcriber.
-    SpeechAnalyzerTranscriber(Runtime runtime, SpeechAnalysisService& service,
+    StreamingModelTranscriber(Runtime runtime, SpeechAnalysisService& service,
                               MakeAudioConverter makeConverter);
-    ~SpeechAnalyzerTranscriber() override;
+    ~StreamingModelTranscriber() override;
 
     /// Whether the service knows the language. Any thread; may take a moment.
     static bool isAvailable(SpeechAnalysisService& service, const std::string& locale);

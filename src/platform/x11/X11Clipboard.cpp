@@ -1,4 +1,4 @@
-#include "platform/x11/X11Pasteboard.h"
+#include "platform/x11/X11Clipboard.h"
 
 #include "foundation/OneShot.h"
 #include "platform/x11/SelectionForms.h"
@@ -14,9 +14,9 @@ constexpr Duration longestWrite = std::chrono::milliseconds(300);
 
 } // namespace
 
-Task<PasteboardSnapshot> X11Pasteboard::capture() {
-    const OneShot<PasteboardSnapshot> captured(queue_);
-    auto send = [sender = captured.sender()](PasteboardSnapshot snapshot) {
+Task<ClipboardSnapshot> X11Clipboard::capture() {
+    const OneShot<ClipboardSnapshot> captured(queue_);
+    auto send = [sender = captured.sender()](ClipboardSnapshot snapshot) {
         sender.send(std::move(snapshot));
     };
     thread_.capture(std::move(send));
@@ -24,7 +24,7 @@ Task<PasteboardSnapshot> X11Pasteboard::capture() {
     co_return snapshot;
 }
 
-std::shared_ptr<SelectionOffer> X11Pasteboard::put(PasteboardSnapshot::Item item) {
+std::shared_ptr<SelectionOffer> X11Clipboard::put(ClipboardSnapshot::Item item) {
     const auto history = SelectionForms::historyOf(item);
     auto offer = std::make_shared<SelectionOffer>();
     auto done = thread_.write({std::move(item), history, offer, {}});
@@ -36,14 +36,14 @@ std::shared_ptr<SelectionOffer> X11Pasteboard::put(PasteboardSnapshot::Item item
     return offer;
 }
 
-void X11Pasteboard::write(PasteboardSnapshot contents) {
-    PasteboardSnapshot::Item all;
+void X11Clipboard::write(ClipboardSnapshot contents) {
+    ClipboardSnapshot::Item all;
     for (auto& item : contents.items)
         all.insert(all.end(), std::make_move_iterator(item.begin()), std::make_move_iterator(item.end()));
     put(std::move(all));
 }
 
-std::shared_ptr<PasteboardOffer> X11Pasteboard::writeText(std::string_view text, ClipboardHistory history) {
+std::shared_ptr<ClipboardOffer> X11Clipboard::writeText(std::string_view text, ClipboardHistory history) {
     return put(SelectionForms::ofText(text, history));
 }
 

@@ -1,4 +1,4 @@
-#include "cleanup/LocalFoundationEnhancer.h"
+#include "cleanup/LocalModelEnhancer.h"
 
 #include "foundation/Graphemes.h"
 #include "foundation/Replacing.h"
@@ -60,7 +60,7 @@ std::string LocalModelAvailability::explanation() const {
     return {};
 }
 
-LocalModelAvailability LocalFoundationEnhancer::availability() const {
+LocalModelAvailability LocalModelEnhancer::availability() const {
     using State = LanguageModel::State;
     using Kind = LocalModelAvailability::Kind;
     switch (model_.state()) {
@@ -80,19 +80,20 @@ LocalModelAvailability LocalFoundationEnhancer::availability() const {
     return {};
 }
 
-std::string LocalFoundationEnhancer::instructions(WritingStyle style) {
+std::string LocalModelEnhancer::instructions(WritingStyle style) {
     return std::string(instructionsHead).append(promptInstruction(style)).append(instructionsTail);
 }
 
-void LocalFoundationEnhancer::prewarm(WritingStyle style) {
+void LocalModelEnhancer::prewarm(WritingStyle style) {
     if (!availability().isAvailable()) return;
     model_.makeSession(instructions(style))->prewarm();
     DiagnosticsLog::note("cleanup", "Lokales Modell vorgewärmt.");
 }
 
-Task<std::expected<std::string, EnhancementError>>
-LocalFoundationEnhancer::enhance(std::string text, DictationLanguage /*language*/, WritingStyle style,
-                                 TextTreatment /*treatment*/) {
+Task<std::expected<std::string, EnhancementError>> LocalModelEnhancer::enhance(std::string text,
+                                                                               DictationLanguage /*language*/,
+                                                                               WritingStyle style,
+                                                                               TextTreatment /*treatment*/) {
     text = trimWhitespaceAndNewlines(text);
     if (text.empty()) co_return text;
     const auto available = availability();
@@ -111,7 +112,7 @@ LocalFoundationEnhancer::enhance(std::string text, DictationLanguage /*language*
     co_return stripWrapping(content);
 }
 
-std::string LocalFoundationEnhancer::stripWrapping(std::string_view answer) {
+std::string LocalModelEnhancer::stripWrapping(std::string_view answer) {
     const auto untagged = replacingAll(replacingAll(answer, openingTag, ""), closingTag, "");
     auto text = trimWhitespaceAndNewlines(untagged);
     const bool isQuoted = firstGraphemes(text, 1) == "\"" && lastGrapheme(text) == "\"";

@@ -26,9 +26,9 @@ struct LocalModelAvailability {
 /// Polishes a dictation with the language model of this machine, under strict instructions: what is said
 /// stays, only its form is cleaned. What the model answers is taken as it is, apart from tags and quotes
 /// around it.
-class LocalFoundationEnhancer final : public TextEnhancer {
+class LocalModelEnhancer final : public TextEnhancer {
 public:
-    explicit LocalFoundationEnhancer(LanguageModel& model) : model_(model) {}
+    explicit LocalModelEnhancer(LanguageModel& model) : model_(model) {}
 
     LocalModelAvailability availability() const;
     static std::string instructions(WritingStyle style);

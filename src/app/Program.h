@@ -1,7 +1,7 @@
 #pragma once
 
-#include "dictation/DictationController.h"
 #include "app/Machine.h"
+#include "dictation/DictationController.h"
 #include "foundation/Lifetime.h"
 #include "legal/LegalUpdateService.h"
 #include "platform/dbus/ApplicationService.h"
@@ -26,17 +26,17 @@ struct Places {
 
 /// Makes the long-lived objects once, in the order that counts, and holds them to the end of the process.
 /// There is no second launch and no reload. Main thread.
-class AppDelegate {
+class Program {
 public:
     /// `quit` ends the main loop.
-    AppDelegate(Machine& machine, Places places, std::function<void()> quit);
-    ~AppDelegate();
-    AppDelegate(const AppDelegate&) = delete;
-    AppDelegate& operator=(const AppDelegate&) = delete;
+    Program(Machine& machine, Places places, std::function<void()> quit);
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
 
-    void applicationDidFinishLaunching();
+    void start();
     /// Rescues what is under way.
-    void applicationWillTerminate();
+    void end();
 
 private:
     struct Dictation;

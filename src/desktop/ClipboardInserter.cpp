@@ -1,4 +1,4 @@
-#include "desktop/PasteboardInserter.h"
+#include "desktop/ClipboardInserter.h"
 
 #include "foundation/TextCase.h"
 #include "foundation/Waiting.h"
@@ -23,21 +23,21 @@ constexpr std::array<std::string_view, 6> hiddenTerminals = {
     "Alacritty", "kitty", "foot", "org.wezfurlong.wezterm", "com.mitchellh.ghostty", "konsole"};
 
 bool isHiddenTerminal(const std::optional<RunningApplication>& application) {
-    return application && application->bundleIdentifier &&
-           std::ranges::find(hiddenTerminals, *application->bundleIdentifier) != hiddenTerminals.end();
+    return application && application->applicationId &&
+           std::ranges::find(hiddenTerminals, *application->applicationId) != hiddenTerminals.end();
 }
 
 } // namespace
 
-void PasteboardInserter::placeInPasteboard(std::string_view text) {
-    with_.pasteboard.writeText(text, ClipboardHistory::keep);
+void ClipboardInserter::placeOnClipboard(std::string_view text) {
+    parts_.clipboard.writeText(text, ClipboardHistory::keep);
 }
 
-PasteboardInserter::Target PasteboardInserter::look() {
-    const auto front = with_.workspace.frontmostApplication();
+ClipboardInserter::Target ClipboardInserter::look() {
+    const auto front = parts_.workspace.frontmostApplication();
     Target target;
     target.element =
-        with_.contextDetector.focusedElement(front ? std::optional(front->processIdentifier) : std::nullopt);
+        parts_.contextDetector.focusedElement(front ? std::optional(front->processIdentifier) : std::nullopt);
     if (target.element) {
         target.value = ContextDetector::stringValue(*target.element, AX::value);
         if (ContextDetector::stringValue(*target.element, AX::subrole) == AX::terminal)
@@ -48,19 +48,19 @@ PasteboardInserter::Target PasteboardInserter::look() {
     return target;
 }
 
-Task<std::expected<TextInserter::Outcome, InsertError>> PasteboardInserter::insert(std::string text) {
-    auto& queue = with_.runtime.mainQueue;
-    if (!with_.permissions.isAccessibilityTrusted())
+Task<std::expected<TextInserter::Outcome, InsertError>> ClipboardInserter::insert(std::string text) {
+    auto& queue = parts_.runtime.mainQueue;
+    if (!parts_.permissions.isAccessibilityTrusted())
         co_return std::unexpected(InsertError::noAccessibilityPermission);
     if (text.empty()) co_return Outcome::inserted;
 
     const Target target = look();
-    PasteboardSnapshot snapshot = co_await with_.pasteboard.capture();
-    const auto offer = with_.pasteboard.writeText(text, ClipboardHistory::skip);
+    ClipboardSnapshot snapshot = co_await parts_.clipboard.capture();
+    const auto offer = parts_.clipboard.writeText(text, ClipboardHistory::skip);
     co_await sleepFor(queue, beforeTheKey);
     const auto readsBefore = offer->completedReads();
-    co_await with_.pasteKey.press(target.shortcut);
-    const auto key = with_.runtime.clock.instant();
+    co_await parts_.pasteKey.press(target.shortcut);
+    const auto key = parts_.runtime.clock.instant();
     co_await sleepFor(queue, untilTheLook);
 
     const auto outcome = compare(target);
@@ -69,20 +69,21 @@ Task<std::expected<TextInserter::Outcome, InsertError>> PasteboardInserter::inse
         co_await letReadersFinish(*offer, readsBefore, key);
     }
     // Nobody who could have pasted it has asked for it.
-    const bool isUnread = offer->isCurrent() && offer->completedReads() == readsBefore && !offer->isBeingRead();
+    const bool isUnread =
+        offer->isCurrent() && offer->completedReads() == readsBefore && !offer->isBeingRead();
     if (outcome == Outcome::notInserted || (outcome == Outcome::unconfirmed && isUnread)) {
         DiagnosticsLog::note("insert", "Einfügen nicht angekommen – Text bleibt in der Zwischenablage.");
         co_return Outcome::notInserted;
     }
     if (offer->isCurrent()) {
-        with_.pasteboard.write(std::move(snapshot));
+        parts_.clipboard.write(std::move(snapshot));
     } else {
         DiagnosticsLog::note("insert", "Inzwischen wurde etwas kopiert – die Zwischenablage bleibt so.");
     }
     co_return outcome;
 }
 
-TextInserter::Outcome PasteboardInserter::compare(const Target& target) {
+TextInserter::Outcome ClipboardInserter::compare(const Target& target) {
     if (!target.element || !target.value) return Outcome::unconfirmed;
     const auto value = ContextDetector::stringValue(*target.element, AX::value);
     if (!value) return Outcome::unconfirmed;
@@ -90,13 +91,13 @@ TextInserter::Outcome PasteboardInserter::compare(const Target& target) {
 }
 
 /// A slow program would else be given the user's own clipboard in place of the text.
-Task<> PasteboardInserter::letReadersFinish(const PasteboardOffer& offer, std::uint64_t readsBefore,
-                                            Instant key) {
+Task<> ClipboardInserter::letReadersFinish(const ClipboardOffer& offer, std::uint64_t readsBefore,
+                                           Instant key) {
     const auto mustWait = [&] {
         const bool isRead = offer.completedReads() > readsBefore && !offer.isBeingRead();
-        return offer.isCurrent() && !isRead && with_.runtime.clock.instant() - key < longestReading;
+        return offer.isCurrent() && !isRead && parts_.runtime.clock.instant() - key < longestReading;
     };
-    while (mustWait()) co_await sleepFor(with_.runtime.mainQueue, betweenLooks);
+    while (mustWait()) co_await sleepFor(parts_.runtime.mainQueue, betweenLooks);
 }
 
 } // namespace querlin

@@ -1,10 +1,10 @@
-#include "app/AppDelegate.h"
+#include "app/Program.h"
 
+#include "app/SetupReport.h"
 #include "cleanup/EnhancementCoordinator.h"
 #include "cleanup/RuleBasedEnhancer.h"
-#include "desktop/PasteboardInserter.h"
+#include "desktop/ClipboardInserter.h"
 #include "dictation/CrashRecovery.h"
-#include "app/SetupReport.h"
 #include "platform/av/SwrConverter.h"
 #include "speech/LocalTranscribers.h"
 #include "state/DiagnosticsLog.h"
@@ -36,14 +36,14 @@ std::string systemName() {
 
 } // namespace
 
-struct AppDelegate::Dictation {
-    explicit Dictation(AppDelegate& app);
+struct Program::Dictation {
+    explicit Dictation(Program& app);
 
     // Texts
     TextChain stages;
     RuleBasedEnhancer rules;
     NoLanguageModel model;
-    LocalFoundationEnhancer modelEnhancer{model};
+    LocalModelEnhancer modelEnhancer{model};
     EnhancementCoordinator enhancement;
     DictationHistory history;
 
@@ -51,7 +51,7 @@ struct AppDelegate::Dictation {
     HotkeyManager hotkey;
     ContextDetector contextDetector;
     CorrectionWatcher watcher;
-    PasteboardInserter inserter;
+    ClipboardInserter inserter;
     Notifier notifier;
     RescueFolder rescueFolder;
     DictationRescue rescue{rescueFolder, inserter, notifier};
@@ -63,7 +63,7 @@ struct AppDelegate::Dictation {
     DictationController controller;
 };
 
-AppDelegate::Dictation::Dictation(AppDelegate& app) :
+Program::Dictation::Dictation(Program& app) :
     stages(app.corpus_),
     rules(app.machine_.runtime()),
     enhancement(*app.settings_, rules, modelEnhancer),
@@ -76,7 +76,7 @@ AppDelegate::Dictation::Dictation(AppDelegate& app) :
               .permissions = app.permissions_,
               .contextDetector = contextDetector,
               .workspace = app.machine_.workspace,
-              .pasteboard = app.machine_.pasteboard,
+              .clipboard = app.machine_.clipboard,
               .pasteKey = app.machine_.pasteKey}),
     notifier(&app.machine_.notifications),
     rescueFolder(app.places_.paths.rescuedDictations(), app.machine_.clock),
@@ -107,7 +107,7 @@ AppDelegate::Dictation::Dictation(AppDelegate& app) :
                                         .ruleBasedEnhancer = rules,
                                         .enhancement = enhancement}) {}
 
-AppDelegate::AppDelegate(Machine& machine, Places places, std::function<void()> quit) :
+Program::Program(Machine& machine, Places places, std::function<void()> quit) :
     machine_(machine),
     places_(std::move(places)),
     quit_(std::move(quit)),
@@ -115,7 +115,7 @@ AppDelegate::AppDelegate(Machine& machine, Places places, std::function<void()> 
     corpus_(lawFiles_, machine.clock),
     vocabulary_(places_.resources, machine.pool),
     permissions_(machine.queue, machine.access, machine.workspace),
-    attention_(machine.queue, machine.buses, std::string(Product::bundleIdentifier),
+    attention_(machine.queue, machine.buses, std::string(Product::applicationId),
                [this] {
                    if (statusItemController_) statusItemController_->present();
                }),
@@ -123,17 +123,17 @@ AppDelegate::AppDelegate(Machine& machine, Places places, std::function<void()> 
         Theme::appearance().set(prefersDark ? Appearance::dark : Appearance::light);
     }) {}
 
-AppDelegate::~AppDelegate() {
+Program::~Program() {
     machine_.pool.finish(); // What runs there uses what goes now.
     if (windows_) windows_->setController(nullptr);
 }
 
-void AppDelegate::applicationDidFinishLaunching() {
+void Program::start() {
     DiagnosticsLog::note("app", fmt::format("=== Start === {}", places_.executable));
     DiagnosticsLog::note("app", fmt::format("PID {}, {}", ::getpid(), systemName()));
 
-    preferences_ = std::make_unique<PreferencesStore>(
-        places_.paths.preferencesFile(Product::bundleIdentifier), machine_.clock);
+    preferences_ = std::make_unique<PreferencesStore>(places_.paths.preferencesFile(Product::applicationId),
+                                                      machine_.clock);
     Migration::runIfNeeded(*preferences_, Product::legacyDomain,
                            places_.paths.preferencesFile(Product::legacyDomain));
     settings_ = std::make_unique<AppSettings>(*preferences_);
@@ -154,7 +154,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     later(untilIconIsThere, [this] { startListening(); });
 }
 
-void AppDelegate::startListening() {
+void Program::startListening() {
     preload();
     dictation_->controller.start();
     later(untilOverlayIsPrepared, [this] { windows_->prepareOverlay(); });
@@ -167,7 +167,7 @@ void AppDelegate::startListening() {
     if (!settings_->hasCompletedOnboarding.get()) windows_->showOnboarding();
 }
 
-void AppDelegate::makeStatusItem() {
+void Program::makeStatusItem() {
     statusItemController_ =
         std::make_unique<StatusItemController>(StatusItemSources{.runtime = machine_.runtime(),
                                                                  .controller = dictation_->controller,
@@ -182,12 +182,12 @@ void AppDelegate::makeStatusItem() {
 }
 
 /// Each returns at once; whoever is faster than these waits.
-void AppDelegate::preload() {
+void Program::preload() {
     corpus_.preload(machine_.pool);
     vocabulary_.preload();
     if (settings_->cleanupMode.get() == CleanupMode::local)
         dictation_->modelEnhancer.prewarm(settings_->writingStyle.get());
-    if (settings_->engine.get() == TranscriptionEngine::speechAnalyzer && machine_.streaming.isHere()) {
+    if (settings_->engine.get() == TranscriptionEngine::streaming && machine_.streaming.isHere()) {
         machine_.streaming.preload();
         return;
     }
@@ -200,11 +200,11 @@ void AppDelegate::preload() {
         });
 }
 
-void AppDelegate::later(Duration delay, Work work) {
+void Program::later(Duration delay, Work work) {
     delayed_.push_back(machine_.queue.after(delay, std::move(work)));
 }
 
-void AppDelegate::reportTroubles() {
+void Program::reportTroubles() {
     CrashRecovery::rescueLeftBehind(RecordingFolder(places_.paths.recordings), dictation_->rescueFolder,
                                     dictation_->notifier);
     if (const auto trouble = preferences_->trouble()) {
@@ -213,7 +213,7 @@ void AppDelegate::reportTroubles() {
     }
 }
 
-std::vector<SetupFinding> AppDelegate::findings() {
+std::vector<SetupFinding> Program::findings() {
     return SetupReport::make({.machine = machine_,
                               .models = places_.paths.models(),
                               .engine = settings_->engine.get(),
@@ -222,7 +222,7 @@ std::vector<SetupFinding> AppDelegate::findings() {
                               .settingsTrouble = preferences_->trouble()});
 }
 
-void AppDelegate::applicationWillTerminate() {
+void Program::end() {
     if (dictation_) dictation_->controller.shutdown();
 }
 

@@ -1,20 +1,20 @@
 #pragma once
 
+#include "desktop/Clipboard.h"
 #include "desktop/ContextDetector.h"
 #include "desktop/PasteKey.h"
-#include "desktop/Pasteboard.h"
 #include "desktop/TextInserter.h"
 #include "foundation/Runtime.h"
 
 namespace querlin {
 
 /// What an insertion works with; all outlive it.
-struct PasteboardInserterParts {
+struct ClipboardInserterParts {
     Runtime runtime;
     PermissionsManager& permissions;
     ContextDetector& contextDetector;
     Workspace& workspace;
-    Pasteboard& pasteboard;
+    Clipboard& clipboard;
     PasteKey& pasteKey;
 };
 
@@ -22,14 +22,14 @@ struct PasteboardInserterParts {
 /// for pasting, looks whether the field has changed, and gives the user's clipboard back.
 ///
 /// What the user has copied is given up in two cases only: the field is as it was before, or there is no
-/// telling and nobody has asked for the text. Then the text stays on the clipboard, to be pasted by hand. What
-/// the user copies while the text is on the clipboard is respected.
-class PasteboardInserter final : public TextInserter {
+/// telling and nobody has asked for the text. Then the text stays on the clipboard, to be pasted by hand.
+/// What the user copies while the text is on the clipboard is respected.
+class ClipboardInserter final : public TextInserter {
 public:
-    explicit PasteboardInserter(PasteboardInserterParts parts) : with_(parts) {}
+    explicit ClipboardInserter(ClipboardInserterParts parts) : parts_(parts) {}
 
     Task<std::expected<Outcome, InsertError>> insert(std::string text) override;
-    void placeInPasteboard(std::string_view text) override;
+    void placeOnClipboard(std::string_view text) override;
 
 private:
     /// The field at the cursor, and its text before the paste.
@@ -41,9 +41,9 @@ private:
 
     Target look();
     static Outcome compare(const Target& target);
-    Task<> letReadersFinish(const PasteboardOffer& offer, std::uint64_t readsBefore, Instant key);
+    Task<> letReadersFinish(const ClipboardOffer& offer, std::uint64_t readsBefore, Instant key);
 
-    PasteboardInserterParts with_;
+    ClipboardInserterParts parts_;
 };
 
 } // namespace querlin

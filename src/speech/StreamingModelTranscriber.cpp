@@ -1,4 +1,4 @@
-#include "speech/SpeechAnalyzerTranscriber.h"
+#include "speech/StreamingModelTranscriber.h"
 
 #include "foundation/Trimming.h"
 
@@ -8,7 +8,7 @@
 
 namespace querlin {
 
-struct SpeechAnalyzerTranscriber::State {
+struct StreamingModelTranscriber::State {
     /// A copy of sound that came before its time.
     struct Pending {
         AudioFormat format;
@@ -50,7 +50,7 @@ struct SpeechAnalyzerTranscriber::State {
 // The start-up, in the background
 
 /// False if there is nothing to wait for.
-bool SpeechAnalyzerTranscriber::State::setUp(SpeechAnalyzer& service,
+bool StreamingModelTranscriber::State::setUp(SpeechAnalyzer& service,
                                              const std::vector<std::string>& contextualStrings) {
     const auto format = service.prepare(contextualStrings);
     if (!format) return false;
@@ -65,7 +65,7 @@ bool SpeechAnalyzerTranscriber::State::setUp(SpeechAnalyzer& service,
 }
 
 /// In the order in which it was said: nothing overtakes what waits.
-void SpeechAnalyzerTranscriber::State::passPendingOn() {
+void StreamingModelTranscriber::State::passPendingOn() {
     for (;;) {
         std::vector<Pending> next;
         {
@@ -78,7 +78,7 @@ void SpeechAnalyzerTranscriber::State::passPendingOn() {
     }
 }
 
-void SpeechAnalyzerTranscriber::State::forward(const AudioBuffer& buffer) {
+void StreamingModelTranscriber::State::forward(const AudioBuffer& buffer) {
     AudioFormat target;
     std::shared_ptr<SpeechAnalyzer> receiver;
     {
@@ -102,7 +102,7 @@ void SpeechAnalyzerTranscriber::State::forward(const AudioBuffer& buffer) {
 
 // The results, on the service's thread
 
-void SpeechAnalyzerTranscriber::State::collect(SpeechAnalysisResult result) {
+void StreamingModelTranscriber::State::collect(SpeechAnalysisResult result) {
     std::unique_lock guard(lock);
     if (result.isFinal) {
         finalizedText += result.text;
@@ -117,7 +117,7 @@ void SpeechAnalyzerTranscriber::State::collect(SpeechAnalysisResult result) {
     if (!trimmed.empty() && call) call(std::string(trimmed));
 }
 
-void SpeechAnalyzerTranscriber::State::endResults(bool complete) {
+void StreamingModelTranscriber::State::endResults(bool complete) {
     std::unique_lock guard(lock);
     const auto receiver = std::exchange(collected, std::nullopt);
     if (!receiver) return;
@@ -127,7 +127,7 @@ void SpeechAnalyzerTranscriber::State::endResults(bool complete) {
     receiver->send(std::string(trimWhitespaceAndNewlines(whole)));
 }
 
-void SpeechAnalyzerTranscriber::State::cleanUp() {
+void StreamingModelTranscriber::State::cleanUp() {
     std::shared_ptr<SpeechAnalyzer> former; // Goes behind the lock.
     std::vector<Pending> unused;
     const std::scoped_lock guard(lock);
@@ -139,30 +139,30 @@ void SpeechAnalyzerTranscriber::State::cleanUp() {
 
 // The transcriber
 
-SpeechAnalyzerTranscriber::SpeechAnalyzerTranscriber(Runtime runtime, SpeechAnalysisService& service,
+StreamingModelTranscriber::StreamingModelTranscriber(Runtime runtime, SpeechAnalysisService& service,
                                                      MakeAudioConverter makeConverter) :
     runtime_(runtime), service_(service), state_(std::make_shared<State>(std::move(makeConverter))) {}
 
-SpeechAnalyzerTranscriber::~SpeechAnalyzerTranscriber() { state_->cleanUp(); }
+StreamingModelTranscriber::~StreamingModelTranscriber() { state_->cleanUp(); }
 
-bool SpeechAnalyzerTranscriber::isAvailable(SpeechAnalysisService& service, const std::string& locale) {
+bool StreamingModelTranscriber::isAvailable(SpeechAnalysisService& service, const std::string& locale) {
     const auto known = service.supportedLocales();
     return std::ranges::find(known, locale) != known.end();
 }
 
-bool SpeechAnalyzerTranscriber::prepareAssets(SpeechAnalysisService& service, const std::string& locale) {
+bool StreamingModelTranscriber::prepareAssets(SpeechAnalysisService& service, const std::string& locale) {
     using Status = SpeechAnalysisService::AssetStatus;
     const auto status = service.assetStatus(locale);
     if (status != Status::missing) return status == Status::installed;
     return service.downloadAndInstall(locale) && service.assetStatus(locale) == Status::installed;
 }
 
-void SpeechAnalyzerTranscriber::setOnPartialResult(std::function<void(std::string)> onPartialResult) {
+void StreamingModelTranscriber::setOnPartialResult(std::function<void(std::string)> onPartialResult) {
     const std::scoped_lock guard(state_->lock);
     state_->onPartialResult = std::move(onPartialResult);
 }
 
-std::expected<void, TranscriptionError> SpeechAnalyzerTranscriber::begin(const std::string& locale, bool) {
+std::expected<void, TranscriptionError> StreamingModelTranscriber::begin(const std::string& locale, bool) {
     setup_.emplace(runtime_.mainQueue);
     collector_.emplace(runtime_.mainQueue);
     const std::weak_ptr weak(state_);
@@ -194,7 +194,7 @@ std::expected<void, TranscriptionError> SpeechAnalyzerTranscriber::begin(const s
     return {};
 }
 
-void SpeechAnalyzerTranscriber::append(const AudioBuffer& buffer) {
+void StreamingModelTranscriber::append(const AudioBuffer& buffer) {
     {
         const std::scoped_lock guard(state_->lock);
         if (!state_->isStreaming) {
@@ -205,7 +205,7 @@ void SpeechAnalyzerTranscriber::append(const AudioBuffer& buffer) {
     state_->forward(buffer);
 }
 
-Task<std::expected<std::string, TranscriptionError>> SpeechAnalyzerTranscriber::finish() {
+Task<std::expected<std::string, TranscriptionError>> StreamingModelTranscriber::finish() {
     const auto state = state_;
     if (!collector_) co_return std::string();
     co_await *setup_;
@@ -219,7 +219,7 @@ Task<std::expected<std::string, TranscriptionError>> SpeechAnalyzerTranscriber::
     co_return text;
 }
 
-void SpeechAnalyzerTranscriber::cancel() {
+void StreamingModelTranscriber::cancel() {
     if (const auto analyzer = state_->running()) analyzer->cancelAndFinishNow();
     std::unique_lock guard(state_->lock);
     const auto receiver = std::exchange(state_->collected, std::nullopt);
@@ -229,7 +229,7 @@ void SpeechAnalyzerTranscriber::cancel() {
     state_->cleanUp();
 }
 
-bool SpeechAnalyzerTranscriber::wasInterrupted() const {
+bool StreamingModelTranscriber::wasInterrupted() const {
     const std::scoped_lock guard(state_->lock);
     return state_->wasInterrupted;
 }

@@ -10,11 +10,11 @@ namespace querlin {
 
 /// The classic recogniser. The outcome of a recognition is decided exactly once: by the service's last
 /// result, its error, `cancel`, or twelve seconds after `finish` by the text there is.
-class AppleSpeechTranscriber final : public StreamingTranscriber {
+class ClassicTranscriber final : public StreamingTranscriber {
 public:
     /// Both outlive the transcriber.
-    AppleSpeechTranscriber(Runtime runtime, SpeechRecognitionService& service);
-    ~AppleSpeechTranscriber() override;
+    ClassicTranscriber(Runtime runtime, SpeechRecognitionService& service);
+    ~ClassicTranscriber() override;
 
     void setOnPartialResult(std::function<void(std::string)> onPartialResult) override;
     void setContextualStrings(std::vector<std::string> strings) override {

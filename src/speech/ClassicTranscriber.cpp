@@ -1,4 +1,4 @@
-#include "speech/AppleSpeechTranscriber.h"
+#include "speech/ClassicTranscriber.h"
 
 #include "foundation/OneShot.h"
 #include "foundation/Trimming.h"
@@ -22,7 +22,7 @@ std::unexpected<TranscriptionError> failure(TranscriptionError::Kind kind, std::
 
 } // namespace
 
-struct AppleSpeechTranscriber::State {
+struct ClassicTranscriber::State {
     explicit State(MainQueue& mainQueue) : queue(mainQueue) {}
 
     MainQueue& queue;
@@ -48,7 +48,7 @@ struct AppleSpeechTranscriber::State {
 };
 
 /// True if the outcome is still open; else the waiter has it already.
-bool AppleSpeechTranscriber::State::waitWith(const OneShot<Outcome>::Sender& waiter) {
+bool ClassicTranscriber::State::waitWith(const OneShot<Outcome>::Sender& waiter) {
     const std::scoped_lock guard(lock);
     if (hasResumed) {
         waiter.send(latestTranscript);
@@ -59,7 +59,7 @@ bool AppleSpeechTranscriber::State::waitWith(const OneShot<Outcome>::Sender& wai
 }
 
 /// Decides the outcome, unless it is decided already.
-void AppleSpeechTranscriber::State::resume(Outcome outcome) {
+void ClassicTranscriber::State::resume(Outcome outcome) {
     std::unique_lock guard(lock);
     if (std::exchange(hasResumed, true)) return;
     const auto waiter = std::exchange(continuation, std::nullopt);
@@ -67,7 +67,7 @@ void AppleSpeechTranscriber::State::resume(Outcome outcome) {
     if (waiter) waiter->send(std::move(outcome));
 }
 
-void AppleSpeechTranscriber::State::result(SpeechRecognitionResult result) {
+void ClassicTranscriber::State::result(SpeechRecognitionResult result) {
     {
         const std::scoped_lock guard(lock);
         latestTranscript = result.text;
@@ -76,7 +76,7 @@ void AppleSpeechTranscriber::State::result(SpeechRecognitionResult result) {
 }
 
 /// An error behind words: the words stand.
-void AppleSpeechTranscriber::State::failed(std::string detail) {
+void ClassicTranscriber::State::failed(std::string detail) {
     std::string text;
     {
         const std::scoped_lock guard(lock);
@@ -91,7 +91,7 @@ void AppleSpeechTranscriber::State::failed(std::string detail) {
 }
 
 /// The service has not said its last word in time.
-void AppleSpeechTranscriber::State::standOnLatest() {
+void ClassicTranscriber::State::standOnLatest() {
     std::string text;
     {
         const std::scoped_lock guard(lock);
@@ -100,25 +100,25 @@ void AppleSpeechTranscriber::State::standOnLatest() {
     resume(std::move(text));
 }
 
-void AppleSpeechTranscriber::State::tellPartialResult(std::string text) {
+void ClassicTranscriber::State::tellPartialResult(std::string text) {
     std::unique_lock guard(lock);
     const auto call = onPartialResult;
     guard.unlock();
     if (call) call(std::move(text));
 }
 
-AppleSpeechTranscriber::AppleSpeechTranscriber(Runtime runtime, SpeechRecognitionService& service) :
+ClassicTranscriber::ClassicTranscriber(Runtime runtime, SpeechRecognitionService& service) :
     runtime_(runtime), service_(service), state_(std::make_shared<State>(runtime.mainQueue)) {}
 
-AppleSpeechTranscriber::~AppleSpeechTranscriber() { letGo(); }
+ClassicTranscriber::~ClassicTranscriber() { letGo(); }
 
-void AppleSpeechTranscriber::setOnPartialResult(std::function<void(std::string)> onPartialResult) {
+void ClassicTranscriber::setOnPartialResult(std::function<void(std::string)> onPartialResult) {
     const std::scoped_lock guard(state_->lock);
     state_->onPartialResult = std::move(onPartialResult);
 }
 
-std::expected<void, TranscriptionError> AppleSpeechTranscriber::begin(const std::string& locale,
-                                                                      bool onDeviceOnly) {
+std::expected<void, TranscriptionError> ClassicTranscriber::begin(const std::string& locale,
+                                                                  bool onDeviceOnly) {
     using Kind = TranscriptionError::Kind;
     if (!service_.isAuthorized()) return failure(Kind::notAuthorized, {});
     auto recognizer = service_.recognizer(locale);
@@ -160,11 +160,11 @@ std::expected<void, TranscriptionError> AppleSpeechTranscriber::begin(const std:
     return {};
 }
 
-void AppleSpeechTranscriber::append(const AudioBuffer& buffer) {
+void ClassicTranscriber::append(const AudioBuffer& buffer) {
     if (const auto task = state_->running()) task->append(buffer);
 }
 
-Task<std::expected<std::string, TranscriptionError>> AppleSpeechTranscriber::finish() {
+Task<std::expected<std::string, TranscriptionError>> ClassicTranscriber::finish() {
     const auto state = state_;
     const auto task = state->running();
     if (!task) {
@@ -186,7 +186,7 @@ Task<std::expected<std::string, TranscriptionError>> AppleSpeechTranscriber::fin
     co_return std::string(trimWhitespaceAndNewlines(*outcome));
 }
 
-void AppleSpeechTranscriber::cancel() {
+void ClassicTranscriber::cancel() {
     if (const auto task = state_->running()) {
         task->cancel();
         task->endAudio();
@@ -195,12 +195,12 @@ void AppleSpeechTranscriber::cancel() {
     letGo();
 }
 
-bool AppleSpeechTranscriber::wasInterrupted() const {
+bool ClassicTranscriber::wasInterrupted() const {
     const std::scoped_lock guard(state_->lock);
     return state_->wasInterrupted;
 }
 
-void AppleSpeechTranscriber::letGo() {
+void ClassicTranscriber::letGo() {
     recognizer_.reset();
     std::unique_lock guard(state_->lock);
     const auto task = std::exchange(state_->task, nullptr);
