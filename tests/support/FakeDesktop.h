@@ -26,7 +26,7 @@ public:
     void send(KeyEvent event);
     /// Of the right option key, the hold key of a new installation.
     void hold(bool down) {
-        send({KeyEventType::flagsChanged, VirtualKey::rightOption, down ? KeyFlag::alternate | KeyFlag::rightOptionDevice : 0});
+        send({KeyEventType::flagsChanged, VirtualKey::rightControl, down ? KeyFlag::control | KeyFlag::rightControlDevice : 0});
     }
     bool isTapped() const { return tap != nullptr; }
 
