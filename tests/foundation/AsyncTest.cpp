@@ -9,15 +9,19 @@
 #include "foundation/TaskMutex.h"
 #include "foundation/ThreadPool.h"
 #include "foundation/Waiting.h"
+#include "foundation/WakeUp.h"
 #include "support/ManualTime.h"
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <future>
+#include <limits>
 #include <stdexcept>
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace querlin {
 namespace {
@@ -175,6 +179,19 @@ TEST(ThreadPool, EndsWithWorkStillWaiting) {
         for (int i = 0; i < 1000; ++i) pool.run([&] { ++done; });
     }
     EXPECT_GE(done, 1) << "what runs is waited for";
+}
+
+TEST(WakeUp, EndsAWaitOnceAndLeavesErrnoToTheInterruptedThread) {
+    const WakeUp wakeUp;
+    const std::uint64_t full = std::numeric_limits<std::uint64_t>::max() - 1;
+    ASSERT_EQ(::write(wakeUp.descriptor(), &full, sizeof full), 8);
+    errno = EINTR;
+    wakeUp.ring(); // The system refuses it: EAGAIN.
+    EXPECT_EQ(errno, EINTR);
+
+    wakeUp.wait(); // Does not hang.
+    pollfd socket{wakeUp.descriptor(), POLLIN, 0};
+    EXPECT_EQ(pollUntil({&socket, 1}, std::chrono::steady_clock::now()), 0) << "a ring was taken";
 }
 
 TEST(SerialQueue, KeepsOrderAndDoesNotHangAtItsEnd) {

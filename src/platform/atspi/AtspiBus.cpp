@@ -1,21 +1,18 @@
 #include "platform/atspi/AtspiBus.h"
 
+#include "foundation/WakeUp.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <limits>
-
-#include <poll.h>
 
 namespace querlin {
 
 namespace {
 
 using Microseconds = std::chrono::microseconds;
-using Milliseconds = std::chrono::milliseconds;
 using Slot = std::unique_ptr<sd_bus_slot, Release<sd_bus_slot_unref>>;
-
-constexpr Duration longestPoll = std::chrono::hours(1);
 
 Instant now() { return std::chrono::steady_clock::now(); }
 
@@ -76,12 +73,9 @@ int AtspiBus::wait(Instant deadline) const {
     const int events = sd_bus_get_events(get());
     if (events < 0) return events;
     const auto until = std::min(deadline, ownDeadline(get()));
-    const auto left = std::clamp(until - now(), Duration::zero(), longestPoll);
     std::array<pollfd, 2> waiting = {
         {{interruption_, POLLIN, 0}, {sd_bus_get_fd(get()), static_cast<short>(events), 0}}};
-    const auto milliseconds = std::chrono::ceil<Milliseconds>(left).count();
-    if (::poll(waiting.data(), waiting.size(), static_cast<int>(milliseconds)) < 0)
-        return errno == EINTR ? 0 : -errno;
+    if (pollUntil(waiting, until) < 0) return errno == EINTR ? 0 : -errno;
     return waiting.front().revents != 0 ? -ECANCELED : 0;
 }
 

@@ -3,15 +3,11 @@
 #include "state/DiagnosticsLog.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <utility>
 
 #include <fmt/format.h>
-#include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 namespace querlin {
 
@@ -29,17 +25,6 @@ AtspiReference launcher() { return {"org.a11y.Bus", "/org/a11y/bus"}; }
 AtspiReference registry() { return {"org.a11y.atspi.Registry", "/org/a11y/atspi/registry"}; }
 
 } // namespace
-
-FocusTracker::Bell::Bell() : descriptor_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
-
-FocusTracker::Bell::~Bell() { ::close(descriptor_); }
-
-void FocusTracker::Bell::ring() const { (void)::eventfd_write(descriptor_, 1); }
-
-void FocusTracker::Bell::silence() const {
-    eventfd_t rung = 0;
-    (void)::eventfd_read(descriptor_, &rung);
-}
 
 FocusTracker::FocusTracker() {
     thread_ = std::thread([this] { run(); });
@@ -148,10 +133,7 @@ void FocusTracker::follow(AtspiBus& bus, const std::string& address) {
 
 /// Until the next attempt is due, or somebody is in a hurry.
 void FocusTracker::pause() const {
-    std::array<pollfd, 2> waiting = {{{end_.descriptor(), POLLIN, 0}, {hurry_.descriptor(), POLLIN, 0}}};
-    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(betweenAttempts).count();
-    ::poll(waiting.data(), waiting.size(), static_cast<int>(milliseconds));
-    hurry_.silence();
+    hurry_.wait({end_.descriptor()}, std::chrono::steady_clock::now() + betweenAttempts);
 }
 
 int FocusTracker::focusMoved(sd_bus_message* message, void* self, sd_bus_error* /*error*/) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/WakeUp.h"
 #include "platform/atspi/AtspiBus.h"
 
 #include <atomic>
@@ -37,22 +38,6 @@ public:
     void hurry();
 
 private:
-    /// Something that ends a wait (eventfd(2)).
-    class Bell {
-    public:
-        Bell();
-        ~Bell();
-        Bell(const Bell&) = delete;
-        Bell& operator=(const Bell&) = delete;
-
-        int descriptor() const { return descriptor_; }
-        void ring() const;
-        void silence() const;
-
-    private:
-        const int descriptor_;
-    };
-
     void run();
     std::expected<std::string, int> findBus() const;
     void follow(AtspiBus& bus, const std::string& address);
@@ -61,8 +46,8 @@ private:
     static int focusMoved(sd_bus_message* message, void* self, sd_bus_error* error);
     static int registryChanged(sd_bus_message* message, void* self, sd_bus_error* error);
 
-    const Bell end_;
-    const Bell hurry_;
+    const WakeUp end_; ///< once rung, rung for good
+    const WakeUp hurry_;
     std::atomic<bool> isEnding_ = false;
     bool isRegistryLost_ = false; ///< of the thread
     mutable std::mutex mutex_;

@@ -7,9 +7,6 @@
 #include <system_error>
 
 #include <fmt/format.h>
-#include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 namespace querlin {
 
@@ -28,13 +25,6 @@ Instant deadlineOf(sd_bus* bus) {
     return Instant(std::chrono::microseconds(microseconds));
 }
 
-int pollTimeout(Instant deadline) {
-    if (deadline == Instant::max()) return -1;
-    const auto left =
-        std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-    return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000));
-}
-
 } // namespace
 
 struct DBusThread::Connection {
@@ -50,7 +40,6 @@ struct DBusThread::Connection {
 
 DBusThread::DBusThread(Duration betweenAttempts) :
     betweenAttempts_(betweenAttempts),
-    wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
     connections_{
         std::make_unique<Connection>(BusKind::system, "Systembus", sd_bus_open_system),
         std::make_unique<Connection>(BusKind::session, "Sitzungsbus", sd_bus_open_user),
@@ -62,9 +51,8 @@ DBusThread::~DBusThread() {
         const std::scoped_lock guard(mutex_);
         isEnding_ = true;
     }
-    ::eventfd_write(wakeUp_, 1);
+    wakeUp_.ring();
     thread_.join();
-    ::close(wakeUp_);
 }
 
 void DBusThread::post(Work order) {
@@ -72,7 +60,7 @@ void DBusThread::post(Work order) {
         const std::scoped_lock guard(mutex_);
         orders_.push_back(std::move(order));
     }
-    ::eventfd_write(wakeUp_, 1);
+    wakeUp_.ring();
 }
 
 Registration DBusThread::add(const std::shared_ptr<BusClient>& client) {
@@ -176,7 +164,7 @@ void DBusThread::lose(Connection& connection, int error) {
 /// Until a connection, an order or a moment is due.
 void DBusThread::wait() {
     std::array<pollfd, 3> waiting{};
-    waiting[0] = {wakeUp_, POLLIN, 0};
+    waiting[0] = {wakeUp_.descriptor(), POLLIN, 0};
     std::size_t count = 1;
     auto deadline = timers_.empty() ? Instant::max() : timers_.begin()->first;
     for (const auto& connection : connections_) {
@@ -187,9 +175,8 @@ void DBusThread::wait() {
         if (events < 0) return; // It has just ended, which the next look finds.
         waiting.at(count++) = {sd_bus_get_fd(bus), static_cast<short>(events), 0};
     }
-    ::poll(waiting.data(), count, pollTimeout(deadline));
-    eventfd_t rung = 0;
-    if (waiting[0].revents != 0) (void)::eventfd_read(wakeUp_, &rung);
+    pollUntil(std::span(waiting).first(count), deadline);
+    wakeUp_.clear();
 }
 
 } // namespace querlin

@@ -3,6 +3,7 @@
 #include "foundation/MainQueue.h"
 #include "foundation/Registration.h"
 #include "foundation/Time.h"
+#include "foundation/WakeUp.h"
 
 #include <array>
 #include <cstdint>
@@ -64,7 +65,7 @@ private:
     void wait();
 
     const Duration betweenAttempts_;
-    const int wakeUp_;
+    const WakeUp wakeUp_;
 
     std::mutex mutex_;
     std::vector<Work> orders_;

@@ -5,8 +5,6 @@
 #include <utility>
 
 #include <fmt/format.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 namespace querlin {
 
@@ -39,19 +37,15 @@ void SoundOutput::EndStream::operator()(pa_stream* stream) const {
 
 bool SoundOutput::Order::isLate() const { return std::chrono::steady_clock::now() - asked > latest; }
 
-SoundOutput::SoundOutput(std::string server) :
-    server_(std::move(server)),
-    wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-    thread_([this] { serve(); }) {}
+SoundOutput::SoundOutput(std::string server) : server_(std::move(server)), thread_([this] { serve(); }) {}
 
 SoundOutput::~SoundOutput() {
     {
         const std::scoped_lock guard(mutex_);
         isEnding_ = true;
     }
-    ::eventfd_write(wakeUp_, 1);
+    wakeUp_.ring();
     thread_.join();
-    ::close(wakeUp_);
 }
 
 void SoundOutput::play(std::shared_ptr<const WavSound> sound, std::string name) {
@@ -59,7 +53,7 @@ void SoundOutput::play(std::shared_ptr<const WavSound> sound, std::string name) 
         const std::scoped_lock guard(mutex_);
         orders_.push_back({std::move(sound), std::move(name), std::chrono::steady_clock::now()});
     }
-    ::eventfd_write(wakeUp_, 1);
+    wakeUp_.ring();
 }
 
 void SoundOutput::serve() {
@@ -68,7 +62,8 @@ void SoundOutput::serve() {
     const auto onOrder = [](pa_mainloop_api*, pa_io_event*, int, pa_io_event_flags_t, void* self) {
         static_cast<SoundOutput*>(self)->takeOrders();
     };
-    auto* event = api->io_new(pa_mainloop_get_api(loop_.get()), wakeUp_, PA_IO_EVENT_INPUT, onOrder, this);
+    auto* event =
+        api->io_new(pa_mainloop_get_api(loop_.get()), wakeUp_.descriptor(), PA_IO_EVENT_INPUT, onOrder, this);
     connect();
     pa_mainloop_run(loop_.get(), nullptr);
     playing_.clear();
@@ -78,8 +73,7 @@ void SoundOutput::serve() {
 }
 
 void SoundOutput::takeOrders() {
-    eventfd_t count = 0;
-    (void)::eventfd_read(wakeUp_, &count);
+    wakeUp_.clear();
     std::unique_lock guard(mutex_);
     auto orders = std::exchange(orders_, {});
     const bool isEnding = isEnding_;
@@ -184,7 +178,7 @@ void SoundOutput::streamChanged(Playing& playing) {
 /// Swept up outside the stream's own callbacks.
 void SoundOutput::end(Playing& playing) const {
     playing.isOver = true;
-    ::eventfd_write(wakeUp_, 1);
+    wakeUp_.ring();
 }
 
 } // namespace querlin

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Time.h"
+#include "foundation/WakeUp.h"
 #include "platform/pulse/WavSound.h"
 
 #include <list>
@@ -63,7 +64,7 @@ private:
     void end(Playing& playing) const;
 
     const std::string server_;
-    const int wakeUp_;
+    const WakeUp wakeUp_;
 
     std::mutex mutex_;
     std::vector<Order> orders_;

@@ -1,11 +1,8 @@
 #include "platform/qt/QuitSignals.h"
 
 #include <array>
+#include <atomic>
 #include <csignal>
-#include <cstdint>
-
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -17,25 +14,24 @@ namespace {
 constexpr std::array quitSignals = {SIGTERM, SIGINT, SIGHUP};
 
 /// The handler can reach nothing else.
-int arrived = -1; // NOLINT(*-avoid-non-const-global-variables)
+std::atomic<const WakeUp*> arrived; // NOLINT(*-avoid-non-const-global-variables)
+static_assert(decltype(arrived)::is_always_lock_free, "A signal handler can't wait for a lock.");
 
-void tell(int /*signal*/) {
-    const std::uint64_t one = 1;
-    [[maybe_unused]] const auto written = ::write(arrived, &one, sizeof one);
+void quitArrived(int /*signal*/) {
+    if (const auto* wakeUp = arrived.load()) wakeUp->ring();
 }
 
 } // namespace
 
-QuitSignals::QuitSignals() {
-    arrived = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    notifier_ = std::make_unique<QSocketNotifier>(arrived, QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [] {
-        std::uint64_t count = 0;
-        [[maybe_unused]] const auto read = ::read(arrived, &count, sizeof count);
+QuitSignals::QuitSignals() :
+    notifier_(std::make_unique<QSocketNotifier>(wakeUp_.descriptor(), QSocketNotifier::Read)) {
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] {
+        wakeUp_.clear();
         QCoreApplication::exit(); // Not `quit`, which asks the windows first.
     });
+    arrived = &wakeUp_;
     struct sigaction action{};
-    action.sa_handler = tell;
+    action.sa_handler = quitArrived;
     action.sa_flags = SA_RESTART;
     for (const int signal : quitSignals) ::sigaction(signal, &action, nullptr);
 }
@@ -44,8 +40,7 @@ QuitSignals::~QuitSignals() {
     struct sigaction action{};
     action.sa_handler = SIG_IGN; // The end is under way already.
     for (const int signal : quitSignals) ::sigaction(signal, &action, nullptr);
-    notifier_.reset();
-    ::close(std::exchange(arrived, -1));
+    arrived = nullptr;
 }
 
 } // namespace querlin

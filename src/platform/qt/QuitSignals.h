@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/WakeUp.h"
+
 #include <memory>
 
 class QSocketNotifier;
@@ -15,6 +17,7 @@ public:
     QuitSignals& operator=(const QuitSignals&) = delete;
 
 private:
+    WakeUp wakeUp_;
     std::unique_ptr<QSocketNotifier> notifier_;
 };
 

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include <fmt/format.h>
-#include <poll.h>
 #include <sys/socket.h>
 
 namespace querlin {
@@ -259,12 +258,7 @@ void HelperLoop::wait() {
     descriptors[0] = {.fd = mailbox_->descriptor(), .events = POLLIN, .revents = 0};
     descriptors[1] = {.fd = helper_ ? helper_->socket() : -1, .events = POLLIN, .revents = 0};
     if (!outbox_.empty()) descriptors[1].events |= POLLOUT;
-    int limit = -1;
-    if (isWaiting()) {
-        const auto left = setup_.longestSilence - (now() - lastSign_);
-        limit = static_cast<int>(std::max(Duration(0), left) / std::chrono::milliseconds(1)) + 1;
-    }
-    ::poll(descriptors.data(), descriptors.size(), limit);
+    pollUntil(descriptors, isWaiting() ? lastSign_ + setup_.longestSilence : Instant::max());
 }
 
 // Sessions

@@ -1,13 +1,11 @@
 #pragma once
 
+#include "foundation/WakeUp.h"
+
 #include <algorithm>
 #include <atomic>
-#include <cstdint>
 #include <memory>
 #include <vector>
-
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 namespace querlin {
 
@@ -16,11 +14,8 @@ namespace querlin {
 template<class Order>
 class Mailbox {
 public:
-    Mailbox() : wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
-    ~Mailbox() {
-        takeAll();
-        if (wakeUp_ >= 0) ::close(wakeUp_);
-    }
+    Mailbox() = default;
+    ~Mailbox() { takeAll(); }
     Mailbox(const Mailbox&) = delete;
     Mailbox& operator=(const Mailbox&) = delete;
 
@@ -30,13 +25,12 @@ public:
         while (!newest_.compare_exchange_weak(former, letter)) letter->before = former;
         // Who finds others there relies on the first of them to have woken the receiver, or to do so. The
         // letter itself may be gone by now.
-        if (!former) ::eventfd_write(wakeUp_, 1);
+        if (!former) wakeUp_.ring();
     }
 
     /// All that has come, in its order. The receiver's thread.
     std::vector<Order> takeAll() {
-        eventfd_t count = 0;
-        ::eventfd_read(wakeUp_, &count);
+        wakeUp_.clear();
         std::vector<Order> orders;
         for (auto* next = newest_.exchange(nullptr); next;) {
             const std::unique_ptr<Letter> letter(next);
@@ -48,7 +42,7 @@ public:
     }
 
     /// Readable when there is something to take.
-    int descriptor() const { return wakeUp_; }
+    int descriptor() const { return wakeUp_.descriptor(); }
 
 private:
     struct Letter {
@@ -57,7 +51,7 @@ private:
         Letter* before;
     };
 
-    int wakeUp_;
+    WakeUp wakeUp_;
     std::atomic<Letter*> newest_ = nullptr;
 };
 

@@ -1,6 +1,6 @@
 #include "platform/x11/ClipboardSession.h"
 
-#include "platform/x11/WakeUp.h"
+#include "foundation/WakeUp.h"
 
 #include <poll.h>
 
@@ -60,11 +60,10 @@ bool ClipboardSession::serveUntil(const std::function<bool()>& reached, Duration
     const auto deadline = std::chrono::steady_clock::now() + longest;
     for (;;) {
         handleEvents();
-        const auto left =
-            std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        if (reached() || connection_->isLost() || left.count() <= 0) return reached();
+        if (reached() || connection_->isLost() || std::chrono::steady_clock::now() >= deadline)
+            return reached();
         pollfd socket{connection_->descriptor(), POLLIN, 0};
-        ::poll(&socket, 1, static_cast<int>(left.count()));
+        pollUntil({&socket, 1}, deadline);
     }
 }
 

@@ -105,7 +105,7 @@ bool ClipboardThread::serve(Instant deadline) {
     }
     if (session_) deadline = std::min(deadline, session_->dropStalled());
     // What has come may be what somebody waits for.
-    if (!hasCome) wakeUp_.wait(session_ ? session_->connection().descriptor() : -1, deadline);
+    if (!hasCome) wakeUp_.wait({session_ ? session_->connection().descriptor() : -1}, deadline);
     if (session_) doWrites();
     return true;
 }

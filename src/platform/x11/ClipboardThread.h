@@ -1,7 +1,7 @@
 #pragma once
 
+#include "foundation/WakeUp.h"
 #include "platform/x11/ClipboardSession.h"
-#include "platform/x11/WakeUp.h"
 
 #include <deque>
 #include <functional>

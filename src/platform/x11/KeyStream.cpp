@@ -73,7 +73,7 @@ void KeyStream::run() {
     while (!isEnding_) {
         while (const auto event = connection_->nextEvent()) take(*event);
         if (connection_->isLost()) return;
-        wakeUp_.wait(connection_->descriptor());
+        wakeUp_.wait({connection_->descriptor()});
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "foundation/WakeUp.h"
 #include "platform/x11/KeyTranslation.h"
-#include "platform/x11/WakeUp.h"
 #include "platform/x11/XcbConnection.h"
 
 #include <atomic>

@@ -60,7 +60,7 @@ void X11FocusReturn::run() {
         const auto next = in(betweenAttempts);
         while (!isEnding_ && std::chrono::steady_clock::now() < next) {
             refuseWishes();
-            wakeUp_.wait(-1, next);
+            wakeUp_.wait({}, next);
         }
     }
     refuseWishes();
@@ -74,7 +74,7 @@ void X11FocusReturn::serve(FocusHistory& history) {
             DiagnosticsLog::note("focus", "Die Verbindung zum X-Server ist abgebrochen.");
             return;
         }
-        wakeUp_.wait(history.descriptor(), history.mustLookByItself() ? in(betweenLooks) : Instant::max());
+        wakeUp_.wait({history.descriptor()}, history.mustLookByItself() ? in(betweenLooks) : Instant::max());
     }
 }
 

@@ -2,8 +2,8 @@
 
 #include "desktop/FocusReturn.h"
 #include "foundation/MainQueue.h"
+#include "foundation/WakeUp.h"
 #include "platform/x11/FocusHistory.h"
-#include "platform/x11/WakeUp.h"
 
 #include <atomic>
 #include <mutex>
