@@ -12,7 +12,7 @@ namespace querlin::bench {
 
 /// A look at the program in front, by the real adapters.
 struct Eyes {
-    explicit Eyes(MainQueue& queue) : permissions(queue, access, workspace) {}
+    explicit Eyes(MainQueue& queue) : permissions(queue, access) {}
 
     std::optional<std::int32_t> front() {
         const auto application = workspace.frontmostApplication();

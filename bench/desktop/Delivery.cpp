@@ -7,7 +7,7 @@
 #include "desktop/HotkeyManager.h"
 #include "foundation/ThreadPool.h"
 #include "platform/x11/X11Clipboard.h"
-#include "platform/x11/X11Keyboard.h"
+#include "platform/x11/X11HoldKey.h"
 #include "platform/x11/X11PasteKey.h"
 #include "support/Desktop.h"
 #include "support/DictationWorld.h"
@@ -46,10 +46,10 @@ void runDelivery(Report& report) {
     const Runtime runtime{loop, clock, pool};
     const TempFolder folder;
     Eyes eyes(loop);
-    X11Keyboard keyboard(loop);
+    X11HoldKey holdKey(loop);
     X11Clipboard clipboard(loop);
     WatchedPasteKey pasteKey(loop);
-    HotkeyManager hotkey(loop, keyboard, eyes.permissions, HotkeyConfig(), "");
+    HotkeyManager hotkey(loop, holdKey, eyes.permissions, HotkeyConfig(), "");
     ClipboardInserter inserter(
         {runtime, eyes.permissions, eyes.detector, eyes.workspace, clipboard, pasteKey});
     FakeSurroundings with(runtime, folder.path(), TextWork::real);
@@ -88,10 +88,10 @@ void runDelivery(Report& report) {
     std::vector<double> waits;
     pasteKey.onPressed = [&] { waits.push_back(released.seconds() - fixedWait); };
     for (std::size_t i = 0; i < dictations; ++i) {
-        keys.send(Keys::rightAlt, true);
+        keys.send(Keys::rightControl, true);
         serve(loop, std::chrono::milliseconds(600));
         released = Stopwatch();
-        keys.send(Keys::rightAlt, false);
+        keys.send(Keys::rightControl, false);
         serveUntil(loop, [&] { return waits.size() > i; }, std::chrono::seconds(5));
         serveUntil(
             loop, [&] { return controller.phase().get().is(DictationPhase::Kind::idle); },

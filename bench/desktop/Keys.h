@@ -11,7 +11,7 @@ namespace querlin::bench {
 /// Presses keys as a keyboard would.
 class Keys {
 public:
-    static constexpr std::uint8_t rightAlt = 108;
+    static constexpr std::uint8_t rightControl = 105;
 
     ~Keys() { xcb_disconnect(connection_); }
     Keys() = default;

@@ -4,7 +4,7 @@
 #include "report/Measuring.h"
 
 #include "desktop/HotkeyManager.h"
-#include "platform/x11/X11Keyboard.h"
+#include "platform/x11/X11HoldKey.h"
 #include "support/Desktop.h"
 
 namespace querlin::bench {
@@ -19,22 +19,22 @@ constexpr double limit = 0.002;
 void runPressing(Report& report) {
     RunLoop loop;
     Eyes eyes(loop);
-    X11Keyboard keyboard(loop);
-    HotkeyManager hotkey(loop, keyboard, eyes.permissions, HotkeyConfig(), "");
+    X11HoldKey holdKey(loop);
+    HotkeyManager hotkey(loop, holdKey, eyes.permissions, HotkeyConfig(), "");
     std::vector<double> waits;
     Stopwatch sent;
-    hotkey.setCallbacks([&] { waits.push_back(sent.seconds()); }, [] {});
+    hotkey.setCallbacks([&] { waits.push_back(sent.seconds()); }, [] {}, [] {});
     if (!hotkey.start()) {
         report.note("the keyboard can't be listened to");
         return;
     }
     Keys keys;
-    serve(loop, std::chrono::milliseconds(200)); // until the tap stands
+    serveUntil(loop, [&] { return holdKey.isReady(); }, std::chrono::seconds(5));
     for (std::size_t i = 0; i < presses; ++i) {
         sent = Stopwatch();
-        keys.send(Keys::rightAlt, true);
+        keys.send(Keys::rightControl, true);
         serveUntil(loop, [&] { return waits.size() > i; }, std::chrono::seconds(1));
-        keys.send(Keys::rightAlt, false);
+        keys.send(Keys::rightControl, false);
         serve(loop, std::chrono::milliseconds(2));
     }
     if (waits.size() != presses) report.disagreement("presses are missing");

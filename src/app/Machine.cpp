@@ -14,14 +14,13 @@ Machine::Machine(const ApplicationPaths& paths, const Installation& own) :
              .makeConverter = makeSwrConverter,
              .program = own.recogniser}),
     streaming({.models = paths.models(), .libraries = own.recognitionLibraries, .program = own.recogniser}),
-    access({.hasMicrophone = [this] { return hasMicrophone(); },
-            .canRecognise = [this] { return canRecognise(); },
-            .canListenToKeys = [this] { return keyboard.isAvailable(); },
-            .canLookIntoApplications = [this] { return accessibility.isAvailable(); },
-            .enableAccessibility = [this] { return accessibility.requestEnable(); },
-            .isKeyboardGrabbed = [this] { return keyboardGrab.isHeldByOther(); },
-            .keyboardGrabber = [this] { return keyboardGrab.likelyOwner(); },
-            .models = paths.models()}) {}
+    access(
+        {.hasMicrophone = [this] { return hasMicrophone(); },
+         .canRecognise = [this] { return canRecognise(); },
+         .canListenToKeys = [this] { return capabilities.canListenToKeys() && capabilities.canPressKeys(); },
+         .canLookIntoApplications = [this] { return accessibility.isAvailable(); },
+         .enableAccessibility = [this] { return accessibility.requestEnable(); },
+         .models = paths.models()}) {}
 
 bool Machine::canRecognise() {
     if (streaming.isHere()) return true;

@@ -17,10 +17,10 @@
 #include "platform/sndfile/SndfileCreator.h"
 #include "platform/system/Installation.h"
 #include "platform/system/SystemPermissions.h"
-#include "platform/x11/KeyboardGrab.h"
+#include "platform/x11/X11Capabilities.h"
 #include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11FocusReturn.h"
-#include "platform/x11/X11Keyboard.h"
+#include "platform/x11/X11HoldKey.h"
 #include "platform/x11/X11PasteKey.h"
 #include "platform/x11/X11Workspace.h"
 #include "speech/AudioDevices.h"
@@ -45,8 +45,8 @@ struct Machine {
     X11Workspace workspace;
     /// Early: programs that start from here on show what is in their windows.
     AtspiAccessibility accessibility;
-    X11Keyboard keyboard{queue};
-    KeyboardGrab keyboardGrab;
+    X11Capabilities capabilities;
+    X11HoldKey holdKey{queue};
     X11Clipboard clipboard{queue};
     X11PasteKey pasteKey{queue};
     X11FocusReturn focusReturn{queue};

@@ -68,7 +68,7 @@ Program::Dictation::Dictation(Program& app) :
     rules(app.machine_.runtime()),
     enhancement(*app.settings_, rules, modelEnhancer),
     history(app.places_.paths.support, app.machine_.clock),
-    hotkey(app.machine_.queue, app.machine_.keyboard, app.permissions_, app.settings_->hotkey.get(),
+    hotkey(app.machine_.queue, app.machine_.holdKey, app.permissions_, app.settings_->hotkey.get(),
            app.places_.executable),
     contextDetector(app.permissions_, app.machine_.accessibility, app.machine_.workspace),
     watcher(app.machine_.runtime(), app.permissions_, app.machine_.accessibility),
@@ -114,7 +114,7 @@ Program::Program(Machine& machine, Places places, std::function<void()> quit) :
     lawFiles_(places_.paths.laws(), places_.resources),
     corpus_(lawFiles_, machine.clock),
     vocabulary_(places_.resources, machine.pool),
-    permissions_(machine.queue, machine.access, machine.workspace),
+    permissions_(machine.queue, machine.access),
     attention_(machine.queue, machine.buses, std::string(Product::applicationId),
                [this] {
                    if (statusItemController_) statusItemController_->present();

@@ -42,7 +42,7 @@ SetupFinding recognition(Machine& machine, const std::filesystem::path& models, 
 }
 
 SetupFinding hotkey(Machine& machine, const std::string& name) {
-    const bool canListen = machine.keyboard.isAvailable();
+    const bool canListen = machine.capabilities.canListenToKeys();
     return {.name = "Diktiertaste",
             .state = canListen
                          ? fmt::format("{}, sprechen, loslassen", name)

@@ -7,7 +7,7 @@
 #include "platform/qt/QuitSignals.h"
 #include "platform/system/Installation.h"
 #include "platform/system/InstanceLock.h"
-#include "platform/x11/X11Keyboard.h"
+#include "platform/x11/XcbConnection.h"
 #include "state/DiagnosticsLog.h"
 #include "state/LogFile.h"
 #include "state/Product.h"

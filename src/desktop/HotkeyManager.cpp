@@ -1,6 +1,5 @@
 #include "desktop/HotkeyManager.h"
 
-#include "desktop/HotkeyKeys.h"
 #include "state/DiagnosticsLog.h"
 
 #include <fmt/format.h>
@@ -9,158 +8,116 @@ namespace querlin {
 
 namespace {
 
-constexpr std::uint32_t eventMask = KeyEventType::maskBit(KeyEventType::keyDown) |
-                                    KeyEventType::maskBit(KeyEventType::keyUp) |
-                                    KeyEventType::maskBit(KeyEventType::flagsChanged);
-
 template<class... Arguments>
 void note(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
     DiagnosticsLog::note("hotkey", fmt::format(format, std::forward<Arguments>(arguments)...));
 }
 
-template<class... Arguments>
-void trace(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
-    // Every key of the user's comes by here.
-    if (!DiagnosticsLog::verbose) return;
-    DiagnosticsLog::trace("tap", fmt::format(format, std::forward<Arguments>(arguments)...));
-}
-
 } // namespace
 
-HotkeyManager::HotkeyManager(MainQueue& queue, KeyboardEvents& keyboard, PermissionsManager& permissions,
-                             const HotkeyConfig& config, std::string bundlePath) :
+HotkeyManager::HotkeyManager(MainQueue& queue, HoldKey& holdKey, PermissionsManager& permissions,
+                             const HotkeyConfig& config, std::string programPath) :
     queue_(queue),
-    keyboard_(keyboard),
+    holdKey_(holdKey),
     permissions_(permissions),
     config_(config),
-    bundlePath_(std::move(bundlePath)) {}
+    programPath_(std::move(programPath)) {}
 
-void HotkeyManager::setCallbacks(std::function<void()> onPress, std::function<void()> onRelease) {
+void HotkeyManager::setCallbacks(std::function<void()> onPress, std::function<void()> onRelease,
+                                 std::function<void()> onAbandon) {
     onPress_ = std::move(onPress);
     onRelease_ = std::move(onRelease);
+    onAbandon_ = std::move(onAbandon);
 }
 
 bool HotkeyManager::start() {
     stop();
     const bool isTrusted = permissions_.isAccessibilityTrusted();
-    note("start() – AXIsProcessTrusted={}, Hotkey={}", isTrusted, config_.displayName());
+    note("start() – Tasten und Eingabefelder zugänglich={}, Hotkey={}", isTrusted, config_.displayName());
     if (!isTrusted) {
-        note("Abbruch: keine Bedienungshilfen-Berechtigung.");
+        note("Abbruch: Tastatur oder Eingabefelder sind nicht zugänglich.");
         return false;
     }
-    if (permissions_.isSecureInputEnabled()) {
-        const auto owner = permissions_.secureInputOwner();
-        note("WARNUNG: Secure Input ist aktiv{} – Event-Taps bekommen keine Tastenereignisse.",
-             owner ? fmt::format(" (durch {})", owner->name) : "");
-    }
-    eventTap_ = keyboard_.createTap(eventMask, [this](const KeyEvent& event) { handle(event); });
-    if (!eventTap_) {
-        note("CGEvent.tapCreate lieferte nil – Tap nicht angelegt.");
-        return false;
-    }
-    eventTap_->enable(true);
-    isRunning_ = true;
-    observedEventCount_ = 0;
-    note("Tap aktiv={}, Maske=0x{:x}", eventTap_->isEnabled(), eventMask);
-    startGlobalMonitor();
-    return true;
+    listen();
+    if (!listening_) note("Auf diesem Desktop lässt sich keine Diktattaste hören.");
+    return isRunning();
 }
 
-void HotkeyManager::startGlobalMonitor() {
-    globalMonitor_ = keyboard_.addMonitor([this](const KeyEvent& event) {
-        ++monitorEventCount_;
-        DiagnosticsLog::trace("monitor", fmt::format("flagsChanged keyCode={} modifierFlags=0x{:x}",
-                                                     event.keyCode, event.flags));
-    });
-    note("NSEvent-Gegenprobe {}", globalMonitor_ ? "aktiv" : "NICHT aktiv");
+void HotkeyManager::listen() {
+    listening_ = holdKey_.listen(config_, [this](const HoldKeyEvent& event) { handle(event); });
 }
 
 void HotkeyManager::stop() {
-    eventTap_.reset();
-    isRunning_ = false;
-    isHotkeyDown_ = false;
-    globalMonitor_.reset();
+    listening_.reset();
+    isDown_ = false;
 }
 
 void HotkeyManager::update(const HotkeyConfig& config) {
     if (config == config_) return;
     note("Hotkey geändert: {} → {}", config_.displayName(), config.displayName());
     config_ = config;
-    if (!std::exchange(isHotkeyDown_, false)) return;
-    lifetime_.onMain(queue_, [this] {
-        if (onRelease_) onRelease_();
-    })();
+    end();
+    if (!isRunning()) return;
+    listening_.reset(); // Only one key at a time is listened to.
+    listen();
 }
 
-// The stream
-
-void HotkeyManager::handle(const KeyEvent& event) {
-    if (event.type == KeyEventType::disabledByTimeout || event.type == KeyEventType::disabledByUserInput) {
-        note("Tap wurde deaktiviert ({}) – reaktiviere.", event.type);
-        if (eventTap_) eventTap_->enable(true);
+void HotkeyManager::handle(const HoldKeyEvent& event) {
+    switch (event.kind) {
+    case HoldKeyEvent::Kind::ready:
+        note("Die Diktattaste wird gehört: {}", holdKey_.boundKey());
+        return;
+    case HoldKeyEvent::Kind::pressed:
+        press(event.at);
+        return;
+    case HoldKeyEvent::Kind::released:
+        end();
+        return;
+    case HoldKeyEvent::Kind::otherKeyPressed:
+        abandonIfShortcut(event.at);
+        return;
+    case HoldKeyEvent::Kind::lost:
+        note("Die Diktattaste wird nicht mehr gehört.");
+        end();
         return;
     }
-    ++observedEventCount_;
-    switch (config_.mode) {
-    case HotkeyConfig::Mode::holdModifier:
-        handleModifier(event);
-        return;
-    case HotkeyConfig::Mode::holdCombo:
-        handleCombo(event);
-        return;
-    }
 }
 
-/// Press and release are both changes of the key's own flag; the flag is read only from events of this key.
-void HotkeyManager::handleModifier(const KeyEvent& event) {
-    if (event.type != KeyEventType::flagsChanged) return;
-    const auto wanted = codesOf(config_.modifier);
-    const bool isHit = event.keyCode == wanted.keyCode;
-    const bool isHeld = (event.flags & wanted.flagMask) != 0;
-    const auto* const result = isHeld ? "TREFFER down" : "TREFFER up";
-    trace("flagsChanged keyCode={} flags=0x{:x} erwarte keyCode={} maske=0x{:x} → {}", event.keyCode,
-          event.flags, wanted.keyCode, wanted.flagMask, isHit ? result : "ignoriert");
-    if (isHit) setDown(isHeld);
+void HotkeyManager::press(Instant at) {
+    if (std::exchange(isDown_, true)) return;
+    isAbandoned_ = false;
+    pressedAt_ = at;
+    ++presses_;
+    post(&HotkeyManager::onPress_);
 }
 
-/// Letting go of the modifiers first doesn't end a hold; the main key does.
-void HotkeyManager::handleCombo(const KeyEvent& event) {
-    const bool isDown = event.type == KeyEventType::keyDown;
-    if (!isDown && event.type != KeyEventType::keyUp) return;
-    const auto wanted = codesOf(config_.combo);
-    if (event.keyCode != wanted.keyCode) return;
-    trace("{} keyCode={} flags=0x{:x}", isDown ? "keyDown" : "keyUp", event.keyCode, event.flags);
-    if (isDown && (wanted.requiredFlags & ~event.flags) != 0) {
-        trace("Modifier passen nicht – ignoriert.");
-        return;
-    }
-    setDown(isDown);
+void HotkeyManager::end() {
+    if (std::exchange(isDown_, false) && !isAbandoned_) post(&HotkeyManager::onRelease_);
 }
 
-void HotkeyManager::setDown(bool down) {
-    if (down == isHotkeyDown_) return; // A held key repeats itself.
-    isHotkeyDown_ = down;
-    note("Hotkey {}", down ? "GEDRÜCKT" : "LOSGELASSEN");
-    lifetime_.onMain(queue_, [this, down] {
-        const auto& call = down ? onPress_ : onRelease_;
-        if (call) call();
+/// Whoever presses a key later than that wants it typed while dictating. Combinations already are shortcuts.
+void HotkeyManager::abandonIfShortcut(Instant at) {
+    const bool isModifierHeld = isDown_ && !isAbandoned_ && config_.mode == HotkeyConfig::Mode::holdModifier;
+    if (!isModifierHeld || at - pressedAt_ > shortcutSpan) return;
+    isAbandoned_ = true;
+    ++abandonments_;
+    post(&HotkeyManager::onAbandon_);
+}
+
+/// The callback is read when its turn comes.
+void HotkeyManager::post(std::function<void()> HotkeyManager::* callback) {
+    lifetime_.onMain(queue_, [this, callback] {
+        if (const auto call = this->*callback) call();
     })();
 }
 
 std::string HotkeyManager::diagnosticsSummary() {
-    const auto codes = codesOf(config_.modifier);
-    auto text =
-        fmt::format("Hotkey: {}\n  Modus: {}, Taste={} (keyCode {}, Maske 0x{:x})\n  "
-                    "AXIsProcessTrusted: {}\n  Tap angelegt: {}, läuft: {}",
-                    config_.displayName(), rawValue(config_.mode), rawValue(config_.modifier), codes.keyCode,
-                    codes.flagMask, permissions_.isAccessibilityTrusted(), eventTap_ != nullptr, isRunning_);
-    if (eventTap_) text += fmt::format("\n  Tap aktiviert: {}", eventTap_->isEnabled());
-    text += fmt::format("\n  Vom Tap gesehene Ereignisse: {}\n  Vom NSEvent-Monitor gesehene Ereignisse: {}",
-                        observedEventCount_, monitorEventCount_);
-    text += fmt::format("\n  Secure Input: {}", permissions_.isSecureInputEnabled());
-    if (const auto owner = permissions_.secureInputOwner())
-        text += fmt::format(" (durch {}, PID {})", owner->name, owner->processIdentifier);
-    return text + "\n  Bundle: " + bundlePath_;
+    return fmt::format("Hotkey: {}\n  Modus: {}, Taste={}\n  Tasten und Eingabefelder zugänglich: {}\n  "
+                       "Taste wird gehört: {}, gebunden: {}, andere Tasten bekannt: {}\n  "
+                       "Gedrückt: {}, davon als Tastenkürzel verworfen: {}\n  Programm: {}",
+                       config_.displayName(), rawValue(config_.mode), rawValue(config_.modifier),
+                       permissions_.isAccessibilityTrusted(), isRunning() && holdKey_.isReady(),
+                       holdKey_.boundKey(), holdKey_.tellsOtherKeys(), presses_, abandonments_, programPath_);
 }
 
 } // namespace querlin

@@ -1,7 +1,5 @@
 #include "desktop/Permissions.h"
 
-#include <fmt/format.h>
-
 namespace querlin {
 
 namespace {
@@ -60,12 +58,5 @@ void PermissionsManager::requestSpeech(std::function<void(bool)> completion) {
 }
 
 void PermissionsManager::openSystemSettings(SettingsPane pane) { access_.openSettings(rawValue(pane)); }
-
-std::optional<PermissionsManager::SecureInputOwner> PermissionsManager::secureInputOwner() {
-    const auto process = access_.secureInputProcess();
-    if (!process || *process <= 0) return std::nullopt;
-    auto name = workspace_.applicationName(*process);
-    return SecureInputOwner{*process, name ? std::move(*name) : fmt::format("PID {}", *process)};
-}
 
 } // namespace querlin

@@ -1,15 +1,12 @@
 #pragma once
 
 #include "desktop/SystemAccess.h"
-#include "desktop/Workspace.h"
 #include "foundation/MainQueue.h"
 #include "foundation/RawValues.h"
 
 #include <array>
 #include <cstdint>
 #include <functional>
-#include <optional>
-#include <string>
 #include <string_view>
 
 namespace querlin {
@@ -26,17 +23,7 @@ class PermissionsManager {
 public:
     enum class SettingsPane : std::uint8_t { microphone, speech, accessibility };
 
-    /// Who keeps the keyboard to himself.
-    struct SecureInputOwner {
-        std::int32_t processIdentifier = 0;
-        /// "PID 4711" where there is no better one.
-        std::string name;
-
-        bool operator==(const SecureInputOwner&) const = default;
-    };
-
-    PermissionsManager(MainQueue& queue, SystemAccess& access, Workspace& workspace) :
-        queue_(queue), access_(access), workspace_(workspace) {}
+    PermissionsManager(MainQueue& queue, SystemAccess& access) : queue_(queue), access_(access) {}
 
     PermissionState microphoneState();
     PermissionState speechState();
@@ -45,23 +32,18 @@ public:
     bool isAccessibilityTrusted() { return access_.isProcessTrusted(); }
     bool allGranted();
 
-    /// The answer comes on the main thread, behind this call.
+    /// The answer comes on the main thread, after this call.
     void requestMicrophone(std::function<void(bool)> completion);
     void requestSpeech(std::function<void(bool)> completion);
     /// The trust at this moment; a later one shows in `isAccessibilityTrusted`.
     bool requestAccessibility() { return access_.requestTrust(); }
     void openSystemSettings(SettingsPane pane);
 
-    /// Whether another program gets the keys for itself alone.
-    bool isSecureInputEnabled() { return access_.isSecureInputEnabled(); }
-    std::optional<SecureInputOwner> secureInputOwner();
-
 private:
     SystemAccess::Answer answer(std::function<void(bool)> completion);
 
     MainQueue& queue_;
     SystemAccess& access_;
-    Workspace& workspace_;
 };
 
 constexpr std::array<EnumRow<PermissionsManager::SettingsPane>, 3>

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string_view>
 
 namespace querlin {
@@ -36,11 +35,6 @@ public:
     /// Opens the settings where a grant is given, as far as the desktop has such; `pane` is the raw value of
     /// `PermissionsManager::SettingsPane`.
     virtual void openSettings(std::string_view pane) = 0;
-
-    /// Whether another program has the keyboard for itself.
-    virtual bool isSecureInputEnabled() = 0;
-    /// That program's process, where it can be told; 0 or less says nothing.
-    virtual std::optional<std::int32_t> secureInputProcess() = 0;
 };
 
 } // namespace querlin

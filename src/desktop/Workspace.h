@@ -16,14 +16,12 @@ struct RunningApplication {
     bool operator==(const RunningApplication&) const = default;
 };
 
-/// The applications of the desktop. Main thread; at once.
+/// The applications of the desktop. Main thread; never waits for long.
 class Workspace {
 public:
     virtual ~Workspace() = default;
     /// The one whose window has the keyboard.
     virtual std::optional<RunningApplication> frontmostApplication() = 0;
-    /// The name of a running process's application.
-    virtual std::optional<std::string> applicationName(std::int32_t processIdentifier) = 0;
 };
 
 } // namespace querlin

@@ -34,7 +34,8 @@ DictationController::DictationController(Runtime runtime, DictationCollaborators
     auto& settings = collaborators_.settings;
 
     collaborators_.hotkey.update(settings.hotkey.get());
-    collaborators_.hotkey.setCallbacks([this] { beginDictation(); }, [this] { endDictation(); });
+    collaborators_.hotkey.setCallbacks([this] { beginDictation(); }, [this] { endDictation(); },
+                                       [this] { cancelDictation(); });
     collaborators_.history.setRetentionDays(settings.historyRetentionDays.get());
     settingsSubscriptions_.push_back(settings.historyRetentionDays.subscribe(
         [this](std::int64_t days) { collaborators_.history.setRetentionDays(days); }, FirstValue::Skip));
@@ -57,7 +58,7 @@ DictationController::DictationController(Runtime runtime, DictationCollaborators
 
 DictationController::~DictationController() {
     // The collaborators live on: nothing of theirs may call back into what is going.
-    collaborators_.hotkey.setCallbacks({}, {});
+    collaborators_.hotkey.setCallbacks({}, {}, {});
     collaborators_.correctionWatcher.setOnSuggestion({});
     collaborators_.recorder.setOnBuffer({});
     tasks_.abandonAll();

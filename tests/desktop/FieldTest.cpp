@@ -18,7 +18,7 @@ struct FieldTest : testing::Test {
     ManualTime time;
     FakeAccess access;
     FakeDesktop desktop;
-    PermissionsManager permissions{time, access, desktop};
+    PermissionsManager permissions{time, access};
     ContextDetector detector{permissions, desktop, desktop};
     CorrectionWatcher watcher{time.runtime(), permissions, desktop};
     std::vector<std::string> suggestions;

@@ -24,7 +24,7 @@ struct InsertionTest : testing::Test {
     FakeDesktop desktop;
     FakeClipboard clipboard{time};
     FakePasteKey key;
-    PermissionsManager permissions{time, access, desktop};
+    PermissionsManager permissions{time, access};
     ContextDetector detector{permissions, desktop, desktop};
     ClipboardInserter inserter{{time.runtime(), permissions, detector, desktop, clipboard, key}};
     TaskGroup tasks;

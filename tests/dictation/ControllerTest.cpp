@@ -205,7 +205,7 @@ TEST(Controller, WithoutContextThereIsNoPasswordFieldAndNoProfile) {
 
 TEST(Controller, TriesTheHotkeyEveryTwoSecondsUntilItWorks) {
     DictationWorld w;
-    w.keyboard.canTap = false;
+    w.holdKey.canListen = false;
     w.access.trusted = false;
     w.controller.installHotkey();
     EXPECT_TRUE(w.controller.hotkeyBlocked().get());
@@ -217,7 +217,7 @@ TEST(Controller, TriesTheHotkeyEveryTwoSecondsUntilItWorks) {
     w.access.trusted = true;
     w.wait(seconds(4));
     EXPECT_EQ(starts(), before + 2);
-    w.keyboard.canTap = true;
+    w.holdKey.canListen = true;
     w.wait(seconds(2));
     EXPECT_FALSE(w.controller.hotkeyBlocked().get());
     w.wait(seconds(10));
@@ -231,7 +231,8 @@ TEST(Controller, PassesSettingsOn) {
     const HotkeyConfig combo{HotkeyConfig::Mode::holdCombo, ModifierKey::fn, ComboHotkey::controlSpace};
     w.settings.hotkey.set(combo);
     w.settings.inputDeviceUID.set("usb-1");
-    w.keyboard.send({KeyEventType::keyDown, VirtualKey::space, KeyFlag::control});
+    EXPECT_EQ(w.holdKey.wanted, combo);
+    w.holdKey.hold(true);
     w.time.settle();
     EXPECT_EQ(w.phase(), Kind::recording);
     EXPECT_EQ(w.audio.engines.front()->device, 7U);

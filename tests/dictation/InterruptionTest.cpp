@@ -147,7 +147,7 @@ TEST(Shutdown, RescuesWhateverIsUnderWay) {
         EXPECT_EQ(w.services.notifications.size(), row.rescued.size());
         EXPECT_TRUE(w.recordings().empty()) << row.reason;
         EXPECT_FALSE(w.recorder.isRecording());
-        EXPECT_FALSE(w.keyboard.isTapped());
+        EXPECT_FALSE(w.holdKey.isHeard());
         EXPECT_FALSE(w.signals.isObserved());
         w.wait(seconds(20));
         w.press();

@@ -37,7 +37,7 @@ private:
 
 SystemPermissions::Sources allThere(const TempFolder& folder) {
     const auto yes = [] { return true; };
-    return {yes, yes, yes, yes, yes, [] { return false; }, [] { return std::optional<std::int32_t>(); }, folder / "Modelle"};
+    return {yes, yes, yes, yes, yes, folder / "Modelle"};
 }
 
 TEST(SystemPermissions, OpenTheSettingsOfTheDesktopOrSayThatThereAreNone) {

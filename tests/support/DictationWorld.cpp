@@ -181,12 +181,12 @@ DictationWorld::DictationWorld(TextWork textWork) : FakeSurroundings(time.runtim
 
 void DictationWorld::press() {
     if (hotkey.isHotkeyDown()) release();
-    keyboard.hold(true);
+    holdKey.hold(true);
     time.settle();
 }
 
 void DictationWorld::release() {
-    keyboard.hold(false);
+    holdKey.hold(false);
     time.settle();
 }
 

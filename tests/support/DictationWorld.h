@@ -205,8 +205,9 @@ struct FakeSurroundings {
         services(runtime.mainQueue),
         recorder({runtime.mainQueue, recordingClock, audio, audioFiles, RecordingFolder(recordingsPath)}),
         vocabulary(base, runtime.background),
-        permissions(runtime.mainQueue, access, desktop),
-        hotkey(runtime.mainQueue, keyboard, permissions, settings.hotkey.get(), "/opt/querlin"),
+        holdKey(runtime.clock),
+        permissions(runtime.mainQueue, access),
+        hotkey(runtime.mainQueue, holdKey, permissions, settings.hotkey.get(), "/opt/querlin"),
         watcher(runtime, permissions, desktop),
         inserter(runtime.mainQueue),
         enhancer(stages, runtime),
@@ -229,7 +230,7 @@ struct FakeSurroundings {
     FakeAudioFiles audioFiles;
     AudioRecorder recorder;
     VocabularyProvider vocabulary; ///< reads the base folder
-    FakeKeyboard keyboard;
+    FakeHoldKey holdKey;
     FakeAccess access;
     FakeDesktop desktop;
     PermissionsManager permissions;

@@ -4,23 +4,18 @@
 
 namespace querlin {
 
-// Keyboard
+// The hold key
 
-std::unique_ptr<EventTap> FakeKeyboard::createTap(std::uint32_t eventMask, Handler handler) {
-    if (!canTap) return nullptr;
-    ++tapsMade;
-    return std::make_unique<Tap>(*this, eventMask, std::move(handler));
+Registration FakeHoldKey::listen(const HotkeyConfig& newlyWanted, Handler handler) {
+    if (!canListen) return {};
+    ++listened;
+    wanted = newlyWanted;
+    handler_ = std::move(handler);
+    return Registration([this] { handler_ = nullptr; });
 }
 
-Registration FakeKeyboard::addMonitor(Handler handler) {
-    if (!canMonitor) return {};
-    monitor_ = std::move(handler);
-    return Registration([this] { monitor_ = nullptr; });
-}
-
-void FakeKeyboard::send(KeyEvent event) {
-    if (monitor_ && event.type == KeyEventType::flagsChanged) monitor_(event);
-    if (tap && tap->enabled) tap->handler(event);
+void FakeHoldKey::send(HoldKeyEvent::Kind kind) {
+    if (const auto handler = handler_) handler({kind, clock_.instant()});
 }
 
 // Elements
@@ -39,11 +34,6 @@ std::expected<std::string, AccessibilityError> FakeElement::stringForRange(std::
 
 ElementPointer FakeDesktop::application(std::int32_t processIdentifier) {
     return front && front->processIdentifier == processIdentifier ? ofApplication : std::make_shared<FakeElement>();
-}
-
-std::optional<std::string> FakeDesktop::applicationName(std::int32_t processIdentifier) {
-    const auto found = names.find(processIdentifier);
-    return found == names.end() ? std::nullopt : std::optional(found->second);
 }
 
 void FakeDesktop::focus(DictationContext::FieldKind kind) {

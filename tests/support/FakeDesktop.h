@@ -3,10 +3,11 @@
 #include "desktop/Accessibility.h"
 #include "desktop/Clipboard.h"
 #include "desktop/DictationContext.h"
-#include "desktop/KeyboardEvents.h"
+#include "desktop/HoldKey.h"
 #include "desktop/PasteKey.h"
 #include "desktop/SystemAccess.h"
 #include "desktop/Workspace.h"
+#include "foundation/Clock.h"
 #include "foundation/Waiting.h"
 
 #include <functional>
@@ -17,50 +18,27 @@
 
 namespace querlin {
 
-/// A keyboard whose keys tests press. Taps hear at once.
-class FakeKeyboard final : public KeyboardEvents {
+/// A hold key that tests press.
+class FakeHoldKey final : public HoldKey {
 public:
-    std::unique_ptr<EventTap> createTap(std::uint32_t eventMask, Handler handler) override;
-    Registration addMonitor(Handler handler) override;
+    explicit FakeHoldKey(const Clock& clock) : clock_(clock) {}
+    Registration listen(const HotkeyConfig& newlyWanted, Handler handler) override;
+    bool isReady() const override { return isHeard(); }
+    bool tellsOtherKeys() const override { return seesOtherKeys; }
+    std::string boundKey() const override { return wanted.displayName(); }
 
-    void send(KeyEvent event);
-    /// Of the right option key, the hold key of a new installation.
-    void hold(bool down) {
-        send({KeyEventType::flagsChanged, VirtualKey::rightControl, down ? KeyFlag::control | KeyFlag::rightControlDevice : 0});
-    }
-    bool isTapped() const { return tap != nullptr; }
+    void send(HoldKeyEvent::Kind kind);
+    void hold(bool down) { send(down ? HoldKeyEvent::Kind::pressed : HoldKeyEvent::Kind::released); }
+    bool isHeard() const { return handler_ != nullptr; }
 
-    class Tap;
-    bool canTap = true;
-    bool canMonitor = true;
-    Tap* tap = nullptr; ///< the last one, while it lives
-    int tapsMade = 0;
+    bool canListen = true;
+    bool seesOtherKeys = true;
+    HotkeyConfig wanted;
+    int listened = 0; ///< how often
 
 private:
-    Handler monitor_;
-};
-
-class FakeKeyboard::Tap final : public EventTap {
-public:
-    Tap(FakeKeyboard& keyboard, std::uint32_t eventMask, Handler heard) : handler(std::move(heard)), mask(eventMask), keyboard_(keyboard) {
-        keyboard_.tap = this;
-    }
-    ~Tap() override {
-        if (keyboard_.tap == this) keyboard_.tap = nullptr;
-    }
-    void enable(bool newState) override {
-        enabled = newState;
-        ++enablings;
-    }
-    bool isEnabled() const override { return enabled; }
-
-    Handler handler;
-    std::uint32_t mask;
-    bool enabled = false;
-    int enablings = 0;
-
-private:
-    FakeKeyboard& keyboard_;
+    const Clock& clock_;
+    Handler handler_;
 };
 
 class FakeAccess final : public SystemAccess {
@@ -72,14 +50,10 @@ public:
     void requestSpeech(Answer answer) override { answer(speech == AuthorizationStatus::authorized); }
     bool requestTrust() override { return trusted; }
     void openSettings(std::string_view pane) override { openedPanes.emplace_back(pane); }
-    bool isSecureInputEnabled() override { return secureInput; }
-    std::optional<std::int32_t> secureInputProcess() override { return secureProcess; }
 
     AuthorizationStatus microphone = AuthorizationStatus::authorized;
     AuthorizationStatus speech = AuthorizationStatus::authorized;
     bool trusted = true;
-    bool secureInput = false;
-    std::optional<std::int32_t> secureProcess;
     std::vector<std::string> openedPanes;
 };
 
@@ -102,7 +76,6 @@ public:
     ElementPointer systemWide() override { return whole; }
     ElementPointer application(std::int32_t processIdentifier) override;
     std::optional<RunningApplication> frontmostApplication() override { return front; }
-    std::optional<std::string> applicationName(std::int32_t processIdentifier) override;
 
     /// A field of this kind, with its role and text, has the focus from now on.
     void focus(DictationContext::FieldKind kind);
@@ -111,7 +84,6 @@ public:
     void focusOn(ElementPointer element) { whole->attributes["AXFocusedUIElement"] = std::move(element); }
 
     std::optional<RunningApplication> front = RunningApplication{4711, "Mail", "com.example.mail"};
-    std::map<std::int32_t, std::string> names{{4711, "Mail"}};
     std::shared_ptr<FakeElement> whole = std::make_shared<FakeElement>();
     std::shared_ptr<FakeElement> ofApplication = std::make_shared<FakeElement>();
     std::shared_ptr<FakeElement> field;

@@ -10,7 +10,6 @@
 #include "foundation/Waiting.h"
 #include "platform/atspi/AtspiAccessibility.h"
 #include "platform/x11/X11Clipboard.h"
-#include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11PasteKey.h"
 #include "platform/x11/X11Workspace.h"
 
@@ -61,8 +60,6 @@ public:
     void requestSpeech(Answer answer) override { answer(true); }
     bool requestTrust() override { return true; }
     void openSettings(std::string_view) override {}
-    bool isSecureInputEnabled() override { return false; }
-    std::optional<std::int32_t> secureInputProcess() override { return std::nullopt; }
 };
 
 std::string_view inWords(const std::expected<TextInserter::Outcome, InsertError>& outcome) {
@@ -111,7 +108,7 @@ private:
         const auto front = workspace_.frontmostApplication();
         return front ? std::optional(front->processIdentifier) : std::nullopt;
     }};
-    PermissionsManager permissions_{loop_, access_, workspace_};
+    PermissionsManager permissions_{loop_, access_};
     ContextDetector detector_{permissions_, accessibility_, workspace_};
     X11Clipboard clipboard_{loop_};
     X11PasteKey key_{loop_};

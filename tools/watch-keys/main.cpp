@@ -1,19 +1,14 @@
-// A developer's look at the keyboard: the events that the hold key is made of, as the program sees them.
+// A developer's look at the hold key, as the program hears it.
 
 #include "shared/ShownLog.h"
 
-#include "desktop/KeyboardEvents.h"
 #include "foundation/RunLoop.h"
-#include "foundation/Time.h"
-#include "platform/x11/KeyTranslation.h"
-#include "platform/x11/X11Keyboard.h"
+#include "platform/x11/X11HoldKey.h"
 
-#include <array>
 #include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
 #include <thread>
 
 #include <fmt/chrono.h>
@@ -23,118 +18,97 @@
 namespace querlin {
 namespace {
 
-constexpr std::string_view usage = R"(watch-keys [--seconds=N]
-  Zeigt jede Taste der laufenden Sitzung, bis zu Strg+C oder N Sekunden lang. Was geschrieben wird, ist nicht zu
-  lesen: Tasten, die keine Haltetaste sein können, heißen alle gleich.
+constexpr std::string_view usage = R"(watch-keys [--seconds=N] [TASTE]
+  Zeigt, was von der Diktattaste zu hören ist, bis zu Strg+C oder N Sekunden lang. Andere Tasten kommen nur als
+  solche vor, während sie gehalten wird. TASTE: rightControl (sonst), rightOption (AltGr), rightCommand,
+  rightShift, fn, leftOption oder optionSpace, controlSpace, commandShiftD.
 )";
 
-struct Flag {
-    std::uint64_t bit;
-    std::string_view name;
+struct Options {
+    HotkeyConfig key;
+    std::optional<Duration> length;
 };
-constexpr std::array<Flag, 13> flags = {{{KeyFlag::shift, "Umschalt"},
-                                         {KeyFlag::control, "Strg"},
-                                         {KeyFlag::alternate, "Alt"},
-                                         {KeyFlag::command, "Super"},
-                                         {KeyFlag::leftShiftDevice, "leftShift"},
-                                         {KeyFlag::rightShiftDevice, "rightShift"},
-                                         {KeyFlag::leftControlDevice, "leftControl"},
-                                         {KeyFlag::rightControlDevice, "rightControl"},
-                                         {KeyFlag::leftOptionDevice, "leftOption"},
-                                         {KeyFlag::rightOptionDevice, "rightOption"},
-                                         {KeyFlag::leftCommandDevice, "leftCommand"},
-                                         {KeyFlag::rightCommandDevice, "rightCommand"},
-                                         {KeyFlag::fnDevice, "fn"}}};
 
-std::uint64_t bitsOf(std::int64_t virtualKey) {
-    const auto name = KeyTranslation::name(virtualKey);
-    for (const auto& flag : flags) {
-        if (flag.name == name) return flag.bit;
+bool readKey(std::string_view name, HotkeyConfig& key) {
+    if (const auto modifier = fromRawValue<ModifierKey>(name)) {
+        key.modifier = *modifier;
+    } else if (const auto combo = fromRawValue<ComboHotkey>(name)) {
+        key.mode = HotkeyConfig::Mode::holdCombo;
+        key.combo = *combo;
+    } else {
+        return false;
     }
-    return 0;
+    return true;
 }
 
-std::string inWords(std::uint64_t word) {
-    std::string text;
-    for (const auto& flag : flags) {
-        if ((word & flag.bit) != 0) text += fmt::format("{}{}", text.empty() ? "" : " ", flag.name);
+std::optional<Options> parse(int count, char** arguments) {
+    constexpr std::string_view seconds = "--seconds=";
+    Options options;
+    for (int i = 1; i < count; ++i) {
+        const std::string_view argument = arguments[i];
+        if (!argument.starts_with(seconds)) {
+            if (!readKey(argument, options.key)) return std::nullopt;
+            continue;
+        }
+        int number = 0;
+        const auto* const last = argument.data() + argument.size();
+        const auto [end, fault] = std::from_chars(argument.data() + seconds.size(), last, number);
+        if (fault != std::errc() || end != last || number < 1) return std::nullopt;
+        options.length = std::chrono::seconds(number);
     }
-    return text;
+    return options;
 }
 
-/// Nothing where the options are wrong; no span means without an end.
-std::optional<std::optional<Duration>> parse(int count, char** arguments) {
-    constexpr std::string_view option = "--seconds=";
-    if (count == 1) return std::optional<Duration>();
-    const std::string_view argument = arguments[1];
-    if (count > 2 || !argument.starts_with(option)) return std::nullopt;
-    int number = 0;
-    const auto* const last = argument.data() + argument.size();
-    const auto [end, fault] = std::from_chars(argument.data() + option.size(), last, number);
-    if (fault != std::errc() || end != last || number < 1) return std::nullopt;
-    return std::optional<Duration>(std::chrono::seconds(number));
+std::string_view inWords(HoldKeyEvent::Kind kind) {
+    switch (kind) {
+    case HoldKeyEvent::Kind::ready:
+        return "BEREIT";
+    case HoldKeyEvent::Kind::pressed:
+        return "GEDRÜCKT";
+    case HoldKeyEvent::Kind::released:
+        return "LOSGELASSEN";
+    case HoldKeyEvent::Kind::otherKeyPressed:
+        return "andere Taste";
+    case HoldKeyEvent::Kind::lost:
+        return "VERLOREN";
+    }
+    return {};
 }
 
 class Watching {
 public:
-    int run(std::optional<Duration> length) {
-        tap_ = keyboard_.createTap(KeyEventType::maskBit(KeyEventType::keyDown) |
-                                       KeyEventType::maskBit(KeyEventType::keyUp) |
-                                       KeyEventType::maskBit(KeyEventType::flagsChanged),
-                                   [this](const KeyEvent& event) { show(event); });
-        if (!tap_) return EXIT_FAILURE;
-        tap_->enable(true);
-        fmt::print("{:<12}  {:<11} {:<12} {:>6}  {:<8}  {}\n", "Zeit", "", "Taste", "Nummer", "Flags", "");
+    int run(const Options& options) {
+        const auto listening =
+            holdKey_.listen(options.key, [this](const HoldKeyEvent& event) { show(event); });
+        fmt::print("{}\n", options.key.displayName());
         std::fflush(stdout);
-        if (length) end_ = loop_.after(*length, [this] { loop_.quit(); });
+        Registration end;
+        if (options.length) end = loop_.after(*options.length, [this] { loop_.quit(); });
         loop_.run();
-        fmt::print("{} Ereignisse.\n", count_);
-        return wasLost_ ? EXIT_FAILURE : EXIT_SUCCESS;
+        return holdKey_.isReady() ? EXIT_SUCCESS : EXIT_FAILURE;
     }
     void quit() { loop_.quit(); }
 
 private:
-    void show(const KeyEvent& event) {
-        if (event.type == KeyEventType::disabledByTimeout) {
-            wasLost_ = true;
-            loop_.quit();
-            return;
-        }
-        ++count_;
-        const bool isDown = event.type == KeyEventType::flagsChanged
-                                ? (event.flags & bitsOf(event.keyCode)) != 0
-                                : event.type == KeyEventType::keyDown;
+    void show(const HoldKeyEvent& event) {
         const auto now = std::chrono::system_clock::now();
         const auto milliseconds =
             std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
-        fmt::print("{:%H:%M:%S}.{:03}  {:<11} {:<12} {:>6}  {:08x}  {}{}\n",
-                   fmt::localtime(std::chrono::system_clock::to_time_t(now)), milliseconds.count() % 1000,
-                   isDown ? "GEDRÜCKT" : "LOSGELASSEN", KeyTranslation::name(event.keyCode), event.keyCode,
-                   event.flags, inWords(event.flags), held(event.keyCode, isDown));
+        fmt::print("{:%H:%M:%S}.{:03}  {}", fmt::localtime(std::chrono::system_clock::to_time_t(now)),
+                   milliseconds.count() % 1000, inWords(event.kind));
+        if (event.kind == HoldKeyEvent::Kind::pressed) pressedAt_ = event.at;
+        if (event.kind == HoldKeyEvent::Kind::released)
+            fmt::print("  ({:.3f} s gehalten)", inSeconds(event.at - pressedAt_));
+        fmt::print("\n");
         std::fflush(stdout);
     }
 
-    std::string held(std::int64_t keyCode, bool isDown) {
-        const auto now = std::chrono::steady_clock::now();
-        if (isDown) {
-            since_[keyCode] = now;
-            return {};
-        }
-        const auto begun = since_.find(keyCode);
-        if (keyCode == VirtualKey::other || begun == since_.end()) return {};
-        return fmt::format("  ({:.3f} s gehalten)", inSeconds(now - begun->second));
-    }
-
     RunLoop loop_;
-    X11Keyboard keyboard_{loop_};
-    std::unique_ptr<EventTap> tap_;
-    Registration end_;
-    std::map<std::int64_t, Instant> since_;
-    std::size_t count_ = 0;
-    bool wasLost_ = false;
+    X11HoldKey holdKey_{loop_};
+    Instant pressedAt_;
 };
 
-int runTool(std::optional<Duration> length) {
+int runTool(const Options& options) {
     ShownLog log;
     const DiagnosticsLog::Installation installation(log);
     // Ctrl+C comes to the one thread that waits for it.
@@ -148,7 +122,7 @@ int runTool(std::optional<Duration> length) {
         sigwait(&signals, &number);
         watching.quit();
     });
-    const int result = watching.run(length);
+    const int result = watching.run(options);
     pthread_kill(waiting.native_handle(), SIGTERM);
     waiting.join();
     return result;
@@ -158,8 +132,8 @@ int runTool(std::optional<Duration> length) {
 } // namespace querlin
 
 int main(int count, char** arguments) {
-    const auto length = querlin::parse(count, arguments);
-    if (length) return querlin::runTool(*length);
+    const auto options = querlin::parse(count, arguments);
+    if (options) return querlin::runTool(*options);
     fmt::print(stderr, "{}", querlin::usage);
     return EXIT_FAILURE;
 }

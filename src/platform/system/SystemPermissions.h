@@ -18,8 +18,6 @@ public:
         std::function<bool()> canLookIntoApplications;
         /// Switches the accessibility bus on; whether it is there now.
         std::function<bool()> enableAccessibility;
-        std::function<bool()> isKeyboardGrabbed;
-        std::function<std::optional<std::int32_t>()> keyboardGrabber;
         /// Where models for the recognition are put.
         std::filesystem::path models;
     };
@@ -33,8 +31,6 @@ public:
     void requestSpeech(Answer answer) override { answer(sources_.canRecognise()); }
     bool requestTrust() override;
     void openSettings(std::string_view pane) override;
-    bool isSecureInputEnabled() override { return sources_.isKeyboardGrabbed(); }
-    std::optional<std::int32_t> secureInputProcess() override { return sources_.keyboardGrabber(); }
 
 private:
     static AuthorizationStatus statusOf(bool isThere) {

@@ -1,7 +1,6 @@
 #include "platform/x11/ApplicationNames.h"
 
 #include <algorithm>
-#include <array>
 #include <memory>
 
 #include <gio/gdesktopappinfo.h>
@@ -11,9 +10,6 @@ namespace querlin {
 namespace {
 
 constexpr std::string_view suffix = ".desktop";
-/// They start programs of many names.
-constexpr std::array<std::string_view, 10> launchers = {"env",  "sh",   "bash",    "python3",  "perl",
-                                                        "java", "snap", "flatpak", "xdg-open", "pkexec"};
 
 struct Unref {
     void operator()(GAppInfo* info) const { g_object_unref(info); }
@@ -40,7 +36,6 @@ ApplicationNames::Entry described(GAppInfo* info) {
     entry.name = text(g_app_info_get_name(info));
     if (G_IS_DESKTOP_APP_INFO(info))
         entry.windowClass = text(g_desktop_app_info_get_startup_wm_class(G_DESKTOP_APP_INFO(info)));
-    entry.executable = lastPart(text(g_app_info_get_executable(info)), '/');
     return entry;
 }
 
@@ -72,8 +67,6 @@ ApplicationNames::ApplicationNames(const std::vector<Entry>& entries) {
         byIdentifier_.try_emplace(identifier, entry.name);
         byLastPart_.try_emplace(std::string(lastPart(identifier, '.')), entry.name);
         if (!entry.windowClass.empty()) byWindowClass_.try_emplace(lowerCase(entry.windowClass), entry.name);
-        const bool isLauncher = std::ranges::find(launchers, entry.executable) != launchers.end();
-        if (!entry.executable.empty() && !isLauncher) byExecutable_.try_emplace(entry.executable, entry.name);
     }
 }
 
@@ -83,10 +76,6 @@ std::optional<std::string> ApplicationNames::ofIdentifier(std::string_view ident
         if (auto name = find(*names, key)) return name;
     }
     return std::nullopt;
-}
-
-std::optional<std::string> ApplicationNames::ofExecutable(std::string_view executable) const {
-    return find(byExecutable_, executable);
 }
 
 } // namespace querlin

@@ -15,7 +15,6 @@ public:
         std::string identifier;  ///< file name without ".desktop": "org.xfce.mousepad"
         std::string name;        ///< in the user's language
         std::string windowClass; ///< of StartupWMClass
-        std::string executable;  ///< file name without folder
     };
 
     /// Earlier entries take precedence.
@@ -25,14 +24,12 @@ public:
 
     /// By its identifier, or by the class of its windows.
     std::optional<std::string> ofIdentifier(std::string_view identifier) const;
-    std::optional<std::string> ofExecutable(std::string_view executable) const;
 
 private:
     using Names = std::map<std::string, std::string, std::less<>>;
     Names byIdentifier_;
     Names byWindowClass_;
     Names byLastPart_; ///< of an identifier: "mousepad"
-    Names byExecutable_;
 };
 
 } // namespace querlin

@@ -1,17 +1,22 @@
 #include "platform/x11/KeyStream.h"
 
-#include <algorithm>
-#include <array>
+#include "state/DiagnosticsLog.h"
 
+#include <algorithm>
+
+#include <fmt/format.h>
 #include <xcb/xinput.h>
 
 namespace querlin {
 
 namespace {
 
-/// From here on raw events also come while another program grabs the keyboard.
+/// From this version on raw events also come while another program grabs the keyboard.
 constexpr std::uint16_t neededMajor = 2;
 constexpr std::uint16_t neededMinor = 1;
+/// Whoever ends the stream waits this long at most, should the server not answer.
+constexpr Duration longestAnswer = std::chrono::milliseconds(250);
+constexpr Duration betweenAttempts = std::chrono::seconds(5);
 
 struct Selection {
     xcb_input_event_mask_t head{XCB_INPUT_DEVICE_ALL_MASTER, 1};
@@ -20,36 +25,8 @@ struct Selection {
 
 } // namespace
 
-std::expected<std::unique_ptr<XcbConnection>, std::string> KeyStream::connect(const std::string& display) {
-    auto connection = XcbConnection::open(display);
-    if (!connection) return connection;
-    auto& x = **connection;
-    if (!x.hasExtension(xcb_input_id))
-        return std::unexpected(std::string("Der X-Server hat die Erweiterung XInput nicht."));
-    const auto version = x.reply(xcb_input_xi_query_version_reply,
-                                 xcb_input_xi_query_version(x.get(), neededMajor, neededMinor));
-    const bool isEnough =
-        version && (version->major_version > neededMajor ||
-                    (version->major_version == neededMajor && version->minor_version >= neededMinor));
-    if (!isEnough) return std::unexpected(std::string("Der X-Server hat kein XInput 2.1."));
-    return connection;
-}
-
-KeyStream::KeyStream(std::unique_ptr<XcbConnection> connection, std::shared_ptr<KeyTranslation> translation,
-                     Handler handler, std::function<void()> lost) :
-    connection_(std::move(connection)),
-    translation_(std::move(translation)),
-    handler_(std::move(handler)),
-    lost_(std::move(lost)) {
-    const auto* data = xcb_get_extension_data(connection_->get(), &xcb_input_id);
-    extension_ = data ? data->major_opcode : 0;
-    const bool hasBegun = begin(); // Here, so that no key behind this call is missed.
-    thread_ = std::thread([this, hasBegun] {
-        if (hasBegun) run();
-        isLost_ = !isEnding_;
-        if (isLost_) lost_();
-    });
-}
+KeyStream::KeyStream(std::string display, Listener listener) :
+    display_(std::move(display)), listener_(std::move(listener)), thread_([this] { run(); }) {}
 
 KeyStream::~KeyStream() {
     isEnding_ = true;
@@ -57,34 +34,67 @@ KeyStream::~KeyStream() {
     thread_.join();
 }
 
-bool KeyStream::begin() {
-    const auto held = xcb_query_keymap(connection_->get());
-    const Selection selection;
-    xcb_input_xi_select_events(connection_->get(), connection_->root(), 1, &selection.head);
-    const auto keymap = connection_->reply(xcb_query_keymap_reply, held);
-    if (!keymap) return false;
-    KeyTranslation::Keymap map{};
-    std::ranges::copy(keymap->keys, map.begin());
-    for (const auto& release : translation_->begin(map)) handler_(release);
-    return true;
+bool KeyStream::isOfferedBy(XcbConnection& connection) {
+    if (!connection.hasExtension(xcb_input_id)) return false;
+    const auto version =
+        connection.reply(xcb_input_xi_query_version_reply,
+                         xcb_input_xi_query_version(connection.get(), neededMajor, neededMinor));
+    return version && (version->major_version > neededMajor ||
+                       (version->major_version == neededMajor && version->minor_version >= neededMinor));
+}
+
+std::expected<std::unique_ptr<XcbConnection>, std::string> KeyStream::connect() const {
+    auto connection = XcbConnection::open(display_, longestAnswer);
+    if (connection && !isOfferedBy(**connection))
+        return std::unexpected(std::string("Der X-Server hat kein XInput 2.1."));
+    return connection;
 }
 
 void KeyStream::run() {
+    bool isNoted = false;
     while (!isEnding_) {
-        while (const auto event = connection_->nextEvent()) take(*event);
-        if (connection_->isLost()) return;
-        wakeUp_.wait({connection_->descriptor()});
+        if (auto connection = connect()) {
+            isNoted = false;
+            follow(**connection);
+        } else if (!std::exchange(isNoted, true)) {
+            DiagnosticsLog::note("hotkey",
+                                 fmt::format("Die Tastatur ist nicht zu hören: {}", connection.error()));
+        }
+        const auto next = std::chrono::steady_clock::now() + betweenAttempts;
+        while (!isEnding_ && std::chrono::steady_clock::now() < next) wakeUp_.wait({}, next);
     }
 }
 
-void KeyStream::take(const xcb_generic_event_t& event) {
+/// A key that goes down after the server was asked which ones are is reported.
+bool KeyStream::begin(XcbConnection& connection) {
+    const auto asked = xcb_query_keymap(connection.get());
+    const Selection selection;
+    xcb_input_xi_select_events(connection.get(), connection.root(), 1, &selection.head);
+    const auto keymap = connection.reply(xcb_query_keymap_reply, asked);
+    if (!keymap) return false;
+    std::array<std::uint8_t, 32> held{};
+    std::ranges::copy(keymap->keys, held.begin());
+    listener_.begun(held);
+    return true;
+}
+
+void KeyStream::follow(XcbConnection& connection) {
+    if (!begin(connection)) return;
+    const auto* data = xcb_get_extension_data(connection.get(), &xcb_input_id);
+    while (!isEnding_) {
+        while (const auto event = connection.nextEvent()) take(*event, data->major_opcode);
+        if (connection.isLost()) break;
+        wakeUp_.wait({connection.descriptor()});
+    }
+    if (!isEnding_) listener_.lost();
+}
+
+void KeyStream::take(const xcb_generic_event_t& event, std::uint8_t extension) const {
     if (eventType(event) != XCB_GE_GENERIC) return;
     const auto& raw = eventAs<xcb_input_raw_key_press_event_t>(event);
     const bool isDown = raw.event_type == XCB_INPUT_RAW_KEY_PRESS;
-    if (raw.extension != extension_ || (!isDown && raw.event_type != XCB_INPUT_RAW_KEY_RELEASE)) return;
-    if (raw.detail > 0xFF) return;
-    if (const auto translated = translation_->translate(static_cast<std::uint8_t>(raw.detail), isDown))
-        handler_(*translated);
+    if (raw.extension != extension || (!isDown && raw.event_type != XCB_INPUT_RAW_KEY_RELEASE)) return;
+    if (raw.detail <= 0xFF) listener_.key(static_cast<std::uint8_t>(raw.detail), isDown);
 }
 
 } // namespace querlin

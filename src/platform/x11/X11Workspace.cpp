@@ -3,10 +3,6 @@
 #include "platform/x11/ActiveWindow.h"
 #include "state/DiagnosticsLog.h"
 
-#include <filesystem>
-#include <fstream>
-#include <system_error>
-
 #include <fmt/format.h>
 
 namespace querlin {
@@ -68,19 +64,6 @@ std::optional<RunningApplication> X11Workspace::frontmostApplication() {
     if (!name && known) name = known->ofIdentifier(window->className);
     if (!name) name = given(capitalised(window->className));
     return RunningApplication{window->processIdentifier, std::move(name), given(identifier)};
-}
-
-std::optional<std::string> X11Workspace::applicationName(std::int32_t processIdentifier) {
-    const auto folder = std::filesystem::path(fmt::format("/proc/{}", processIdentifier));
-    std::string command;
-    std::ifstream file(folder / "comm");
-    if (!std::getline(file, command) || command.empty()) return std::nullopt;
-    const auto* known = names();
-    std::error_code fault; // Of a foreign process the file isn't told; then its short name has to do.
-    const auto executable = std::filesystem::read_symlink(folder / "exe", fault).filename().string();
-    auto name = known ? known->ofExecutable(executable) : std::nullopt;
-    if (!name && known) name = known->ofExecutable(command);
-    return name ? std::move(name) : capitalised(command);
 }
 
 } // namespace querlin

@@ -23,7 +23,6 @@ public:
 
     /// The process identifier is 0 for a window that doesn't tell it.
     std::optional<RunningApplication> frontmostApplication() override;
-    std::optional<std::string> applicationName(std::int32_t processIdentifier) override;
 
 private:
     bool connect();

@@ -14,9 +14,8 @@ namespace querlin {
 class OwnServer {
 public:
     OwnServer() :
-        display_(":" + std::to_string(1000 + ::getpid() % 50000)),
-        process_({"sh", "-c", "exec Xvfb " + display_ + " -displayfd 1 -nolisten tcp -ac -noreset >" + ready}) {
-        eventually([] { return !shell(std::string("cat ") + ready).empty(); });
+        display_(freshDisplay()), process_({"sh", "-c", "exec Xvfb " + display_ + " -displayfd 1 -nolisten tcp -ac -noreset >" + ready}) {
+        eventually([] { return !shell("cat " + ready).empty(); });
     }
     ~OwnServer() {
         kill();
@@ -31,7 +30,12 @@ public:
     void stop() const { process_.signal(SIGSTOP); }
 
 private:
-    static constexpr auto ready = "\"$DESKTOP_DIR\"/own-server";
+    static std::string freshDisplay() {
+        shell("rm -f " + ready); // Of the server before.
+        return ":" + std::to_string(1000 + ::getpid() % 50000);
+    }
+
+    inline static const std::string ready = "\"$DESKTOP_DIR\"/own-server";
 
     std::string display_;
     Program process_;

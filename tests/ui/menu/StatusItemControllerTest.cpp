@@ -90,7 +90,7 @@ TEST_F(StatusItemControllerTest, changes_show_at_once) {
     notice->click();
     EXPECT_EQ(button("Letzter Fehler: Modell & Netz fehlen"), nullptr);
 
-    world.keyboard.canTap = false;
+    world.holdKey.canListen = false;
     world.controller.installHotkey();
     EXPECT_NE(button("⚠︎ Bedienungshilfen fehlen – Hotkey inaktiv"), nullptr);
 }

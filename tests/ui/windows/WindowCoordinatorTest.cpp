@@ -61,9 +61,9 @@ TEST_F(WindowCoordinatorTest, there_is_one_window_of_each_kind_and_it_comes_back
 TEST_F(WindowCoordinatorTest, the_end_of_the_setup_tries_the_key_again) {
     windows.showOnboarding();
     auto* window = windowsNamed("Querlin einrichten").at(0);
-    world.keyboard.canTap = false;
+    world.holdKey.canListen = false;
     world.controller.installHotkey();
-    world.keyboard.canTap = true;
+    world.holdKey.canListen = true;
     window->findChild<QPushButton*>()->click();
     EXPECT_TRUE(world.settings.hasCompletedOnboarding.get());
     EXPECT_FALSE(world.controller.hotkeyBlocked().get());
