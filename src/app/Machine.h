@@ -6,9 +6,11 @@
 #include "foundation/ThreadPool.h"
 #include "platform/atspi/AtspiAccessibility.h"
 #include "platform/curl/CurlHttpClient.h"
+#include "platform/dbus/BusFileManager.h"
 #include "platform/dbus/DBusThread.h"
 #include "platform/dbus/DesktopNotifications.h"
 #include "platform/dbus/DesktopSignals.h"
+#include "platform/dbus/NotifierHostWatch.h"
 #include "platform/pocketsphinx/ClassicService.h"
 #include "platform/pulse/PulseAudio.h"
 #include "platform/pulse/PulseSoundPlayer.h"
@@ -53,6 +55,8 @@ struct Machine {
     DBusThread buses;
     DesktopSignals signals{queue, buses};
     DesktopNotifications notifications{buses};
+    NotifierHostWatch notifierHost{queue, buses};
+    BusFileManager fileManager{queue, buses};
 
     // Sound and recognition
     PulseAudio hardware{queue};

@@ -168,17 +168,19 @@ void Program::startListening() {
 }
 
 void Program::makeStatusItem() {
-    statusItemController_ =
-        std::make_unique<StatusItemController>(StatusItemSources{.runtime = machine_.runtime(),
-                                                                 .controller = dictation_->controller,
-                                                                 .settings = *settings_,
-                                                                 .windows = *windows_,
-                                                                 .legalUpdates = *legalUpdates_,
-                                                                 .permissions = permissions_,
-                                                                 .inserter = dictation_->inserter,
-                                                                 .focusReturn = machine_.focusReturn,
-                                                                 .logFile = places_.paths.log,
-                                                                 .quit = quit_});
+    statusItemController_ = std::make_unique<StatusItemController>(
+        StatusItemSources{.runtime = machine_.runtime(),
+                          .controller = dictation_->controller,
+                          .settings = *settings_,
+                          .windows = *windows_,
+                          .legalUpdates = *legalUpdates_,
+                          .permissions = permissions_,
+                          .inserter = dictation_->inserter,
+                          .focusReturn = machine_.focusReturn,
+                          .notifierHost = machine_.notifierHost.isThere(),
+                          .fileManager = machine_.fileManager,
+                          .logFile = places_.paths.log,
+                          .quit = quit_});
 }
 
 /// Each returns at once; whoever is faster than these waits.

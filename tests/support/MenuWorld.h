@@ -10,8 +10,8 @@ namespace querlin {
 
 /// The menu besides the windows.
 struct MenuWorld : WindowsWorld {
-    /// Trays are watched, and waited for, on this queue.
-    void makeItem(MainQueue& queue) {
+    /// The tray of the X server is waited for on this queue.
+    void makeItem(MainQueue& queue, const Published<std::optional<bool>>& notifierHost) {
         item = std::make_unique<StatusItemController>(
             StatusItemSources{.runtime = {.mainQueue = queue, .clock = world.time, .background = world.time},
                               .controller = world.controller,
@@ -21,10 +21,17 @@ struct MenuWorld : WindowsWorld {
                               .permissions = world.permissions,
                               .inserter = world.inserter,
                               .focusReturn = focusReturn,
+                              .notifierHost = notifierHost,
+                              .fileManager = fileManager,
                               .logFile = world.folder.path() / "Querlin.log",
                               .quit = [this] { ++quits; }});
     }
 
+    /// One that shows nothing.
+    struct NoFileManager final : FileManager {
+        void show(std::string /*url*/, std::function<void()> failed) override { failed(); }
+    } fileManager;
+    Published<std::optional<bool>> noPanel{false};
     int quits = 0;
     std::unique_ptr<StatusItemController> item;
 };

@@ -67,7 +67,11 @@ Registration DBusThread::add(const std::shared_ptr<BusClient>& client) {
     post([this, client] {
         clients_.push_back(client);
         for (const auto& connection : connections_) {
-            if (connection->bus) client->connected(connection->kind, connection->bus.get());
+            if (connection->bus) {
+                client->connected(connection->kind, connection->bus.get());
+            } else {
+                client->lost(connection->kind);
+            }
         }
     });
     return Registration([this, client] {

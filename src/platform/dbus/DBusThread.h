@@ -29,7 +29,7 @@ public:
     virtual ~BusClient() = default;
     /// Calls may be made and signals listened to from now on; they go out when the connection is ready.
     virtual void connected(BusKind kind, sd_bus* bus) = 0;
-    /// The connection is gone. Its slots must be let go of.
+    /// The connection is gone, or there has been none yet. Its slots must be let go of.
     virtual void lost(BusKind kind) = 0;
     /// The last moment at which something may be sent.
     virtual void leaving() {}
@@ -45,7 +45,8 @@ public:
     DBusThread(const DBusThread&) = delete;
     DBusThread& operator=(const DBusThread&) = delete;
 
-    /// From any thread, also the end of the registration. The client is told of the connections there are.
+    /// From any thread, also the end of the registration. For each bus the client hears at once whether there
+    /// is a connection: `connected` or `lost`.
     Registration add(const std::shared_ptr<BusClient>& client);
     /// Runs on the buses' thread, in the order of the calls. From any thread.
     void post(Work order);

@@ -3,10 +3,6 @@
 #include "state/DiagnosticsLog.h"
 #include "ui/brand/Brand.h"
 
-#include <QCoreApplication>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDesktopServices>
 #include <QUrl>
 #include <fmt/format.h>
@@ -14,9 +10,6 @@
 namespace querlin::OpenFile {
 
 namespace {
-
-/// A file manager may have to be started first.
-constexpr int longestAnswer = 10'000; // milliseconds
 
 QUrl urlOf(const std::filesystem::path& file) { return QUrl::fromLocalFile(Brand::text(file.string())); }
 
@@ -32,18 +25,8 @@ void withDefaultApplication(const std::filesystem::path& file) {
     if (!QDesktopServices::openUrl(urlOf(file))) openFolder(file);
 }
 
-void inFileManager(const std::filesystem::path& file) {
-    const auto name = QStringLiteral("org.freedesktop.FileManager1");
-    auto call = QDBusMessage::createMethodCall(name, QStringLiteral("/org/freedesktop/FileManager1"), name,
-                                               QStringLiteral("ShowItems"));
-    call << QStringList(urlOf(file).toString(QUrl::FullyEncoded)) << QString();
-    auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call, longestAnswer),
-                                               QCoreApplication::instance());
-    QObject::connect(answer, &QDBusPendingCallWatcher::finished, answer,
-                     [file](QDBusPendingCallWatcher* finished) {
-                         if (finished->isError()) openFolder(file);
-                         finished->deleteLater();
-                     });
+void inFileManager(FileManager& manager, const std::filesystem::path& file) {
+    manager.show(Brand::utf8(urlOf(file).toString(QUrl::FullyEncoded)), [file] { openFolder(file); });
 }
 
 } // namespace querlin::OpenFile

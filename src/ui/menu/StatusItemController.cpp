@@ -4,7 +4,7 @@
 #include "ui/brand/Brand.h"
 #include "ui/brand/Theme.h"
 #include "ui/menu/OpenFile.h"
-#include "ui/menu/TrayWatch.h"
+#include "ui/menu/SystemTrayWatch.h"
 
 #include <fmt/format.h>
 
@@ -18,7 +18,7 @@ constexpr auto trayPatience = std::chrono::seconds(3);
 } // namespace
 
 StatusItemController::StatusItemController(StatusItemSources sources) :
-    sources_(std::move(sources)), trays_(std::make_unique<TrayWatch>([this] { lookAtTrays(); })) {
+    sources_(std::move(sources)), systemTray_(std::make_unique<SystemTrayWatch>([this] { lookAtTrays(); })) {
     subscribe();
     trayWent();
     lookAtTrays();
@@ -31,6 +31,7 @@ void StatusItemController::subscribe() {
         subscriptions_.push_back(
             published.subscribe([this, react](const auto&) { (this->*react)(); }, FirstValue::Skip));
     };
+    follow(sources_.notifierHost, &StatusItemController::lookAtTrays);
     follow(sources_.controller.phase(), &StatusItemController::showPhase);
     follow(sources_.controller.hotkeyBlocked(), &StatusItemController::rebuildMenu);
     follow(sources_.controller.lastInsertedText(), &StatusItemController::rebuildMenu);
@@ -42,7 +43,7 @@ void StatusItemController::subscribe() {
 // Where the commands are
 
 void StatusItemController::lookAtTrays() {
-    const auto hosts = trays_->hosts();
+    const TrayHosts hosts{sources_.notifierHost.get(), systemTray_->isThere()};
     if (!item_ && hosts.allowIcon()) {
         item_ = std::make_unique<StatusItem>([this](MenuCommand command) { perform(command); });
         showPhase();
@@ -147,7 +148,7 @@ void StatusItemController::perform(MenuCommand command) {
         return;
     case writeDiagnostics:
         sources_.controller.writeDiagnostics();
-        OpenFile::inFileManager(sources_.logFile);
+        OpenFile::inFileManager(sources_.fileManager, sources_.logFile);
         return;
     case runBenchmark:
         sources_.windows.showComingLater(

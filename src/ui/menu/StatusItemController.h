@@ -1,9 +1,11 @@
 #pragma once
 
+#include "desktop/FileManager.h"
 #include "desktop/FocusReturn.h"
 #include "desktop/Permissions.h"
 #include "desktop/TextInserter.h"
 #include "dictation/DictationController.h"
+#include "foundation/Published.h"
 #include "foundation/TaskGroup.h"
 #include "legal/LegalUpdateService.h"
 #include "ui/menu/CommandWindow.h"
@@ -13,11 +15,12 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace querlin {
 
-class TrayWatch;
+class SystemTrayWatch;
 
 /// What the commands reach; all of it outlives the controller of the menu.
 struct StatusItemSources {
@@ -29,6 +32,9 @@ struct StatusItemSources {
     PermissionsManager& permissions;
     TextInserter& inserter;
     FocusReturn& focusReturn;
+    /// Whether a panel takes symbols over the session bus; nothing as long as nobody has answered.
+    const Published<std::optional<bool>>& notifierHost;
+    FileManager& fileManager;
     std::filesystem::path logFile;
     std::function<void()> quit;
 };
@@ -62,7 +68,7 @@ private:
     bool hasTray_ = false;
     Registration patience_;
     std::vector<Registration> subscriptions_;
-    std::unique_ptr<TrayWatch> trays_;
+    std::unique_ptr<SystemTrayWatch> systemTray_;
     TaskGroup tasks_;
 };
 

@@ -1,5 +1,7 @@
 // The item over a scripted controller, in real trays: what they show of it, and what they do to it.
 
+#include "platform/dbus/DBusThread.h"
+#include "platform/dbus/NotifierHostWatch.h"
 #include "platform/qt/QtMainQueue.h"
 #include "support/Desktop.h"
 #include "support/MenuWorld.h"
@@ -16,7 +18,7 @@ protected:
         if (!isInVirtualDesktop()) GTEST_SKIP() << "needs tools/virtual-desktop";
     }
     ~TrayItemTest() override { item.reset(); } // Before its queue.
-    void makeItem() { MenuWorld::makeItem(queue); }
+    void makeItem() { MenuWorld::makeItem(queue, panels.isThere()); }
 
     static bool until(const std::function<bool()>& reached, Duration longest = seconds(10)) {
         return eventually(
@@ -90,6 +92,8 @@ protected:
     }
 
     QtMainQueue queue;
+    DBusThread buses;
+    NotifierHostWatch panels{queue, buses};
 };
 
 class SystemTrayTest : public TrayItemTest {

@@ -8,7 +8,7 @@ namespace {
 /// The commands without a tray, in memory, over a controller on virtual time.
 class StatusItemControllerTest : public ::testing::Test, protected MenuWorld {
 protected:
-    StatusItemControllerTest() { makeItem(world.time); }
+    StatusItemControllerTest() { makeItem(world.time, noPanel); }
 
     static QWidget* window() { return windowNamed("Querlin"); }
     static QPushButton* button(const std::string& name) {
