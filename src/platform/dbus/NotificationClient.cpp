@@ -2,6 +2,7 @@
 
 #include "platform/dbus/NotificationText.h"
 #include "state/DiagnosticsLog.h"
+#include "state/Product.h"
 
 #include <string_view>
 
@@ -215,6 +216,7 @@ BusMessage NotificationClient::messageFor(const Notification& notification) cons
     const auto body =
         NotificationText::body(notification.body, abilities_->readsMarkup ? NotificationText::Markup::yes
                                                                           : NotificationText::Markup::no);
+    const std::string desktopEntry(Product::applicationId);
     constexpr std::uint32_t replacesNone = 0;
     constexpr int noActions = 0;
     constexpr int urgencyNormal = 1; // A byte, passed on as an int.
@@ -226,7 +228,7 @@ BusMessage NotificationClient::messageFor(const Notification& notification) cons
     sd_bus_message_open_container(writing, SD_BUS_TYPE_ARRAY, "{sv}");
     sd_bus_message_append(writing, "{sv}", "urgency", "y", urgencyNormal);
     sd_bus_message_append(writing, "{sv}", "category", "s", "x-querlin.dictation");
-    sd_bus_message_append(writing, "{sv}", "desktop-entry", "s", "querlin");
+    sd_bus_message_append(writing, "{sv}", "desktop-entry", "s", desktopEntry.c_str());
     if (abilities_->makesSound) sd_bus_message_append(writing, "{sv}", "sound-name", "s", "message");
     sd_bus_message_close_container(writing);
     sd_bus_message_append(writing, "i", asLongAsUsual);

@@ -54,6 +54,10 @@ std::string dunst() {
 }
 
 TEST(DesktopNotifications, AreShownAsTheyAreWritten) {
+    const TempFolder folder;
+    const auto onTheBus = folder / "calls";
+    const Program monitor({"sh", "-c", "exec dbus-monitor --session \"member='Notify'\" > " + onTheBus.string()});
+    ASSERT_TRUE(eventually([&] { return !contentOf(onTheBus).empty(); }));
     Answers answers;
     DBusThread buses;
     DesktopNotifications notifications(buses);
@@ -65,6 +69,7 @@ TEST(DesktopNotifications, AreShownAsTheyAreWritten) {
     EXPECT_EQ(shown("body"), "Müller &amp; Söhne &lt;b&gt;fett&lt;/b&gt;\uFFFD\nZeile 2 \U0001F600\uFFFD");
     EXPECT_EQ(shown("appname"), "Querlin");
     EXPECT_EQ(shown("category"), "x-querlin.dictation");
+    EXPECT_TRUE(eventually([&] { return contentOf(onTheBus).contains("\"local.mandolan.querlin\""); })) << "the desktop entry";
     EXPECT_EQ(answers.all().size(), 1U) << answers.all().back();
 }
 
