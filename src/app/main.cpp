@@ -1,8 +1,8 @@
 // The program's entry: one instance for each user, the toolkit's loop, an orderly end.
 
 #include "app/Machine.h"
-#include "app/NoCoreDumps.h"
 #include "app/Program.h"
+#include "foundation/NoCoreDumps.h"
 #include "platform/dbus/ApplicationService.h"
 #include "platform/qt/QuitSignals.h"
 #include "platform/system/Installation.h"

@@ -2,6 +2,7 @@
 // descriptor 3. What it hears is confidential: it leaves no core dump, nothing on its standard outputs, and
 // no process of its own behind.
 
+#include "foundation/NoCoreDumps.h"
 #include "platform/pocketsphinx/engine/PocketSphinxEngine.h"
 #include "platform/recogniser/helper/HelperServer.h"
 #include "platform/sherpa/engine/SherpaEngine.h"
@@ -11,7 +12,6 @@
 #include <tuple>
 
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -28,9 +28,7 @@ bool isSocket(int descriptor) {
 
 void leaveNoTraces() {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    ::prctl(PR_SET_DUMPABLE, 0);
-    const rlimit none{};
-    ::setrlimit(RLIMIT_CORE, &none);
+    preventCoreDumps();
 }
 
 /// A key struck in a terminal is for the program, which ends its helper when it has no more need of it.
