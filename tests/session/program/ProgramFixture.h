@@ -1,11 +1,10 @@
 #pragma once
 
 #include "support/Desktop.h"
+#include "support/TempFolder.h"
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 
 #include <sys/wait.h>
@@ -19,21 +18,16 @@ class ProgramFixture : public ::testing::Test {
 protected:
     void SetUp() override {
         if (!isInVirtualDesktop()) GTEST_SKIP() << "needs tools/virtual-desktop";
-        const auto settings = std::filesystem::path(environment("XDG_CONFIG_HOME"));
-        std::filesystem::create_directories(settings);
-        std::ofstream(settings / "local.mandolan.querlin.json") << R"({"hasCompletedOnboarding": true, "updateLawsAutomatically": false})";
+        writeFile(settingsFile(), R"({"hasCompletedOnboarding": true, "updateLawsAutomatically": false})");
     }
 
     static std::string environment(const char* name) {
         const char* value = std::getenv(name);
         return value ? value : "";
     }
+    static std::filesystem::path settingsFile() { return environment("XDG_CONFIG_HOME") + "/local.mandolan.querlin.json"; }
     static std::filesystem::path log() { return environment("XDG_STATE_HOME") + "/Querlin.log"; }
-    static bool logHas(const std::string& text) {
-        std::ifstream file(log());
-        const std::string lines((std::istreambuf_iterator<char>(file)), {});
-        return lines.find(text) != std::string::npos;
-    }
+    static bool logHas(const std::string& text) { return contentOf(log()).contains(text); }
     /// Starts the program and waits until it listens.
     static std::unique_ptr<Program> start() {
         std::filesystem::remove(log());

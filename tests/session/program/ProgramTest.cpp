@@ -3,8 +3,10 @@
 #include "ProgramFixture.h"
 
 #include <csignal>
+#include <fstream>
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <fmt/format.h>
 
@@ -44,17 +46,79 @@ TEST_F(ProgramTest, signals_end_it_in_order) {
     }
 }
 
-/// A crash leaves no memory behind, however generous the system is with core dumps.
-TEST_F(ProgramTest, a_crash_leaves_no_core_dump) {
+/// What the kernel hands over when a program crashes goes into a folder, as systems that collect crashes do it.
+class CrashCollector {
+public:
+    CrashCollector() {
+        writeFile(folder_ / "collect", fmt::format("#!/bin/sh\ncat >'{0}/part' && mv '{0}/part' \"{0}/$1\"\n", folder_.path().string()));
+        shell("chmod +x " + (folder_ / "collect").string());
+        std::ofstream(pattern) << fmt::format("|{} %p", (folder_ / "collect").string());
+    }
+    ~CrashCollector() { std::ofstream(pattern) << before_; }
+    CrashCollector(const CrashCollector&) = delete;
+    CrashCollector& operator=(const CrashCollector&) = delete;
+
+    bool works() const {
+        return eventually([&] { return !coreOf(shell("sh -c 'echo $$; kill -ABRT $$'")).empty(); }, std::chrono::seconds(3));
+    }
+    std::string coreOf(const std::string& process) const { return contentOf(folder_ / process); }
+
+private:
+    static constexpr auto pattern = "/proc/sys/kernel/core_pattern";
+    TempFolder folder_;
+    const std::string before_ = contentOf(pattern);
+};
+
+/// However generous the system is with core dumps: neither the program's nor the helper's memory is collected.
+TEST_F(ProgramTest, a_crash_leaves_no_word_behind) {
     const rlimit generous{RLIM_INFINITY, RLIM_INFINITY};
-    if (::setrlimit(RLIMIT_CORE, &generous) != 0) GTEST_SKIP() << "core dumps can't be allowed here";
-    const auto running = start();
-    EXPECT_NE(shell(fmt::format("grep -E 'core file size +0 +0' /proc/{}/limits", running->id())), "");
-    running->signal(SIGABRT);
-    const int status = exitOf(*running);
-    EXPECT_TRUE(WIFSIGNALED(status));
-    EXPECT_FALSE(WCOREDUMP(status)); // NOLINT: the system's macro
-    const auto second = start();     // The lock has gone with the process.
+    const CrashCollector collector;
+    if (::setrlimit(RLIMIT_CORE, &generous) != 0 || !collector.works()) GTEST_SKIP() << "core dumps can't be collected here";
+    const auto word = fmt::format("Geheimwort{}", ::getpid());
+    writeFile(settingsFile(), fmt::format(R"({{"hasCompletedOnboarding": true, "userDictionary": ["{}"]}})", word));
+    {
+        const auto running = start();
+        const auto helper = [&] { return shell(fmt::format("pgrep -P {}", running->id())); };
+        ASSERT_TRUE(eventually([&] { return !helper().empty(); }));
+        const auto crashed = helper();
+        ::kill(std::stoi(crashed), SIGABRT);
+        running->signal(SIGABRT);
+        const int status = exitOf(*running);
+        EXPECT_TRUE(WIFSIGNALED(status));
+        EXPECT_FALSE(WCOREDUMP(status)); // NOLINT: the system's macro
+        EXPECT_TRUE(collector.works()) << "by now the helper's would be here too";
+        EXPECT_EQ(collector.coreOf(crashed) + collector.coreOf(std::to_string(running->id())), "");
+    }
+    for (const bool isFiltered : {true, false}) { // Were one written all the same.
+        const auto running = start();
+        ::prlimit(running->id(), RLIMIT_CORE, &generous, nullptr);
+        if (!isFiltered) writeFile(fmt::format("/proc/{}/coredump_filter", running->id()), "0x33");
+        running->signal(SIGABRT);
+        exitOf(*running);
+        std::string core;
+        EXPECT_TRUE(eventually([&] { return !(core = collector.coreOf(std::to_string(running->id()))).empty(); }));
+        EXPECT_EQ(core.contains(word), !isFiltered);
+    }
+}
+
+/// A portal looks into the process that asks it. Neither has the rights of an administrator, as on a user's desktop.
+TEST_F(ProgramTest, a_real_portal_tells_it_of_dark_surfaces_at_the_start) {
+    constexpr auto portal = "/usr/libexec/xdg-desktop-portal";
+    if (!std::filesystem::exists(portal)) GTEST_SKIP() << "xdg-desktop-portal is not installed";
+    const std::vector<std::string> asAUser = {::geteuid() == 0 ? "setpriv" : "env", ::geteuid() == 0 ? "--bounding-set=-sys_ptrace" : "--"};
+    const auto with = [&](const char* command) { return std::vector{asAUser.front(), asAUser.back(), std::string(command)}; };
+    shell("gsettings set org.gnome.desktop.interface color-scheme prefer-dark");
+    const Program service(with(portal));
+    ASSERT_TRUE(eventually([] {
+        return shell("gdbus call --session -d org.freedesktop.DBus -o / -m org.freedesktop.DBus.NameHasOwner "
+                     "org.freedesktop.portal.Desktop") == "(true,)";
+    }));
+    const Program running(with(program));
+    EXPECT_TRUE(eventually([] { return isShown("Querlin"); })) << "no tray: the commands stand in a window";
+    EXPECT_TRUE(eventually([] {
+        return shell("import -window $(xdotool search --onlyvisible --name '^Querlin$') -resize 1x1 -format '%[fx:intensity<0.5]' info:") ==
+               "1";
+    }));
 }
 
 TEST_F(ProgramTest, without_a_graphical_session_it_says_so) {
