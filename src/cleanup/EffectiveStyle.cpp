@@ -11,7 +11,8 @@ EffectiveStyle EffectiveStyle::resolve(const DictationContext& context, std::spa
                 true};
     }
     if (context.applicationId) {
-        const auto found = std::ranges::find(profiles, *context.applicationId, &AppProfile::applicationId);
+        const auto found = std::ranges::find_if(
+            profiles, [&](const AppProfile& profile) { return profile.isFor(*context.applicationId); });
         if (found != profiles.end())
             return {found->style, found->polishEnabled, "Profil " + found->appName, false};
     }

@@ -1,5 +1,6 @@
 #include "state/AppProfile.h"
 
+#include "state/ApplicationIds.h"
 #include "state/JsonFields.h"
 
 namespace querlin {
@@ -7,19 +8,27 @@ namespace querlin {
 const std::vector<AppProfile>& AppProfile::builtIn() {
     using enum WritingStyle;
     static const std::vector<AppProfile> profiles = {
-        {"com.apple.mail", "Mail", brief, true},
-        {"com.microsoft.Outlook", "Outlook", brief, true},
-        {"com.apple.iChat", "Nachrichten", locker, true},
-        {"com.microsoft.Word", "Microsoft Word", aktenstil, true},
-        {"com.apple.iWork.Pages", "Pages", aktenstil, true},
-        {"com.apple.TextEdit", "TextEdit", aktenstil, true},
-        {"com.apple.Notes", "Notizen", aktenstil, true},
-        {"com.apple.Safari", "Safari", neutral, false},
-        {"com.google.Chrome", "Chrome", neutral, false},
-        {"org.mozilla.firefox", "Firefox", neutral, false},
-        {"com.microsoft.edgemac", "Edge", neutral, false},
+        {"libreoffice-writer", "LibreOffice Writer", aktenstil, true},
+        {"org.gnome.gedit", "gedit", aktenstil, true},
+        {"org.gnome.TextEditor", "GNOME-Texteditor", aktenstil, true},
+        {"org.kde.kate", "Kate", aktenstil, true},
+        {"org.xfce.mousepad", "Mousepad", aktenstil, true},
+        {"thunderbird", "Thunderbird", brief, true},
+        {"org.gnome.Evolution", "Evolution", brief, true},
+        {"org.kde.kmail2", "KMail", brief, true},
+        {"signal-desktop", "Signal", locker, true},
+        {"org.telegram.desktop", "Telegram", locker, true},
+        {"com.nextcloud.desktopclient.nextcloud", "Nextcloud", locker, true},
+        {"firefox-esr", "Firefox", neutral, false},
+        {"chromium", "Chromium", neutral, false},
+        {"google-chrome", "Chrome", neutral, false},
+        {"microsoft-edge", "Edge", neutral, false},
     };
     return profiles;
+}
+
+bool AppProfile::isFor(std::string_view application) const {
+    return ApplicationIds::nameTheSame(applicationId, application);
 }
 
 JsonValue toJson(const AppProfile& profile) {

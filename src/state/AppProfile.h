@@ -5,12 +5,14 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace querlin {
 
-/// The writing style for one application, told by its identifier (compared exactly).
+/// The writing style for one application.
 struct AppProfile {
+    /// One of those that the application goes by (ApplicationIds.h).
     std::string applicationId;
     std::string appName;
     WritingStyle style = WritingStyle::aktenstil;
@@ -19,6 +21,9 @@ struct AppProfile {
 
     /// What a new installation starts with.
     static const std::vector<AppProfile>& builtIn();
+
+    /// Whether it is the one for the application with this identifier, as the desktop reports it.
+    bool isFor(std::string_view application) const;
 
     bool operator==(const AppProfile&) const = default;
 };

@@ -134,7 +134,7 @@ TEST_F(SettingsTest, AbsentAndUnusableValuesGiveTheFallback) {
          [](auto& s) {
              return s.engine.get() == TranscriptionEngine::classic && s.maxDictationMinutes.get() == 15 && s.contextualLimit.get() == 250 &&
                     s.historyRetentionDays.get() == 30 && !s.installedAt.get() && s.playStartSound.get() &&
-                    s.textBlocks.get().size() == 3 && s.appProfiles.get().size() == 11;
+                    s.textBlocks.get().size() == 3 && s.appProfiles.get() == AppProfile::builtIn();
          },
          "absent keys"},
         {R"({"transcriptionEngine":"whisper"})", [](auto& s) { return s.engine.get() == TranscriptionEngine::classic; }, "unknown engine"},

@@ -75,7 +75,9 @@ std::optional<std::string> ApplicationNames::ofIdentifier(std::string_view ident
     for (const auto* names : {&byIdentifier_, &byWindowClass_, &byLastPart_}) {
         if (auto name = find(*names, key)) return name;
     }
-    return std::nullopt;
+    // "thunderbird-default": some add the name of their profile.
+    const auto end = key.rfind('-');
+    return end == std::string::npos ? std::nullopt : find(byIdentifier_, key.substr(0, end));
 }
 
 } // namespace querlin

@@ -57,13 +57,17 @@ std::optional<RunningApplication> X11Workspace::frontmostApplication() {
     if (!connect()) return std::nullopt;
     const auto window = ActiveWindow::look(*connection_, *atoms_);
     if (!window) return std::nullopt;
-    const auto& identifier =
-        window->applicationIdentifier.empty() ? window->className : window->applicationIdentifier;
+    // A suite's programs share one identifier (LibreOffice); then the class tells them apart.
+    const auto* identifier = &window->applicationIdentifier;
     const auto* known = names();
-    auto name = known ? known->ofIdentifier(identifier) : std::nullopt;
-    if (!name && known) name = known->ofIdentifier(window->className);
+    auto name = known ? known->ofIdentifier(*identifier) : std::nullopt;
+    if (!name && known) {
+        name = known->ofIdentifier(window->className);
+        if (name) identifier = &window->className;
+    }
+    if (identifier->empty()) identifier = &window->className;
     if (!name) name = given(capitalised(window->className));
-    return RunningApplication{window->processIdentifier, std::move(name), given(identifier)};
+    return RunningApplication{window->processIdentifier, std::move(name), given(*identifier)};
 }
 
 } // namespace querlin

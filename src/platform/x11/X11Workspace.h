@@ -11,8 +11,9 @@
 
 namespace querlin {
 
-/// The program in front, as the window manager tells it. Until the names of the installed programs are read,
-/// which is done once and in the background, a program is called by the class of its windows. Main thread.
+/// The program in front, as the window manager reports it. Its identifier is that of its desktop entry where
+/// the window says so, else the class of its windows. Until the names of the installed programs are read,
+/// which is done once and in the background, a program is called by that class too. Main thread.
 class X11Workspace final : public Workspace {
 public:
     /// `display` names the server (":1"); empty means that of the environment.
@@ -21,7 +22,7 @@ public:
     X11Workspace(const X11Workspace&) = delete;
     X11Workspace& operator=(const X11Workspace&) = delete;
 
-    /// The process identifier is 0 for a window that doesn't tell it.
+    /// The process identifier is 0 for a window that doesn't say it.
     std::optional<RunningApplication> frontmostApplication() override;
 
 private:

@@ -4,6 +4,7 @@
 
 #include "platform/x11/ApplicationNames.h"
 #include "platform/x11/X11Workspace.h"
+#include "state/AppProfile.h"
 #include "support/CapturedLog.h"
 #include "support/Desktop.h"
 
@@ -42,6 +43,44 @@ TEST_F(WorkspaceTest, KnowsWhoIsInFront) {
     const Program editor({"mousepad", "--disable-server"});
     ASSERT_TRUE(awaitFront("org.xfce.mousepad", name)) << "the installed programs' names are read in the background";
     EXPECT_EQ(workspace.frontmostApplication()->processIdentifier, editor.id());
+}
+
+/// Which of the delivered profiles counts in programs as distributions deliver them; those that are installed.
+TEST_F(WorkspaceTest, FindsTheProfilesOfRealPrograms) {
+    const auto profileInFront = [this]() -> std::string {
+        const auto front = workspace.frontmostApplication();
+        if (!front || !front->applicationId) return "nobody";
+        const auto& profiles = AppProfile::builtIn();
+        const auto profile =
+            std::ranges::find_if(profiles, [&](const AppProfile& candidate) { return candidate.isFor(*front->applicationId); });
+        return profile == profiles.end() ? "general" : profile->appName;
+    };
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"mousepad --disable-server", "Mousepad"},
+        {"xfce4-terminal --disable-server", "general"},
+        {"featherpad --standalone", "general"},
+        {"firefox-esr --no-remote about:blank", "Firefox"},
+        {"chromium --no-sandbox --no-first-run --password-store=basic about:blank", "Chromium"},
+        {"thunderbird", "Thunderbird"},
+        {"evolution", "Evolution"},
+        {"kmail", "KMail"},
+        {"soffice --writer --norestore --nologo", "LibreOffice Writer"},
+        {"gedit", "gedit"},
+        {"gnome-text-editor", "GNOME-Texteditor"},
+        {"kate", "Kate"},
+        {"telegram-desktop", "Telegram"},
+        {"nextcloud", "Nextcloud"},
+        {"signal-desktop --no-sandbox", "Signal"},
+        {"konsole", "general"},
+    };
+    for (const auto& [command, profile] : rows) {
+        if (!isInstalled(command.substr(0, command.find(' ')))) continue;
+        const Program program({"sh", "-c", "exec " + command});
+        EXPECT_TRUE(eventually([&] { return profileInFront() == profile; }, std::chrono::seconds(60)))
+            << command << " is " << profileInFront();
+        program.signal(SIGKILL);
+        ASSERT_TRUE(eventually([&] { return profileInFront() == "nobody"; }));
+    }
 }
 
 TEST_F(WorkspaceTest, SurvivesWindowsThatVanish) {
