@@ -10,8 +10,8 @@ from pathlib import Path
 
 from .desktop import await_that, folder, output
 
-#: The right Alt key by its place on the keyboard: what a new installation holds.
-_HOLD_KEY = "108"
+#: The right Ctrl key, the hold key of a new installation, by its key code.
+_HOLD_KEY = "105"
 _OVERLAY = "^Querlin Overlay$"
 #: In dots; without a symbol the tray is narrower.
 _NARROWEST_TRAY = 16
