@@ -73,7 +73,7 @@ enum class CleanupMode : std::uint8_t { rules, local, none };
 constexpr std::array<EnumRow<CleanupMode>, 3> enumRows(CleanupMode) {
     using enum CleanupMode;
     return {{{rules, "rules", "Sofort (regelbasiert)"},
-             {local, "local", "Lokal (Apple-Modell)"},
+             {local, "local", "Lokales Modell"},
              {none, "none", "Keine Bereinigung"}}};
 }
 
@@ -83,12 +83,11 @@ constexpr std::string_view shortSummary(CleanupMode mode) {
     switch (mode) {
     case rules:
         return "Text erscheint ohne Wartezeit. Bereinigt Füllwörter und Zeichensetzung nach festen Regeln – "
-               "ohne "
-               "Modell.";
+               "ohne Modell.";
     case local:
-        return "Feinschliff durch Apples lokales Modell. Dauert ein bis zwei Sekunden länger – und bleibt "
-               "wie "
-               "alles andere auf diesem Mac.";
+        return "Feinschliff durch ein lokales Modell. Große Modelle brauchen einige Sekunden länger – und "
+               "alles "
+               "bleibt wie immer auf diesem Rechner.";
     case none:
         return "Das Transkript wird unverändert eingefügt.";
     }

@@ -108,7 +108,7 @@ TEST(Pipeline, TheModelShowsItsPhaseAndItsFallback) {
     EXPECT_EQ(w.phase(), Kind::enhancing) << "a press is ignored";
     w.wait(seconds(5));
     EXPECT_EQ(w.windows.notices, (std::vector<std::string>{"Lokales Modell meldete: kaputt"}));
-    EXPECT_TRUE(w.log.has("[cleanup] Regelbasiert (offline) statt Lokal (Apple-Modell): Lokales Modell meldete: kaputt"));
+    EXPECT_TRUE(w.log.has("[cleanup] Regelbasiert (offline) statt Lokales Modell: Lokales Modell meldete: kaputt"));
     EXPECT_EQ(w.inserter.delivered.size(), 1U);
 
     w.settings.appProfiles.set({{"com.example.mail", "Mail", WritingStyle::brief, false}});

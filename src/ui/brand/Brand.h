@@ -16,7 +16,6 @@ inline constexpr std::string_view suiteName = "Mandolan";
 inline constexpr std::string_view suiteURL = "https://mandolan.example";
 inline constexpr std::string_view suiteURLLabel = "mandolan.example";
 inline constexpr std::string_view applicationId = Product::applicationId;
-inline constexpr std::string_view legacyBundleIdentifier = Product::legacyDomain;
 
 inline constexpr QColor primary{0x3B, 0x8F, 0xD4};
 inline constexpr QColor primaryDeep{0x2A, 0x6B, 0xA3};

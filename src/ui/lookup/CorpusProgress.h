@@ -16,8 +16,12 @@ struct CorpusProgress {
 
     bool operator==(const CorpusProgress&) const = default;
 
-    /// Nothing where there are texts already, or nothing to say.
-    static std::optional<CorpusProgress> of(const LegalUpdateService::Stage& stage, bool hasTexts);
+    /// Whether the laws are loaded without being asked for.
+    enum class Loading : std::uint8_t { Automatic, OnRequest };
+
+    /// Nothing where there are texts already.
+    static std::optional<CorpusProgress> of(const LegalUpdateService::Stage& stage, bool hasTexts,
+                                            Loading loading);
 };
 
 } // namespace querlin

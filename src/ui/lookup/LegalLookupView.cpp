@@ -141,11 +141,17 @@ Task<> LegalLookupView::refreshSummary() {
     if (number != lastSummary_) co_return; // Another look knows newer texts.
     hasTexts_ = summary.hasTexts;
     empty_->setSummary(summary.lines);
-    empty_->setProgress(CorpusProgress::of(sources_.updates.stage.get(), hasTexts_));
+    showProgress();
+}
+
+void LegalLookupView::showProgress() {
+    using enum CorpusProgress::Loading;
+    const auto loading = sources_.settings.updateLawsAutomatically.get() ? Automatic : OnRequest;
+    empty_->setProgress(CorpusProgress::of(sources_.updates.stage.get(), hasTexts_, loading));
 }
 
 void LegalLookupView::stageChanged(const LegalUpdateService::Stage& stage) {
-    empty_->setProgress(CorpusProgress::of(stage, hasTexts_));
+    showProgress();
     if (!std::holds_alternative<LegalUpdateStage::Updated>(stage)) return;
     tasks_.start(refreshSummary());
     search_.textsChanged();

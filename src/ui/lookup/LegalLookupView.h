@@ -19,6 +19,7 @@ namespace querlin {
 /// none.
 struct LegalLookupSources {
     Runtime runtime;
+    AppSettings& settings;
     LegalCorpus& corpus;
     LegalUpdateService& updates;
     DictationController* controller = nullptr;
@@ -46,6 +47,7 @@ private:
     Task<> insert(std::string text);
     void endInsertion();
     Task<> refreshSummary();
+    void showProgress();
     void stageChanged(const LegalUpdateService::Stage& stage);
 
     LegalLookupSources sources_;

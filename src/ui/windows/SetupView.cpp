@@ -57,11 +57,12 @@ SetupView::SetupView(std::function<std::vector<SetupFinding>()> look, std::funct
     stack->addWidget(heading);
     auto* words = makeLabel(
         "Taste halten, sprechen, loslassen – der Text steht an der Schreibmarke. Alles Gesprochene bleibt "
-        "auf diesem Rechner. Das braucht Querlin dafür:",
+        "auf diesem Rechner.",
         Brand::font(13));
     words->setAlignment(Qt::AlignHCenter);
     stack->addWidget(words);
     stack->addSpacing(Brand::Spacing::tight);
+    stack->addWidget(makeLabel("Was Querlin braucht", Brand::font(13, QFont::DemiBold)));
     rows_->setSpacing(Brand::Spacing::normal);
     stack->addLayout(rows_);
     stack->addStretch();

@@ -127,6 +127,7 @@ void WindowCoordinator::showLegalLookup() {
         windows_->legal,
         {.title = "Gesetze nachschlagen – BGB und FamFG", .size = {820, 520}, .isResizable = true}, [this] {
             return std::make_unique<LegalLookupView>(LegalLookupSources{.runtime = sources_.runtime,
+                                                                        .settings = sources_.settings,
                                                                         .corpus = sources_.corpus,
                                                                         .updates = sources_.legalUpdates,
                                                                         .controller = controller_,
@@ -194,7 +195,7 @@ void WindowCoordinator::showCorrectionSuggestion(const CorrectionSuggestion& sug
 
 void WindowCoordinator::accept(const CorrectionSuggestion& suggestion) {
     sources_.settings.addUserTerm(suggestion.corrected);
-    DiagnosticsLog::note("learn", fmt::format("„{}“ ins Wörterbuch übernommen.", suggestion.corrected));
+    DiagnosticsLog::note("learn", "Ein korrigiertes Wort ins Wörterbuch übernommen.");
     dismissSuggestion();
 }
 
