@@ -86,10 +86,8 @@ TEST(Graphemes, TakeWindowsAndOddBytesInTheirStride) {
     EXPECT_EQ(graphemeCount(std::string(1'000'000, '\x80')), 1'000'000U) << "continuations without a lead";
     EXPECT_EQ(graphemeCount("\u0600" + std::string(200, '\x80')), 200U) << "joined to such a stretch";
     EXPECT_EQ(graphemeCount("\xFF\xFE\x80z"), 4U);
-    EXPECT_EQ(graphemeCount(std::string(1'000'000, 'w')), 1'000'000U);
     EXPECT_EQ(firstGraphemes("👩‍⚖️äo\u0308x", 2), "👩‍⚖️ä");
     EXPECT_EQ(firstGraphemes("ab", 5), "ab");
-    EXPECT_EQ(firstGraphemes("ab", 0), "");
 }
 
 TEST(Characters, AreToldByTheirFirstScalar) {
@@ -107,26 +105,12 @@ TEST(Characters, AreToldByTheirFirstScalar) {
         EXPECT_EQ(isNumeric(row.character), row.numeric) << row.character;
     }
     EXPECT_EQ(splitAtWhitespace(" § 5\u00A0BGB\r\n, Ende\u2029"), (Texts{"§", "5", "BGB", ",", "Ende"}));
-    EXPECT_EQ(countWords("zwei  Wörter"), 2U);
-    EXPECT_EQ(countWords(" \n "), 0U);
     EXPECT_EQ(countWords(std::string(1'000'000, 'w')), 1U);
-    EXPECT_EQ(splitAtWhitespace("a\0b \xFF"sv), (Texts{"a\0b"sv, "\xFF"}));
 }
 
 TEST(TextCase, MapsFully) {
-    const std::vector<std::tuple<std::string_view, std::string_view, std::string_view>> rows = {
-        // text, upper, lower
-        {"Straße Äöü×÷ÿ", "STRASSE ÄÖÜ×÷Ÿ", "straße äöü×÷ÿ"},
-        {"ÀÞàþ µ@[`{", "ÀÞÀÞ \u039C@[`{", "àþàþ µ@[`{"},
-        {"ΣΑΣ", "ΣΑΣ", "σας"},
-        {"ﬁ Iı", "FI II", "ﬁ iı"},
-        {"o\u0308 \xFF", "O\u0308 \uFFFD", "o\u0308 \uFFFD"},
-        {"", "", ""},
-    };
-    for (const auto& [text, upper, lower] : rows) {
-        EXPECT_EQ(uppercase(text), upper) << text;
-        EXPECT_EQ(lowercase(text), lower) << text;
-    }
+    EXPECT_EQ(uppercase("Straße ﬁ ΣΑΣ o\u0308 \xFF"), "STRASSE FI ΣΑΣ O\u0308 \uFFFD");
+    EXPECT_EQ(lowercase("STRAßE ﬁ ΣΑΣ O\u0308 \xFF"), "straße ﬁ σας o\u0308 \uFFFD") << "with the final sigma";
 }
 
 // The part of Unicode that German text is made of doesn't go through ICU.
@@ -153,8 +137,9 @@ TEST(TextCase, AgreesWithIcuScalarByScalar) {
 TEST(PlainText, IsTakenManyBytesAtOnceAndMeansTheSame) {
     // Pieces that are plain, pieces that aren't, and pieces of pieces, in texts of all lengths around those of
     // the registers.
-    const std::vector<std::string> pieces = {"a", "Z", "@", "[", " ", "ä", "Ö", "ß", "×", "÷", "Þ", "§", "\u00A0", "–", "„", "€",
-                                             "\u2080", "\u20FF", "\u2100", "Ⅷ", "Ω", "č", "𝄞", "\xC3", "\xA4", "\xE2", "\xE2\x80", "\xC0", "\xFF"};
+    const std::vector<std::string> pieces = {"a", "Z", "@",      "[",    " ",    "ä",    "Ö",        "ß",      "×",      "÷",
+                                             "Þ", "§", "\u00A0", "–",    "„",    "€",    "\u2080",   "\u20FF", "\u2100", "Ⅷ",
+                                             "Ω", "č", "𝄞",      "\xC3", "\xA4", "\xE2", "\xE2\x80", "\xC0",   "\xFF"};
     std::mt19937 random(3);
     const auto number = [&random](std::size_t most) { return std::uniform_int_distribution<std::size_t>(0, most)(random); };
     int plain = 0;
@@ -164,10 +149,12 @@ TEST(PlainText, IsTakenManyBytesAtOnceAndMeansTheSame) {
         for (auto left = number(90); left > 0; --left) text += pieces[number(kinds)];
         const auto isIt = isPlainText(text, Registers::portable);
         plain += isIt ? 1 : 0;
-        ASSERT_EQ(isIt, std::ranges::all_of(Graphemes(text), [](std::string_view character) {
-            const auto scalar = firstScalar(character);
-            return isValidUtf8(character) && (scalar < 0x100 || (scalar >= 0x2000 && scalar < 0x2100));
-        })) << text;
+        ASSERT_EQ(isIt, std::ranges::all_of(Graphemes(text),
+                                            [](std::string_view character) {
+                                                const auto scalar = firstScalar(character);
+                                                return isValidUtf8(character) && (scalar < 0x100 || (scalar >= 0x2000 && scalar < 0x2100));
+                                            }))
+            << text;
         std::string lower(text.size(), '?');
         ASSERT_EQ(lowercasePlainText(text, lower.data(), Registers::portable), isIt) << text;
         ASSERT_EQ(isPlainText(text), isIt) << text;
@@ -184,38 +171,24 @@ TEST(PlainText, IsTakenManyBytesAtOnceAndMeansTheSame) {
 
 TEST(TextCase, FindsIgnoringCase) {
     const std::vector<std::tuple<const char*, const char*, const char*, const char*>> rows = {
-        {"§ 5 bgb x", "BGB", "bgb", "in the middle"},
-        {"SGB XII", "SGB XII", "SGB XII", "all of it"},
-        {"STRASSE", "straße", "STRASSE", "what folds to more"},
-        {"Maße", "ss", "ß", "what stands for it"},
-        {"Maße", "s", nullptr, "half a scalar isn't found"},
-        {"äöü", "Ö", "ö", "umlauts"},
-        {"abc", "", nullptr, "nothing is nowhere"},
-        {"", "a", nullptr, "nor anything in nothing"},
-        {"\xFFx", "X", "x", "ill-formed bytes are no hindrance"}};
+        {"§ 5 bgb x", "BGB", "bgb", "in the middle"}, {"STRASSE", "straße", "STRASSE", "what folds to more"},
+        {"Maße", "ss", "ß", "what stands for it"},    {"Maße", "s", nullptr, "half a scalar isn't found"},
+        {"abc", "", nullptr, "nothing is nowhere"},   {"\xFFx", "X", "x", "ill-formed bytes are no hindrance"}};
     for (const auto& [text, wanted, found, reason] : rows) {
-        const auto place = findIgnoringCase(text, wanted);
-        EXPECT_EQ(place.value_or("(nichts)"), found ? found : "(nichts)") << reason;
+        EXPECT_EQ(findIgnoringCase(text, wanted).value_or("(nichts)"), found ? found : "(nichts)") << reason;
     }
 }
 
 TEST(TextCase, ComparesUnderEquivalence) {
     EXPECT_EQ(nfc("Bo\u0308e \u212B"), "Böe Å");
-    EXPECT_TRUE(isNfc("Böe"));
-    EXPECT_FALSE(isNfc("Bo\u0308e"));
-    EXPECT_FALSE(isNfc("\xFF"));
-    EXPECT_FALSE(isNfc("„acht Byte“ o\u0308")) << "a mark behind a stretch that needs no look";
-    EXPECT_TRUE(canonicallyEqual("\x80", "\x81")) << "both count as U+FFFD";
+    EXPECT_FALSE(isNfc("„acht Byte“ o\u0308")) << "a mark after a stretch that needs no look";
     EXPECT_TRUE(canonicallyEqual("o\u0308", "ö"));
+    EXPECT_TRUE(canonicallyEqual("\x80", "\x81")) << "both count as U+FFFD";
     EXPECT_FALSE(canonicallyEqual("ö", "Ö"));
-    EXPECT_TRUE(equalIgnoringCase("A\u0308PFEL", "äpfel"));
-    EXPECT_TRUE(equalIgnoringCase("STRASSE", "Straße"));
+    EXPECT_TRUE(equalIgnoringCase("A\u0308PFELSTRASSE", "äpfelstraße"));
     EXPECT_FALSE(equalIgnoringCase("Apfel", "Äpfel"));
-    EXPECT_TRUE(containsIgnoringCase("Die BETREUUNG", "treuung"));
     EXPECT_TRUE(containsIgnoringCase("die GRO\u0308SSE", "größe"));
     EXPECT_FALSE(containsIgnoringCase("scho\u0308n", "scho")) << "half of a character is no match";
-    EXPECT_TRUE(containsIgnoringCase("x", ""));
-    EXPECT_FALSE(containsIgnoringCase("", "x"));
 }
 
 TEST(Trimming, GoesByItsTwoSets) {
@@ -238,8 +211,6 @@ TEST(Collation, SortsAsGermansDo) {
     Texts words = {"Zebra", "Ähre", "Axt", "ahorn", "apfel", "Straße", "Strasse", "Öl", "Ofen"};
     std::ranges::stable_sort(words, [](auto a, auto b) { return compareIgnoringCaseLocalized(a, b) < 0; });
     EXPECT_EQ(words, (Texts{"ahorn", "Ähre", "apfel", "Axt", "Ofen", "Öl", "Strasse", "Straße", "Zebra"}));
-    EXPECT_EQ(compareIgnoringCaseLocalized("APFEL", "apfel"), 0);
-    EXPECT_NE(compareIgnoringCaseLocalized("Apfel", "Äpfel"), 0);
 }
 
 class GermanFormatTest : public testing::Test {
@@ -262,15 +233,9 @@ TEST_F(GermanFormatTest, WritesLocalDatesAndNumbers) {
     EXPECT_EQ(germanTime(at(2026y / 7 / 1, 22h)), "00:00") << "summer time, next day";
     EXPECT_EQ(germanWeekday(at(2026y / 7 / 1, 22h)), "Donnerstag");
     EXPECT_EQ(localLogStamp(Date(-1ms)), "00:59:59.999") << "before 1970";
-    for (const auto& [number, text] : std::vector<std::pair<std::int64_t, const char*>>{{0, "0"},
-                                                                                        {999, "999"},
-                                                                                        {1000, "1.000"},
-                                                                                        {-1000, "-1.000"},
-                                                                                        {-999, "-999"},
-                                                                                        {1234567, "1.234.567"},
-                                                                                        {INT64_MIN, "-9.223.372.036.854.775.808"}}) {
-        EXPECT_EQ(germanNumber(number), text);
-    }
+    EXPECT_EQ(germanNumber(999), "999");
+    EXPECT_EQ(germanNumber(-1000), "-1.000");
+    EXPECT_EQ(germanNumber(INT64_MIN), "-9.223.372.036.854.775.808");
 }
 
 TEST_F(GermanFormatTest, CountsDaysByTheCalendar) {
@@ -278,7 +243,6 @@ TEST_F(GermanFormatTest, CountsDaysByTheCalendar) {
     const auto summer = at(2026y / 4 / 1, 7h + 30min + 1ms);
     EXPECT_EQ(localFileStamp(daysBefore(summer, 7).value()), "2026-03-25 09-30-00") << "over the change to summer time";
     EXPECT_EQ(daysBefore(summer, 7).value(), at(2026y / 3 / 25, 8h + 30min + 1ms));
-    EXPECT_EQ(daysBefore(summer, 0), summer);
     EXPECT_EQ(daysBefore(summer, INT64_MAX), std::nullopt);
     EXPECT_EQ(daysBefore(summer, -1), std::nullopt);
     EXPECT_EQ(daysBefore(Date::min(), 0), std::nullopt) << "its second begins before the first date";

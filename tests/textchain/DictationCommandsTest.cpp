@@ -31,15 +31,12 @@ TEST(DictationCommands, WriteMarksAndLayout) {
                 "Sehr geehrte Damen und Herren,\nWir bitten Sie den Betreuten in die Liste aufzunehmen.\n\nMit freundlichen "
                 "Grüßen\nHanna Quellmann",
                 "a letter"},
-               {"Ende Punkt Aus Punkt", "Ende. Aus.", "a second one"},
                {"Ende. Aus.", "Ende. Aus.", "delivered marks stay"},
                {"Ende (Komma) aus Punkt.", "Ende, aus.", "a command takes its own marks along"},
                {"PUNKT am Anfang", ". Am Anfang", "no neighbour in front, whatever the case"},
                {"a Absatz Ende b neuen Absatz c neuer Zeile d", "A\n\nB\n\nC\nD", "all spellings of breaks"},
                {"Frage Fragezeichen ja Ausrufezeichen nein Ausrufungszeichen", "Frage? Ja! Nein!", "sentence marks"},
-               {"a Doppelpunkt b Semikolon c Strichpunkt d Bindestrich e", "A: b; c; d- e", "marks within a sentence"},
                {"Wort Gedankenstrich Wort", "Wort – Wort", "the dash brings its blanks"},
-               {"Wort Klammer auf siehe oben Klammer zu", "Wort (siehe oben)", "brackets"},
                {"a Doppelpunkt runde Klammer auf b runde Klammer zu c", "A: (b) c", "the longer phrase; a blank behind the colon"},
                {"Anführungszeichen Hallo Anführungszeichen und Anführungszeichen ja", "„Hallo“ und „ja", "quotes take turns"},
                {"Zitat Anfang ja Zitat Ende Anführungszeichen unten nein Anführungszeichen oben Anführungszeichen x", "„Ja“„nein“„x",
@@ -55,7 +52,6 @@ TEST(DictationCommands, WriteMarksAndLayout) {
 
 TEST(DictationCommands, TellNounsFromCommands) {
     expectAll(Mode::prose, {{"der Punkt ist strittig", "Der Punkt ist strittig", "an article in front, a verb behind"},
-                            {"Dieser Punkt", "Dieser Punkt", "in front"},
                             {"Komma ist", "Komma ist", "behind"},
                             {"Komma, hätte er", "Komma, hätte er", "marks don't hide the verb"},
                             {"zweitens Punkt ein neuer Gedanke", "Zweitens. Ein neuer Gedanke", "neither"},
@@ -73,7 +69,6 @@ TEST(DictationCommands, TakeBack) {
                             {"Eins Punkt zwei neue Zeile drei streich das vier", "Eins. Zwei\nVier", "a break ends a sentence"},
                             {"gar nichts streiche das aber dies", "Aber dies", "without a mark everything so far"},
                             {"a. b. Letzten Satz löschen, streiche das c", "C", "twice, with marks and case"},
-                            {"streiche das", "", "nothing to take back"},
                             {"streiche dass", "Streiche dass", "no command"}});
     const auto outcome = DictationCommands::apply("Hallo Komma Welt Alles verwerfen und mehr", Mode::prose);
     EXPECT_EQ(outcome, (DictationCommands::Outcome{"", true, {"komma", "alles verwerfen"}}));
@@ -87,7 +82,6 @@ TEST(DictationCommands, CloseUpInASearchField) {
                               {"hallo  welt", "hallo welt", "words stay apart and small"},
                               {"a Klammer auf b Klammer zu c", "a(b)c", "none around brackets"},
                               {"ende. aus", "ende.aus", "behind a delivered mark too"},
-                              {"½ Liter Ⅷ a", "½ Liter Ⅷ a", "numbers of every kind are numbers"},
                               {"👩‍⚖️ ja 👍 nein", "👩‍⚖️ja 👍nein", "emoji are neither letters nor numbers"},
                               {"eins\nzwei", "eins\nzwei", "breaks survive"}});
 }

@@ -1,7 +1,5 @@
 #include "textchain/SpokenLawReference.h"
 
-#include "support/CapturedLog.h"
-
 #include <gtest/gtest.h>
 
 namespace querlin {
@@ -28,8 +26,6 @@ TEST(SpokenLawReference, WritesCitations) {
          {"Paragraph 7 bürgerliches Gesetzbuch, § 7 wohn und Betreuungsvertragsgesetz", "§ 7 BGB, § 7 WBVG", "full names"},
          {"§ 1814, BGB", "§ 1814 BGB", "inner marks go"},
          {"(Paragraph 5 BGB), „§ 6“", "(§ 5 BGB), „§ 6“", "marks around a citation stay"},
-         {"Paragraphen 1 und 2", "§ 1 und 2", "the plural"},
-         {"ja\nParagraph 5\n", "ja\n§ 5\n", "line breaks stay"},
          {"Paragraph f\u0075\u0308nf BGB", "§ 5 BGB", "decomposed"},
          {"  ohne Zitat \n", "  ohne Zitat \n", "nothing to write"}});
 }
@@ -44,21 +40,16 @@ TEST(SpokenLawReference, ReadsNumbers) {
                {"nach Paragraph fünf. Zwei Zeugen", "nach § 5. Zwei Zeugen", "so does a mark"},
                {"füge den Paragraph ein", "füge den Paragraph ein", "an article alone is none"},
                {"dass dieser Paragraph eine Rolle spielt", "dass dieser Paragraph eine Rolle spielt", "likewise"},
-               {"Paragraph ein BGB, Paragraph ein Absatz zwei", "§ 1 BGB, § 1 Abs. 2", "unless the citation goes on"},
-               {"Paragraph 5 ist", "§ 5 ist", "a law is not needed"}});
+               {"Paragraph ein BGB, Paragraph ein Absatz zwei", "§ 1 BGB, § 1 Abs. 2", "unless the citation goes on"}});
 }
 
 TEST(SpokenLawReference, LeavesWhatItCantRead) {
-    CapturedLog log;
-    expectAll({{"Paragraph", "Paragraph", "no number"},
-               {"Paragraph hier, § 1814a BGB", "Paragraph hier, § 1814a BGB", "no number either"},
+    expectAll({{"Paragraph hier, § 1814a BGB", "Paragraph hier, § 1814a BGB", "no number"},
                {"1814 BGB", "1814 BGB", "no marker"},
                {"Paragraph 1814 Absatz BGB", "§ 1814 Absatz BGB", "a unit without number"},
-               {"Paragraph 40 SGB", "§ 40 SGB", "no book behind it"},
-               {"Paragraph 40 S G B", "§ 40 S G B", "nor behind letters, which belong to no section"}});
-    EXPECT_FALSE(log.has("SGB ohne erkennbare Buchangabe"));
-    expectAll({{"Paragraph 40 S G B dreizehn", "§ 40 S G B dreizehn", "no such book"}});
-    EXPECT_TRUE(log.has("[gesetz] SGB ohne erkennbare Buchangabe – nicht zugeordnet."));
+               {"Paragraph 40 SGB", "§ 40 SGB", "no book of the code"},
+               {"Paragraph 40 S G B", "§ 40 S G B", "nor after letters, which belong to no section"},
+               {"Paragraph 40 S G B dreizehn", "§ 40 S G B dreizehn", "no such book"}});
 }
 
 TEST(SpokenLawReference, EveryWrittenCitationReadsAsItself) {

@@ -4,7 +4,6 @@
 #include "support/QtApplication.h"
 #include "ui/brand/Brand.h"
 #include "ui/brand/Theme.h"
-#include "ui/overlay/OverlayMetrics.h"
 
 #include <algorithm>
 
@@ -31,7 +30,6 @@ protected:
         const auto found = std::ranges::find_if(all, [](QWidget* child) { return dynamic_cast<LevelMeter*>(child) != nullptr; });
         return dynamic_cast<LevelMeter*>(*found);
     }
-    int height() { return view.sizeHint().height(); }
 
     QApplication& application = qtApplication(); // Before the view.
     DictationWorld world;
@@ -41,7 +39,6 @@ protected:
 /// One dictation through all its phases.
 TEST_F(OverlayViewTest, shows_what_the_controller_publishes) {
     EXPECT_EQ(texts(), Texts({"Bereit", "Bereit"}));
-    EXPECT_EQ(height(), OverlayMetrics::compactHeight);
 
     world.press();
     EXPECT_EQ(texts(), Texts({"Aufnehmen", "Sprechen Sie – Taste loslassen zum Beenden", "Mail", "0:00"}));
@@ -52,7 +49,6 @@ TEST_F(OverlayViewTest, shows_what_the_controller_publishes) {
     const auto& style = world.controller.effectiveStyle().get();
     EXPECT_EQ(texts(), Texts({"Aufnehmen", std::string(displayName(style.style)) + " · " + style.reason, "Mail", "1:01", "<b>Hallo</b>"}));
     EXPECT_EQ(view.findChildren<QLabel*>().last()->textFormat(), Qt::PlainText);
-    EXPECT_EQ(height(), OverlayMetrics::expandedHeight);
 
     world.wait(seconds(240));
     EXPECT_EQ(texts()[1], "Langes Diktat – Taste loslassen zum Beenden");
@@ -67,13 +63,6 @@ TEST_F(OverlayViewTest, shows_what_the_controller_publishes) {
     EXPECT_EQ(texts(), Texts({"Bereit", "Bereit"})) << "text from before isn't shown at rest";
 }
 
-TEST_F(OverlayViewTest, an_error_is_read_to_its_end) {
-    world.access.microphone = AuthorizationStatus::denied;
-    world.press();
-    EXPECT_EQ(texts(), Texts({"Mikrofon-Zugriff fehlt", "Bitte erneut versuchen"}));
-    EXPECT_EQ(view.findChildren<QLabel*>().first()->palette().color(QPalette::WindowText), Brand::warning);
-}
-
 TEST_F(OverlayViewTest, what_is_unknown_or_switched_off_is_left_out) {
     world.settings.contextAwareStyle.set(false);
     world.settings.showLevelMeter.set(false);
@@ -84,25 +73,11 @@ TEST_F(OverlayViewTest, what_is_unknown_or_switched_off_is_left_out) {
     EXPECT_TRUE(hasLevelMeter()) << "at once, in mid-recording";
 }
 
-/// A screen reader is told the level in words; the bar is never quite empty.
-TEST_F(OverlayViewTest, the_level_can_be_heard_and_seen) {
-    auto* bar = meter();
-    auto* accessible = QAccessible::queryAccessibleInterface(bar);
+TEST_F(OverlayViewTest, a_screen_reader_gets_the_level_in_words) {
+    auto* accessible = QAccessible::queryAccessibleInterface(meter());
     ASSERT_NE(accessible, nullptr);
-    EXPECT_EQ(accessible->text(QAccessible::Name), QStringLiteral("Eingangspegel"));
-    bar->setLevel(0.429);
-    EXPECT_EQ(accessible->text(QAccessible::Value), QStringLiteral("42 Prozent"));
-
-    for (const auto& [level, width] : {std::pair{0.0, 2}, std::pair{0.5, 23}, std::pair{1.7, 46}}) {
-        bar->setLevel(level);
-        const auto image = bar->grab().toImage();
-        int red = 0;
-        for (int x = 0; x < image.width(); ++x) {
-            const auto color = image.pixelColor(x, image.height() / 2);
-            if (color.red() - color.green() > 60) ++red;
-        }
-        EXPECT_NEAR(red, width, 1) << level;
-    }
+    meter()->setLevel(0.429);
+    EXPECT_EQ(accessible->text(QAccessible::Name) + accessible->text(QAccessible::Value), QStringLiteral("Eingangspegel42 Prozent"));
 }
 
 /// Every change of the desktop's appearance shows at once, while the overlay is up.
