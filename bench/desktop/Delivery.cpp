@@ -51,7 +51,7 @@ void runDelivery(Report& report) {
     WatchedPasteKey pasteKey(loop);
     HotkeyManager hotkey(loop, holdKey, eyes.permissions, HotkeyConfig(), "");
     ClipboardInserter inserter(
-        {runtime, eyes.permissions, eyes.detector, eyes.workspace, clipboard, pasteKey});
+        {runtime, eyes.permissions, eyes.accessibility, eyes.workspace, clipboard, pasteKey});
     FakeSurroundings with(runtime, folder.path(), TextWork::real);
     with.services.script.delay = Duration::zero();
     with.services.script.result = "Frau Meier Komma geboren am dritten März Punkt";

@@ -74,7 +74,7 @@ Program::Dictation::Dictation(Program& app) :
     watcher(app.machine_.runtime(), app.permissions_, app.machine_.accessibility),
     inserter({.runtime = app.machine_.runtime(),
               .permissions = app.permissions_,
-              .contextDetector = contextDetector,
+              .accessibility = app.machine_.accessibility,
               .workspace = app.machine_.workspace,
               .clipboard = app.machine_.clipboard,
               .pasteKey = app.machine_.pasteKey}),

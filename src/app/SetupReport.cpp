@@ -52,13 +52,10 @@ SetupFinding hotkey(Machine& machine, const std::string& name) {
 
 SetupFinding fields(Machine& machine) {
     const bool canLook = machine.accessibility.isAvailable();
-    return {
-        .name = "Bedienungshilfen",
-        .state =
-            canLook
-                ? "Felder anderer Programme können gelesen werden."
-                : "Der Bedienungshilfen-Bus fehlt (Paket at-spi2-core): Passwortfelder würden nicht erkannt.",
-        .isFine = canLook};
+    return {.name = "Tastatur und Eingabefelder",
+            .state = canLook ? "Felder anderer Programme können gelesen werden."
+                             : "Es fehlt das Paket at-spi2-core: Passwortfelder würden nicht erkannt.",
+            .isFine = canLook};
 }
 
 SetupFinding laws(LegalCorpus& corpus) {

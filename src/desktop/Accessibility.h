@@ -3,58 +3,83 @@
 #include <cstdint>
 #include <expected>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 
 namespace querlin {
 
-class AccessibilityElement;
-using ElementPointer = std::shared_ptr<AccessibilityElement>;
+/// What sort of element has the keyboard focus. `other` is whatever takes no text.
+enum class FieldRole : std::uint8_t { other, textField, textArea, comboBox, terminal };
 
-/// The attributes that are read of an element, and the roles that mean something to us. Whoever stands behind
-/// the port translates its own words into these.
-namespace AX {
-constexpr std::string_view focusedElement = "AXFocusedUIElement";   ///< an element; of a root
-constexpr std::string_view role = "AXRole";                         ///< a string
-constexpr std::string_view subrole = "AXSubrole";                   ///< a string
-constexpr std::string_view value = "AXValue";                       ///< a string: the whole text of a field
-constexpr std::string_view characterCount = "AXNumberOfCharacters"; ///< an integer
+/// For the log, in German: "Textbereich".
+std::string_view name(FieldRole role);
 
-constexpr std::string_view textArea = "AXTextArea";
-constexpr std::string_view textField = "AXTextField";
-constexpr std::string_view comboBox = "AXComboBox";
-constexpr std::string_view secureTextField = "AXSecureTextField"; ///< a subrole
-constexpr std::string_view searchField = "AXSearchField";         ///< a subrole
-constexpr std::string_view terminal = "AXTerminal"; ///< a subrole: its keys are those of a terminal
-} // namespace AX
-
-/// Why an attribute can't be had, as the log shows it: the negative number of a system error, such as
-/// -ETIMEDOUT for an application that doesn't answer, -ENOENT for what isn't there.
-using AccessibilityError = int;
-
-using AccessibilityValue = std::variant<std::string, std::int64_t, ElementPointer>;
-
-/// Something in another application's window, or a root where looking begins. Only read, never changed. A
-/// value of a password field is never asked for. Main thread; a call waits for the application, but each for
-/// a short while only, and one that has just kept us waiting in vain isn't waited for again at once.
-class AccessibilityElement {
-public:
-    virtual ~AccessibilityElement() = default;
-    virtual std::expected<AccessibilityValue, AccessibilityError> attribute(std::string_view name) = 0;
-    /// The text of a stretch, in characters as the application counts them.
-    virtual std::expected<std::string, AccessibilityError> stringForRange(std::int64_t location,
-                                                                          std::int64_t length) = 0;
+/// Why something of a field can't be had.
+enum class FieldFault : std::uint8_t {
+    notAsked,
+    unavailable, ///< there is no way to look into applications at the moment
+    noField,     ///< no element has the focus, or none that is known
+    noAnswer,    ///< the application didn't answer in time
+    gone,        ///< the element is no more
+    password,    ///< nobody's business
+    noText,      ///< the element has none
+    tooLong,
+    outOfRange
 };
 
-/// Looks into other applications.
+/// For the log, in German.
+std::string_view description(FieldFault fault);
+
+/// A stretch of a text, in characters as the application counts them.
+struct TextRange {
+    std::int64_t start = 0;
+    std::int64_t length = 0;
+
+    bool operator==(const TextRange&) const = default;
+};
+
+/// What a field was at one moment.
+struct FieldRecord {
+    FieldRole role = FieldRole::other;
+    bool isPassword = false;
+    bool isSearch = false;
+    bool hasSeveralLines = false;
+    /// Of the application that shows it; 0 if that isn't known.
+    std::int32_t processIdentifier = 0;
+
+    // The contents; of a password field they are never asked for.
+    std::expected<std::string, FieldFault> text = std::unexpected(FieldFault::notAsked);
+    /// In characters as the application counts them. May be known where the text isn't.
+    std::optional<std::int64_t> length = std::nullopt;
+    /// Empty at the cursor where nothing is selected.
+    std::optional<TextRange> selection = std::nullopt;
+
+    bool operator==(const FieldRecord&) const = default;
+};
+
+/// How much of a field is looked at.
+enum class FieldLook : std::uint8_t { kind, contents };
+
+/// An element of another application, which may change or go at any time. Only read, never changed. Main
+/// thread; a look waits for the application, but for a short while only, and one that has just kept us
+/// waiting in vain isn't waited for again at once.
+class Field {
+public:
+    virtual ~Field() = default;
+    /// All of it in one look. Fails only where not even the kind can be had.
+    virtual std::expected<FieldRecord, FieldFault> look(FieldLook depth) = 0;
+    /// A stretch of the text, which ends with the text itself at the latest.
+    virtual std::expected<std::string, FieldFault> text(TextRange range) = 0;
+};
+using FieldPointer = std::shared_ptr<Field>;
+
+/// Looks into other applications. Main thread.
 class Accessibility {
 public:
     virtual ~Accessibility() = default;
-    /// The root of the whole desktop. Never null.
-    virtual ElementPointer systemWide() = 0;
-    /// The root of one application. Never null.
-    virtual ElementPointer application(std::int32_t processIdentifier) = 0;
+    /// The element with the keyboard focus, of the application in front; never null.
+    virtual std::expected<FieldPointer, FieldFault> focusedField() = 0;
 };
 
 } // namespace querlin

@@ -18,7 +18,7 @@ constexpr Duration restoreDelay = std::chrono::milliseconds(550);
 constexpr Duration longestReading = std::chrono::seconds(2);
 constexpr Duration betweenLooks = std::chrono::milliseconds(10);
 
-/// Terminals that can't be told by their elements, for they show none.
+/// Terminals that show nothing of themselves to the accessibility bus.
 constexpr std::array<std::string_view, 6> hiddenTerminals = {
     "Alacritty", "kitty", "foot", "org.wezfurlong.wezterm", "com.mitchellh.ghostty", "konsole"};
 
@@ -34,17 +34,14 @@ void ClipboardInserter::placeOnClipboard(std::string_view text) {
 }
 
 ClipboardInserter::Target ClipboardInserter::look() {
-    const auto front = parts_.workspace.frontmostApplication();
     Target target;
-    target.element =
-        parts_.contextDetector.focusedElement(front ? std::optional(front->processIdentifier) : std::nullopt);
-    if (target.element) {
-        target.value = ContextDetector::stringValue(*target.element, AX::value);
-        if (ContextDetector::stringValue(*target.element, AX::subrole) == AX::terminal)
-            target.shortcut = PasteShortcut::terminal;
-    } else if (isHiddenTerminal(front)) {
-        target.shortcut = PasteShortcut::terminal;
-    }
+    auto field = parts_.accessibility.focusedField();
+    const auto record = field ? (*field)->look(FieldLook::contents) : std::unexpected(field.error());
+    const bool isTerminal = record ? record->role == FieldRole::terminal
+                                   : isHiddenTerminal(parts_.workspace.frontmostApplication());
+    if (isTerminal) target.shortcut = PasteShortcut::terminal;
+    if (record && record->text) target.text = *record->text;
+    if (field) target.field = std::move(*field);
     return target;
 }
 
@@ -84,10 +81,10 @@ Task<std::expected<TextInserter::Outcome, InsertError>> ClipboardInserter::inser
 }
 
 TextInserter::Outcome ClipboardInserter::compare(const Target& target) {
-    if (!target.element || !target.value) return Outcome::unconfirmed;
-    const auto value = ContextDetector::stringValue(*target.element, AX::value);
-    if (!value) return Outcome::unconfirmed;
-    return canonicallyEqual(*value, *target.value) ? Outcome::notInserted : Outcome::inserted;
+    if (!target.field || !target.text) return Outcome::unconfirmed;
+    const auto now = target.field->look(FieldLook::contents);
+    if (!now || !now->text) return Outcome::unconfirmed;
+    return canonicallyEqual(*now->text, *target.text) ? Outcome::notInserted : Outcome::inserted;
 }
 
 /// A slow program would else be given the user's own clipboard in place of the text.

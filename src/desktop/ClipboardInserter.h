@@ -1,9 +1,11 @@
 #pragma once
 
+#include "desktop/Accessibility.h"
 #include "desktop/Clipboard.h"
-#include "desktop/ContextDetector.h"
 #include "desktop/PasteKey.h"
+#include "desktop/Permissions.h"
 #include "desktop/TextInserter.h"
+#include "desktop/Workspace.h"
 #include "foundation/Runtime.h"
 
 namespace querlin {
@@ -12,7 +14,7 @@ namespace querlin {
 struct ClipboardInserterParts {
     Runtime runtime;
     PermissionsManager& permissions;
-    ContextDetector& contextDetector;
+    Accessibility& accessibility;
     Workspace& workspace;
     Clipboard& clipboard;
     PasteKey& pasteKey;
@@ -34,8 +36,8 @@ public:
 private:
     /// The field at the cursor, and its text before the paste.
     struct Target {
-        ElementPointer element;
-        std::optional<std::string> value;
+        FieldPointer field;
+        std::optional<std::string> text;
         PasteShortcut shortcut = PasteShortcut::standard;
     };
 

@@ -10,24 +10,20 @@ namespace {
 
 using FieldKind = DictationContext::FieldKind;
 
-ElementPointer copyFocusedElement(AccessibilityElement& root) {
-    auto value = root.attribute(AX::focusedElement);
-    if (!value) {
-        DiagnosticsLog::trace("context", fmt::format("AXFocusedUIElement: Fehler {}", value.error()));
-        return nullptr;
+/// Password and search fields are that whatever their role.
+FieldKind classify(const FieldRecord& field) {
+    if (field.isPassword) return FieldKind::secure;
+    if (field.isSearch) return FieldKind::search;
+    switch (field.role) {
+    case FieldRole::textArea:
+    case FieldRole::terminal:
+        return FieldKind::multiLine;
+    case FieldRole::textField:
+    case FieldRole::comboBox:
+        return FieldKind::singleLine;
+    case FieldRole::other:
+        break;
     }
-    auto* element = std::get_if<ElementPointer>(&*value);
-    return element ? std::move(*element) : nullptr;
-}
-
-/// A subrole goes before a role.
-FieldKind classify(AccessibilityElement& element) {
-    const auto role = ContextDetector::stringValue(element, AX::role).value_or("");
-    const auto subrole = ContextDetector::stringValue(element, AX::subrole).value_or("");
-    if (subrole == AX::secureTextField) return FieldKind::secure;
-    if (subrole == AX::searchField) return FieldKind::search;
-    if (role == AX::textArea) return FieldKind::multiLine;
-    if (role == AX::textField || role == AX::comboBox) return FieldKind::singleLine;
     return FieldKind::unknown;
 }
 
@@ -35,32 +31,26 @@ FieldKind classify(AccessibilityElement& element) {
 
 DictationContext ContextDetector::capture() {
     DictationContext context;
-    std::optional<std::int32_t> process;
     if (auto front = workspace_.frontmostApplication()) {
         if (front->localizedName) context.appName = std::move(*front->localizedName);
         context.applicationId = std::move(front->applicationId);
-        process = front->processIdentifier;
     }
     if (!permissions_.isAccessibilityTrusted()) {
-        DiagnosticsLog::trace("context", "keine Bedienungshilfen – nur App-Name");
+        DiagnosticsLog::trace("context", "Eingabefelder nicht zugänglich – nur App-Name");
         return context;
     }
-    if (const auto element = focusedElement(process)) context.field = classify(*element);
+    context.field = kindOfFocusedField();
     DiagnosticsLog::trace("context", context.summary());
     return context;
 }
 
-ElementPointer ContextDetector::focusedElement(std::optional<std::int32_t> processIdentifier) {
-    if (auto element = copyFocusedElement(*accessibility_.systemWide())) return element;
-    if (!processIdentifier) return nullptr;
-    return copyFocusedElement(*accessibility_.application(*processIdentifier));
-}
-
-std::optional<std::string> ContextDetector::stringValue(AccessibilityElement& element,
-                                                        std::string_view attribute) {
-    auto value = element.attribute(attribute);
-    auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
-    return text ? std::optional(std::move(*text)) : std::nullopt;
+FieldKind ContextDetector::kindOfFocusedField() {
+    const auto field = accessibility_.focusedField();
+    const auto record = field ? (*field)->look(FieldLook::kind) : std::unexpected(field.error());
+    if (record) return classify(*record);
+    DiagnosticsLog::trace("context",
+                          fmt::format("Feld mit der Eingabemarke: {}", description(record.error())));
+    return FieldKind::unknown;
 }
 
 } // namespace querlin

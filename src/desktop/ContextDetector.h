@@ -5,11 +5,6 @@
 #include "desktop/Permissions.h"
 #include "desktop/Workspace.h"
 
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
-
 namespace querlin {
 
 /// Looks at where a dictation will land. Only looks; what can't be found out is unknown. Main thread.
@@ -20,14 +15,10 @@ public:
 
     /// The context of this moment, at once: an application that doesn't answer has an unknown field.
     DictationContext capture();
-    /// The element with the keyboard focus; null if there is none to be found. `processIdentifier` is the
-    /// application to ask where the desktop as a whole doesn't know.
-    ElementPointer focusedElement(std::optional<std::int32_t> processIdentifier);
-
-    /// Nothing if the attribute is missing, fails or is no string.
-    static std::optional<std::string> stringValue(AccessibilityElement& element, std::string_view attribute);
 
 private:
+    DictationContext::FieldKind kindOfFocusedField();
+
     PermissionsManager& permissions_;
     Accessibility& accessibility_;
     Workspace& workspace_;

@@ -1,6 +1,5 @@
 #include "desktop/CorrectionWatcher.h"
 
-#include "desktop/ContextDetector.h"
 #include "foundation/Characters.h"
 #include "foundation/Graphemes.h"
 #include "foundation/TextCase.h"
@@ -30,22 +29,23 @@ std::string compared(std::string_view word) { return nfc(lowercase(word)); }
 void CorrectionWatcher::watch(std::string_view insertedText, std::string_view appName) {
     stop();
     if (!permissions_.isAccessibilityTrusted()) {
-        note("Keine Bedienungshilfen-Freigabe – keine Beobachtung.");
+        note("Eingabefelder nicht zugänglich – keine Beobachtung.");
         return;
     }
     if (splitAtWhitespace(insertedText).size() < fewestWords) return;
-    auto element = findElement();
-    if (!element) {
+    auto field = accessibility_.focusedField();
+    if (!field) {
         note("Kein fokussiertes Feld gefunden – keine Beobachtung.");
         return;
     }
-    auto text = stringValue(*element);
+    const auto record = (*field)->look(FieldLook::contents);
+    auto text = record ? textOf(**field, *record) : std::nullopt;
     if (!text) {
         note(fmt::format("Feldinhalt in {} nicht lesbar (Rolle {}) – keine Beobachtung.", appName,
-                         ContextDetector::stringValue(*element, AX::role).value_or("unbekannt")));
+                         name(record ? record->role : FieldRole::other)));
         return;
     }
-    element_ = std::move(element);
+    field_ = std::move(*field);
     insertedText_ = insertedText;
     baseline_ = std::move(*text);
     appName_ = appName;
@@ -57,39 +57,31 @@ void CorrectionWatcher::watch(std::string_view insertedText, std::string_view ap
 
 void CorrectionWatcher::stop() {
     timer_.reset();
-    element_.reset();
+    field_.reset();
     insertedText_.clear();
     baseline_.clear();
     pending_.reset();
 }
 
-ElementPointer CorrectionWatcher::findElement() {
-    auto value = accessibility_.systemWide()->attribute(AX::focusedElement);
-    auto* element = value ? std::get_if<ElementPointer>(&*value) : nullptr;
-    return element ? std::move(*element) : nullptr;
-}
-
-std::optional<std::string> CorrectionWatcher::stringValue(AccessibilityElement& element) {
-    auto text = ContextDetector::stringValue(element, AX::value);
-    if (!text) text = stringByRange(element);
+std::optional<std::string> CorrectionWatcher::textOf(Field& field, const FieldRecord& record) {
+    auto text = record.text ? std::optional(*record.text) : textByRange(field, record);
     if (!text || graphemeCount(*text) > mostCharacters) return std::nullopt;
     return text;
 }
 
-std::optional<std::string> CorrectionWatcher::stringByRange(AccessibilityElement& element) {
-    const auto value = element.attribute(AX::characterCount);
-    const auto* count = value ? std::get_if<std::int64_t>(&*value) : nullptr;
-    if (!count || *count < 1 || *count > mostCharactersByRange) return std::nullopt;
-    auto text = element.stringForRange(0, *count);
+std::optional<std::string> CorrectionWatcher::textByRange(Field& field, const FieldRecord& record) {
+    if (!record.length || *record.length < 1 || *record.length > mostCharactersByRange) return std::nullopt;
+    auto text = field.text({0, *record.length});
     return text ? std::optional(std::move(*text)) : std::nullopt;
 }
 
 void CorrectionWatcher::tick() {
-    if (!element_ || runtime_.clock.instant() >= deadline_) {
+    if (!field_ || runtime_.clock.instant() >= deadline_) {
         stop();
         return;
     }
-    if (const auto text = stringValue(*element_)) {
+    const auto record = field_->look(FieldLook::contents);
+    if (const auto text = record ? textOf(*field_, *record) : std::nullopt) {
         look(*text);
     } else {
         stop();
@@ -110,14 +102,14 @@ void CorrectionWatcher::look(const std::string& text) {
     const auto key = correction->recognized() + "→" + correction->corrected;
     if (alreadyReported_.contains(key)) return;
     if (const auto reason = objection(*correction)) {
-        trace(fmt::format("{} verworfen: {}", key, *reason));
+        trace(fmt::format("Korrektur verworfen: {}", *reason));
         pending_.reset();
     } else if (pending_ == correction) {
         pending_.reset();
         propose(*correction, key);
     } else {
         pending_ = correction;
-        trace(key + " vorgemerkt, warte auf Bestätigung.");
+        trace("Korrektur vorgemerkt, warte auf Bestätigung.");
     }
 }
 
@@ -132,7 +124,7 @@ std::optional<std::string> CorrectionWatcher::objection(const Correction& correc
 
 void CorrectionWatcher::propose(const Correction& correction, const std::string& key) {
     alreadyReported_.insert(key);
-    note("Korrektur erkannt: " + key);
+    note("Korrektur erkannt.");
     if (onSuggestion_) onSuggestion_({newUuid(), correction.recognized(), correction.corrected, appName_});
 }
 

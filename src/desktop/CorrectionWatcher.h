@@ -14,7 +14,7 @@
 
 namespace querlin {
 
-/// A word that the user has put right in the target field, proposed for the dictionary.
+/// A word that the user has corrected in the target field, proposed for the dictionary.
 struct CorrectionSuggestion {
     /// A new UUID.
     std::string id;
@@ -25,8 +25,9 @@ struct CorrectionSuggestion {
     bool operator==(const CorrectionSuggestion&) const = default;
 };
 
-/// Looks at a field for a while after an insertion, and proposes a word that the user puts right there. A
-/// change counts once it has been seen at two looks in a row. Main thread.
+/// Looks at a field for a while after an insertion, and proposes a word that the user corrects there. A
+/// change counts once it has been seen at two looks in a row. What it reads never gets into the log. Main
+/// thread.
 class CorrectionWatcher {
 public:
     static constexpr Duration window = std::chrono::seconds(25);
@@ -45,12 +46,11 @@ public:
     void stop();
 
     /// The text of a field of at most 4000 characters; nothing of a larger one.
-    static std::optional<std::string> stringValue(AccessibilityElement& element);
+    static std::optional<std::string> textOf(Field& field, const FieldRecord& record);
     /// The second way to a field's text, by its length, which must be from 1 to 20000.
-    static std::optional<std::string> stringByRange(AccessibilityElement& element);
+    static std::optional<std::string> textByRange(Field& field, const FieldRecord& record);
 
 private:
-    ElementPointer findElement();
     void tick();
     void look(const std::string& text);
     void propose(const Correction& correction, const std::string& key);
@@ -63,7 +63,7 @@ private:
 
     std::optional<RepeatingTimer> timer_;
     Instant deadline_;
-    ElementPointer element_;
+    FieldPointer field_;
     std::string insertedText_;
     std::string baseline_;
     std::string appName_;

@@ -5,7 +5,7 @@ namespace querlin {
 std::string_view description(InsertError error) {
     switch (error) {
     case InsertError::noAccessibilityPermission:
-        return "Ohne Bedienungshilfen-Berechtigung kann nicht eingefügt werden.";
+        return "Ohne Zugang zu Tastatur und Eingabefeldern kann nicht eingefügt werden.";
     }
     return {};
 }

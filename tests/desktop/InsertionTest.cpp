@@ -25,8 +25,7 @@ struct InsertionTest : testing::Test {
     FakeClipboard clipboard{time};
     FakePasteKey key;
     PermissionsManager permissions{time, access};
-    ContextDetector detector{permissions, desktop, desktop};
-    ClipboardInserter inserter{{time.runtime(), permissions, detector, desktop, clipboard, key}};
+    ClipboardInserter inserter{{time.runtime(), permissions, desktop, desktop, clipboard, key}};
     TaskGroup tasks;
     std::optional<std::expected<Outcome, InsertError>> outcome;
     Registration target_;
@@ -41,7 +40,7 @@ struct InsertionTest : testing::Test {
             target_ = time.after(delay, [this] {
                 pasted = clipboard.text();
                 if (clipboard.offer->current) ++clipboard.offer->reads;
-                if (desktop.field->attributes.contains("AXValue")) desktop.setText(pasted);
+                if (desktop.field->record.text) desktop.setText(pasted);
             });
         };
     }
@@ -73,17 +72,17 @@ TEST_F(InsertionTest, GivesTheClipboardBackUnlessTheTextIsStillNeededThere) {
         {[](auto& t) { t.clipboard.contents = {}; }, Outcome::inserted, {}, "nothing was there"},
         {[](auto& t) { t.key.onPress = [] {}; }, Outcome::notInserted, dictated, "the field is as it was"},
         {[](auto& t) { t.key.works = false; }, Outcome::notInserted, dictated, "no key could be pressed"},
-        {[](auto& t) { t.desktop.focusOn(nullptr); }, Outcome::unconfirmed, copied, "no field known"},
+        {[](auto& t) { t.desktop.isFieldKnown = false; }, Outcome::unconfirmed, copied, "no field known"},
         {[](auto& t) { t.desktop.focus(FieldKind::secure); }, Outcome::unconfirmed, copied, "a field without a readable text"},
         {[](auto& t) {
              t.key.onPress = [&t] {
-                 t.desktop.field->attributes.erase("AXValue");
+                 t.desktop.field->fault = FieldFault::noAnswer;
                  t.clipboard.offer->reads = 1;
              };
          },
          Outcome::unconfirmed, copied, "it has become unreadable"},
         {[](auto& t) {
-             t.desktop.focusOn(nullptr);
+             t.desktop.isFieldKnown = false;
              t.key.onPress = [] {};
          },
          Outcome::notInserted, dictated, "no field known, and nobody has asked for the text"},
@@ -126,7 +125,7 @@ TEST_F(InsertionTest, KeepsItsTimes) {
 }
 
 TEST_F(InsertionTest, WaitsForASlowReaderButNotForever) {
-    desktop.focusOn(nullptr); // so that nobody knows of the text's arrival
+    desktop.isFieldKnown = false; // so that nobody knows of the text's arrival
     for (const double late : {0.01, 0.05, 0.15, 0.4, 1.0, 1.9}) {
         clipboard.contents = copied;
         targetReadsAfter(seconds(late));
@@ -163,9 +162,9 @@ TEST_F(InsertionTest, RespectsWhatTheUserCopiesMeanwhile) {
 }
 
 TEST_F(InsertionTest, TakesTheShortcutOfTheProgram) {
-    desktop.field->attributes["AXSubrole"] = std::string(AX::terminal);
+    desktop.field->record.role = FieldRole::terminal;
     insert("ls");
-    desktop.focusOn(nullptr);
+    desktop.isFieldKnown = false;
     insert("ls");
     desktop.front->applicationId = "kitty";
     insert("ls");

@@ -305,7 +305,7 @@ TEST(Controller, InsertsLawTextsWhateverElseGoesOn) {
 
     w.inserter.next = std::unexpected(InsertError::noAccessibilityPermission);
     w.controller.insertLegalText("§ 1816");
-    EXPECT_EQ(w.errorText(), "Ohne Bedienungshilfen-Berechtigung kann nicht eingefügt werden.");
+    EXPECT_EQ(w.errorText(), "Ohne Zugang zu Tastatur und Eingabefeldern kann nicht eingefügt werden.");
     w.wait(seconds(3));
     w.inserter.next = TextInserter::Outcome::notInserted;
     w.controller.insertLegalText("§ 1817");

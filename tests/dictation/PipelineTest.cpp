@@ -185,12 +185,12 @@ TEST(Pipeline, EveryFailureTreatsWordsAndAudioAsItShould) {
          {failure},
          {},
          {"Wort"},
-         "[rescue] Ohne Bedienungshilfen-Berechtigung kann nicht eingefügt werden – 1 Wörter gerettet → "
+         "[rescue] Ohne Zugang zu Tastatur und Eingabefeldern kann nicht eingefügt werden – 1 Wörter gerettet → "
          "Diktat 2026-03-14 09-30-02.txt",
          "insertion refused"},
         {throwing,
          "streiche das",
-         DictationPhase::error("Ohne Bedienungshilfen-Berechtigung kann nicht eingefügt werden."),
+         DictationPhase::error("Ohne Zugang zu Tastatur und Eingabefeldern kann nicht eingefügt werden."),
          {failure},
          {},
          {},

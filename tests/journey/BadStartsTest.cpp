@@ -13,10 +13,10 @@ namespace {
 
 constexpr auto sentence = "mit freundlichen Grüßen";
 constexpr auto written = "Mit freundlichen Grüßen.";
-constexpr auto inTheEditor = "AXTextArea - Mit freundlichen Grüßen.";
+constexpr auto inTheEditor = "Textbereich: Mit freundlichen Grüßen.";
 
 struct BadStarts : Journey {
-    std::unique_ptr<Program> openEditor() { return open({"mousepad", "--disable-server"}, "AXTextArea - "); }
+    std::unique_ptr<Program> openEditor() { return open({"mousepad", "--disable-server"}, "Textbereich: "); }
     bool isRecordingAfterAPress() {
         press();
         if (eventually([&] { return !querlin.recordings().empty(); }, std::chrono::milliseconds(300))) return true;
@@ -80,9 +80,9 @@ TEST_F(BadStarts, WithoutATray) {
     const auto editor = openEditor();
     dictate("das Amtsgericht hat den Antrag auf Betreuung genehmigt");
     const std::string text = "Das Amtsgericht hat den Antrag auf Betreuung genehmigt.";
-    expectDelivered("AXTextArea - " + text, text);
+    expectDelivered("Textbereich: " + text, text);
     EXPECT_TRUE(eventually([&] { return words().contains("Aufnahme starten"); })) << words();
-    EXPECT_TRUE(becomes("AXTextArea - " + text)) << "it doesn't take the keyboard";
+    EXPECT_TRUE(becomes("Textbereich: " + text)) << "it doesn't take the keyboard";
 }
 
 /// No file can be written, not even the log; then somebody makes room.

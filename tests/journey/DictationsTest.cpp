@@ -14,10 +14,10 @@ struct Dictations : Journey {};
 
 TEST_F(Dictations, ALetterIntoAnEditorOfGtk) {
     startQuerlin();
-    const auto editor = open({"mousepad", "--disable-server"}, "AXTextArea - ");
+    const auto editor = open({"mousepad", "--disable-server"}, "Textbereich: ");
     dictate("sehr geehrte Frau Müller Komma neuer Absatz der Antrag wurde am Montag bewilligt Punkt neuer Absatz mit freundlichen Grüßen");
     const std::string letter = "Sehr geehrte Frau Müller,\n\nDer Antrag wurde am Montag bewilligt.\n\nMit freundlichen Grüßen.";
-    expectDelivered("AXTextArea - " + letter, letter);
+    expectDelivered("Textbereich: " + letter, letter);
 }
 
 /// A word of the user's own, a text block of his, a file number, a date and a citation.
@@ -29,27 +29,27 @@ TEST_F(Dictations, ANoteForTheFileIntoAnEditorOfQt) {
         settings.textBlocks.set({{"Aktenzeichen", "Aktenzeichen XVII 412 25 vom 3. März 2026."}});
     });
     startQuerlin();
-    const auto editor = open({"featherpad", "--standalone"}, "AXTextArea - ");
+    const auto editor = open({"featherpad", "--standalone"}, "Textbereich: ");
     dictate("Vermerk Doppelpunkt Textbaustein Aktenzeichen Punkt auf Paragraph achtzehn hundert vierzehn Absatz zwei B G B wird verwiesen "
             "Punkt");
     const std::string note = "Vermerk: Aktenzeichen XVII 412/25 vom 03.03.2026. Auf § 1814 Abs. 2 BGB wird verwiesen.";
-    expectDelivered("AXTextArea - " + note, note);
+    expectDelivered("Textbereich: " + note, note);
 }
 
 TEST_F(Dictations, OneLineIntoAFieldToSearchBy) {
     if (!isInstalled("firefox-esr")) GTEST_SKIP() << "Firefox isn't installed.";
     startQuerlin();
-    const auto browser = open(firefoxWith(folder.path(), "<input autofocus><input type=search>"), "AXTextField - ");
+    const auto browser = open(firefoxWith(folder.path(), "<input autofocus><input type=search>"), "Textfeld: ");
     shell("xdotool key Tab");
-    ASSERT_TRUE(comesToShow("AXTextField AXSearchField "));
+    ASSERT_TRUE(comesToShow("Textfeld (Suche): "));
     dictate("der Antrag auf Grundsicherung wurde abgelehnt neue Zeile");
     const std::string words = "der Antrag auf Grundsicherung wurde abgelehnt";
-    expectDelivered("AXTextField AXSearchField " + words, words);
+    expectDelivered("Textfeld (Suche): " + words, words);
 }
 
 TEST_F(Dictations, NothingIntoAPasswordField) {
     startQuerlin();
-    const auto dialog = open({"zenity", "--password"}, "AXTextField AXSecureTextField -");
+    const auto dialog = open({"zenity", "--password"}, "Textfeld (Passwort): -");
     ASSERT_TRUE(beginRecording());
     EXPECT_TRUE(eventually([&] { return words().contains("Passwortfeld – hier wird nicht eingefügt"); })) << words();
     EXPECT_TRUE(querlin.recordings().empty()) << "the microphone stays closed";
@@ -74,42 +74,42 @@ TEST_F(Dictations, TheWordingOfALaw) {
     shell(fmt::format("{} make '{}' '{}' '{}'", QUERLIN_LAWCORPUS, (folder / "manifest.json").string(), querlin.paths().laws().string(),
                       (folder / "archiv").string()));
     startQuerlin();
-    const auto editor = open({"mousepad", "--disable-server"}, "AXTextArea - ");
+    const auto editor = open({"mousepad", "--disable-server"}, "Textbereich: ");
     dictate("füge Paragraph eins B G B, ein neuer Absatz mit freundlichen Grüßen");
     const std::string law = "§ 1 BGB – Grundsatz\n(1) Muster sind zu hegen. Sehr.\n\n(2) Sie wach\nsen\nnicht von selbst.\n\n"
                             "(2a) Auch hier nicht.\n\n(3) Siehe § 2 Abs. 1.\n\nMit freundlichen Grüßen.";
-    expectDelivered("AXTextArea - " + law, law);
+    expectDelivered("Textbereich: " + law, law);
 }
 
 TEST_F(Dictations, OneThatIsTakenBack) {
     startQuerlin();
-    const auto editor = open({"mousepad", "--disable-server"}, "AXTextArea - ");
+    const auto editor = open({"mousepad", "--disable-server"}, "Textbereich: ");
     dictate("die Rechnung liegt vor alles verwerfen");
     EXPECT_TRUE(querlin.says("[commands] Diktat auf Zuruf verworfen."));
     EXPECT_TRUE(overlayGoes());
-    EXPECT_TRUE(becomes("AXTextArea - "));
+    EXPECT_TRUE(becomes("Textbereich: "));
     expectNothingKept();
 }
 
 TEST_F(Dictations, TheKeyPressedAgainBeforeTheTextIsThereChangesNothing) {
     startQuerlin();
-    const auto editor = open({"mousepad", "--disable-server"}, "AXTextArea - ");
+    const auto editor = open({"mousepad", "--disable-server"}, "Textbereich: ");
     dictate("das Amtsgericht hat den Antrag auf Betreuung genehmigt");
     press();
     release();
     const std::string text = "Das Amtsgericht hat den Antrag auf Betreuung genehmigt.";
-    expectDelivered("AXTextArea - " + text, text);
+    expectDelivered("Textbereich: " + text, text);
     EXPECT_EQ(querlin.countOf("Hotkey GEDRÜCKT"), 2U);
 }
 
 TEST_F(Dictations, OneAfterTheOther) {
     startQuerlin();
-    const auto editor = open({"mousepad", "--disable-server"}, "AXTextArea - ");
+    const auto editor = open({"mousepad", "--disable-server"}, "Textbereich: ");
     std::string all;
     for (const std::size_t number : {1U, 2U, 3U}) {
         dictate("mit freundlichen Grüßen");
         all += "Mit freundlichen Grüßen.";
-        EXPECT_TRUE(becomes("AXTextArea - " + all));
+        EXPECT_TRUE(becomes("Textbereich: " + all));
         ASSERT_TRUE(eventually([&] { return querlin.countOf("[timing] Erkennung") == number; }));
         EXPECT_EQ(clipboard(), copiedBefore);
     }

@@ -17,23 +17,23 @@ struct Interruptions : Journey {
     /// An editor with the cursor in it, and the sentence said while the key is still down.
     std::unique_ptr<Program> editor;
     void sayInEditor() {
-        editor = open({"mousepad", "--disable-server"}, "AXTextArea - ");
+        editor = open({"mousepad", "--disable-server"}, "Textbereich: ");
         say(sentence);
     }
 };
 
 TEST_F(Interruptions, AFieldThatTakesNoText) {
     startQuerlin();
-    const auto fields = open({QUERLIN_QT_FIELDS}, "AXTextField - Zeile");
+    const auto fields = open({QUERLIN_QT_FIELDS}, "Textfeld: Zeile");
     for (const auto* field :
-         {"AXTextField AXSecureTextField -", "AXTextArea - erste\nzweite", "AXTextField - Auswahl", "AXUnknown - nur lesen"}) {
+         {"Textfeld (Passwort): -", "Textbereich: erste\nzweite", "Textfeld: Auswahl", "unbekannt: nur lesen"}) {
         shell("xdotool key Tab");
         ASSERT_TRUE(becomes(field));
     }
     dictate(sentence);
     expectRescued(written, "Der Text kam im Zielfeld nicht an");
     EXPECT_EQ(clipboard(), written);
-    EXPECT_TRUE(becomes("AXUnknown - nur lesen"));
+    EXPECT_TRUE(becomes("unbekannt: nur lesen"));
 }
 
 TEST_F(Interruptions, AScreenThatIsLocked) {
@@ -46,7 +46,7 @@ TEST_F(Interruptions, AScreenThatIsLocked) {
     expectRescued(written, "Der Bildschirm wurde gesperrt");
     EXPECT_EQ(clipboard(), written);
     release();
-    EXPECT_TRUE(becomes("AXTextArea - ")) << "nothing is written behind the lock";
+    EXPECT_TRUE(becomes("Textbereich: ")) << "nothing is written behind the lock";
 }
 
 TEST_F(Interruptions, AMachineThatGoesToSleep) {
@@ -67,7 +67,7 @@ TEST_F(Interruptions, AMicrophoneThatIsUnplugged) {
     EXPECT_TRUE(querlin.says("[audio] Nach dem Gerätewechsel kein Eingang: "));
     EXPECT_TRUE(querlin.says("[controller] Diktat unterbrochen: Nach dem Mikrofonwechsel kam kein Ton mehr an"));
     release();
-    expectDelivered(std::string("AXTextArea - ") + written, written);
+    expectDelivered(std::string("Textbereich: ") + written, written);
 }
 
 TEST_F(Interruptions, AProgramThatIsKilled) {
@@ -78,10 +78,10 @@ TEST_F(Interruptions, AProgramThatIsKilled) {
     EXPECT_FALSE(querlin.recordings().empty());
     startQuerlin();
     expectRescued(sentence, "Nach einem Absturz gefunden");
-    EXPECT_TRUE(becomes("AXTextArea - "));
+    EXPECT_TRUE(becomes("Textbereich: "));
     dictate("mit freundlichen Grüßen");
     EXPECT_TRUE(querlin.says("[timing] Erkennung"));
-    EXPECT_TRUE(becomes("AXTextArea - Mit freundlichen Grüßen.")) << "and goes on as if nothing had been";
+    EXPECT_TRUE(becomes("Textbereich: Mit freundlichen Grüßen.")) << "and goes on as if nothing had been";
 }
 
 TEST_F(Interruptions, AProgramThatIsToEnd) {
@@ -91,7 +91,7 @@ TEST_F(Interruptions, AProgramThatIsToEnd) {
     release();
     expectRescued(sentence, "Beim Beenden des Programms unterbrochen");
     EXPECT_TRUE(querlin.has("=== Ende ==="));
-    EXPECT_TRUE(becomes("AXTextArea - "));
+    EXPECT_TRUE(becomes("Textbereich: "));
 }
 
 } // namespace

@@ -12,7 +12,7 @@
 namespace querlin {
 
 /// The hold key of a fresh installation, by its place on the keyboard.
-inline constexpr int holdKey = 108;
+inline constexpr int holdKey = 105;
 
 /// One user's way through dictations: a program that takes text, the hold key, a voice. What is on the clipboard
 /// beforehand is looked for afterwards; the program must end as it should each time.

@@ -1,7 +1,5 @@
 #include "support/FakeDesktop.h"
 
-#include <cerrno>
-
 namespace querlin {
 
 // The hold key
@@ -18,32 +16,34 @@ void FakeHoldKey::send(HoldKeyEvent::Kind kind) {
     if (const auto handler = handler_) handler({kind, clock_.instant()});
 }
 
-// Elements
+// Fields
 
-std::expected<AccessibilityValue, AccessibilityError> FakeElement::attribute(std::string_view name) {
-    ++reads;
-    const auto found = attributes.find(name);
-    if (found == attributes.end()) return std::unexpected(-ENOENT);
-    return found->second;
+std::expected<FieldRecord, FieldFault> FakeField::look(FieldLook depth) {
+    ++looks;
+    if (fault) return std::unexpected(*fault);
+    auto seen = record;
+    if (depth == FieldLook::kind) seen.text = std::unexpected(FieldFault::notAsked);
+    return seen;
 }
 
-std::expected<std::string, AccessibilityError> FakeElement::stringForRange(std::int64_t, std::int64_t) {
-    if (!rangeText) return std::unexpected(-ENOENT);
-    return *rangeText;
-}
+std::expected<std::string, FieldFault> FakeField::text(TextRange) { return rangeText; }
 
-ElementPointer FakeDesktop::application(std::int32_t processIdentifier) {
-    return front && front->processIdentifier == processIdentifier ? ofApplication : std::make_shared<FakeElement>();
+std::expected<FieldPointer, FieldFault> FakeDesktop::focusedField() {
+    if (!isFieldKnown) return std::unexpected(FieldFault::noField);
+    return field;
 }
 
 void FakeDesktop::focus(DictationContext::FieldKind kind) {
     using enum DictationContext::FieldKind;
-    field = std::make_shared<FakeElement>();
-    if (kind != unknown) field->attributes["AXRole"] = std::string(kind == multiLine ? AX::textArea : AX::textField);
-    if (kind == secure) field->attributes["AXSubrole"] = std::string(AX::secureTextField);
-    if (kind == search) field->attributes["AXSubrole"] = std::string(AX::searchField);
-    if (kind != secure) setText("");
-    focusOn(field);
+    field = std::make_shared<FakeField>();
+    if (kind != unknown) field->record.role = kind == multiLine ? FieldRole::textArea : FieldRole::textField;
+    field->record.isPassword = kind == secure;
+    field->record.isSearch = kind == search;
+    if (kind == secure) {
+        field->record.text = std::unexpected(FieldFault::password);
+    } else {
+        setText("");
+    }
 }
 
 // Clipboard

@@ -11,7 +11,6 @@
 #include "foundation/Waiting.h"
 
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -57,15 +56,16 @@ public:
     std::vector<std::string> openedPanes;
 };
 
-/// An element that has what its map says. What it lacks fails with -ENOENT.
-class FakeElement final : public AccessibilityElement {
+/// A field that is what its record says; its text is handed out only where the contents are asked for.
+class FakeField final : public Field {
 public:
-    std::expected<AccessibilityValue, AccessibilityError> attribute(std::string_view name) override;
-    std::expected<std::string, AccessibilityError> stringForRange(std::int64_t location, std::int64_t length) override;
+    std::expected<FieldRecord, FieldFault> look(FieldLook depth) override;
+    std::expected<std::string, FieldFault> text(TextRange range) override;
 
-    std::map<std::string, AccessibilityValue, std::less<>> attributes;
-    std::optional<std::string> rangeText;
-    int reads = 0;
+    FieldRecord record;
+    std::optional<FieldFault> fault; ///< of every look
+    std::expected<std::string, FieldFault> rangeText = std::unexpected(FieldFault::noText);
+    int looks = 0;
 };
 
 /// An application in front, Mail, with one field that has the focus.
@@ -73,20 +73,16 @@ class FakeDesktop final : public Accessibility, public Workspace {
 public:
     FakeDesktop() { focus(DictationContext::FieldKind::multiLine); }
 
-    ElementPointer systemWide() override { return whole; }
-    ElementPointer application(std::int32_t processIdentifier) override;
+    std::expected<FieldPointer, FieldFault> focusedField() override;
     std::optional<RunningApplication> frontmostApplication() override { return front; }
 
     /// A field of this kind, with its role and text, has the focus from now on.
     void focus(DictationContext::FieldKind kind);
-    void setText(std::string text) { field->attributes["AXValue"] = std::move(text); }
-    /// The field that the desktop as a whole, or the application alone, calls the one with the focus.
-    void focusOn(ElementPointer element) { whole->attributes["AXFocusedUIElement"] = std::move(element); }
+    void setText(std::string text) { field->record.text = std::move(text); }
 
     std::optional<RunningApplication> front = RunningApplication{4711, "Mail", "com.example.mail"};
-    std::shared_ptr<FakeElement> whole = std::make_shared<FakeElement>();
-    std::shared_ptr<FakeElement> ofApplication = std::make_shared<FakeElement>();
-    std::shared_ptr<FakeElement> field;
+    std::shared_ptr<FakeField> field;
+    bool isFieldKnown = true;
 };
 
 /// A clipboard in memory, and what programs do with it.

@@ -4,6 +4,7 @@
 #include "shared/ShownLog.h"
 
 #include "desktop/ClipboardInserter.h"
+#include "desktop/ContextDetector.h"
 #include "foundation/RunLoop.h"
 #include "foundation/TaskGroup.h"
 #include "foundation/ThreadPool.h"
@@ -113,7 +114,7 @@ private:
     X11Clipboard clipboard_{loop_};
     X11PasteKey key_{loop_};
     ClipboardInserter inserter_{
-        {Runtime{loop_, clock_, pool_}, permissions_, detector_, workspace_, clipboard_, key_}};
+        {Runtime{loop_, clock_, pool_}, permissions_, accessibility_, workspace_, clipboard_, key_}};
     TaskGroup tasks_;
     int result_ = EXIT_FAILURE;
 };

@@ -22,62 +22,85 @@ constexpr Duration betweenAttempts = std::chrono::seconds(1);
 /// Reading more would keep the application busy, and nobody wants it.
 constexpr std::int64_t mostCharacters = 200'000;
 
+/// Of a negative number of the system.
+FieldFault faultOf(int error) {
+    switch (error) {
+    case -ETIMEDOUT:
+        return FieldFault::noAnswer;
+    case -ENOENT:
+        return FieldFault::noField;
+    case -ENOTCONN:
+    case -ECONNRESET:
+        return FieldFault::unavailable;
+    case -EFBIG:
+        return FieldFault::tooLong;
+    default:
+        return FieldFault::gone;
+    }
+}
+
+template<class Value>
+std::expected<Value, FieldFault> orFault(std::expected<Value, int> value) {
+    if (!value) return std::unexpected(faultOf(value.error()));
+    return std::move(*value);
+}
+
 } // namespace
 
 /// What an application shows of one of its elements. It asks afresh each time, but for what can't change.
-class AtspiAccessibility::Element final : public AccessibilityElement {
+class AtspiAccessibility::Element final : public Field {
 public:
     Element(AtspiAccessibility& owner, AtspiReference reference) :
         owner_(owner), reference_(std::move(reference)) {}
 
-    std::expected<AccessibilityValue, AccessibilityError> attribute(std::string_view name) override {
+    std::expected<FieldRecord, FieldFault> look(FieldLook depth) override {
         auto* tree = owner_.tree();
-        if (!tree) return std::unexpected(-ENOTCONN);
-        if (name == AX::role || name == AX::subrole) return role(*tree, name == AX::role);
-        if (name != AX::value && name != AX::characterCount) return std::unexpected(-ENOENT);
-        const auto count = readableCharacters(*tree);
-        if (!count) return std::unexpected(count.error());
-        if (name == AX::characterCount) return *count;
-        if (*count > mostCharacters) return std::unexpected(-EFBIG);
-        auto text = tree->text(reference_, 0, -1);
-        if (!text) return std::unexpected(text.error());
-        return std::move(*text);
+        if (!tree) return std::unexpected(FieldFault::unavailable);
+        const auto description = tree->describe(reference_);
+        if (!description) return std::unexpected(faultOf(description.error()));
+        auto record = fieldRecord(*description);
+        record.processIdentifier = owner_.processOf(reference_);
+        if (depth == FieldLook::contents) addContents(*tree, record);
+        return record;
     }
 
-    std::expected<std::string, AccessibilityError> stringForRange(std::int64_t location,
-                                                                  std::int64_t length) override {
-        auto* tree = owner_.tree();
-        if (!tree) return std::unexpected(-ENOTCONN);
-        const auto count = readableCharacters(*tree);
-        if (!count) return std::unexpected(count.error());
-        if (location < 0 || length < 0 || length > mostCharacters || location > *count)
-            return std::unexpected(-ERANGE);
-        return tree->text(reference_, location, std::min(location + length, *count));
+    std::expected<std::string, FieldFault> text(TextRange range) override {
+        auto record = look(FieldLook::kind);
+        if (!record) return std::unexpected(record.error());
+        auto& tree = *owner_.tree();
+        const auto length = readableLength(tree, *record);
+        if (!length) return std::unexpected(length.error());
+        if (range.start < 0 || range.length < 0 || range.length > mostCharacters || range.start > *length)
+            return std::unexpected(FieldFault::outOfRange);
+        return orFault(tree.text(reference_, range.start, std::min(range.start + range.length, *length)));
     }
 
 private:
-    std::expected<AccessibilityValue, AccessibilityError> role(AtspiTree& tree, bool isRole) {
-        const auto description = tree.describe(reference_);
-        if (!description) return std::unexpected(description.error());
-        const auto roles = AtspiRoles::of(*description);
-        const auto word = isRole ? roles.role : roles.subrole;
-        if (word.empty()) return std::unexpected(-ENOENT);
-        return std::string(word);
+    void addContents(AtspiTree& tree, FieldRecord& record) {
+        const auto length = readableLength(tree, record);
+        if (!length) {
+            record.text = std::unexpected(length.error());
+            return;
+        }
+        record.length = *length;
+        if (*length > mostCharacters) {
+            record.text = std::unexpected(FieldFault::tooLong);
+        } else {
+            record.text = orFault(tree.text(reference_, 0, -1));
+        }
+        if (const auto selection = tree.selection(reference_)) record.selection = *selection;
     }
 
-    /// How many characters there are to be read; an error for what has no text, or has one that is nobody's
-    /// business.
-    std::expected<std::int64_t, int> readableCharacters(AtspiTree& tree) {
-        const auto description = tree.describe(reference_);
-        if (!description) return std::unexpected(description.error());
-        if (AtspiRoles::of(*description).subrole == AX::secureTextField) return std::unexpected(-EACCES);
+    /// How many characters may be read.
+    std::expected<std::int64_t, FieldFault> readableLength(AtspiTree& tree, const FieldRecord& record) {
+        if (record.isPassword) return std::unexpected(FieldFault::password);
         if (!hasText_) {
             const auto answer = tree.hasText(reference_);
-            if (!answer) return std::unexpected(answer.error());
+            if (!answer) return std::unexpected(faultOf(answer.error()));
             hasText_ = *answer;
         }
-        if (!*hasText_) return std::unexpected(-ENOENT);
-        return tree.characterCount(reference_);
+        if (!*hasText_) return std::unexpected(FieldFault::noText);
+        return orFault(tree.characterCount(reference_));
     }
 
     AtspiAccessibility& owner_;
@@ -85,40 +108,38 @@ private:
     std::optional<bool> hasText_;
 };
 
-/// The desktop as a whole, or one application: knows the element with the focus.
-class AtspiAccessibility::Root final : public AccessibilityElement {
-public:
-    Root(AtspiAccessibility& owner, std::optional<std::int32_t> process) : owner_(owner), process_(process) {}
-
-    std::expected<AccessibilityValue, AccessibilityError> attribute(std::string_view name) override {
-        if (name != AX::focusedElement) return std::unexpected(-ENOENT);
-        if (!owner_.tree()) return std::unexpected(-ENOTCONN);
-        if (isOurs()) return std::unexpected(-ENOENT);
-        auto found = process_ ? owner_.searchedFocus(*process_) : owner_.trackedFocus();
-        if (!found) return std::unexpected(found.error());
-        return ElementPointer(std::make_shared<Element>(owner_, std::move(*found)));
-    }
-    std::expected<std::string, AccessibilityError> stringForRange(std::int64_t, std::int64_t) override {
-        return std::unexpected(-ENOENT);
-    }
-
-private:
-    /// Our own windows couldn't answer while this thread waits for it.
-    bool isOurs() const { return (process_ ? process_ : owner_.frontProcess_()) == ::getpid(); }
-
-    AtspiAccessibility& owner_;
-    const std::optional<std::int32_t> process_;
-};
-
 AtspiAccessibility::AtspiAccessibility(std::function<std::optional<std::int32_t>()> frontProcess) :
     frontProcess_(std::move(frontProcess)) {}
 
 AtspiAccessibility::~AtspiAccessibility() = default;
 
-ElementPointer AtspiAccessibility::systemWide() { return std::make_shared<Root>(*this, std::nullopt); }
+std::expected<FieldPointer, FieldFault> AtspiAccessibility::focusedField() {
+    auto field = heardField();
+    if (!field && field.error() != FieldFault::unavailable) field = searchedField();
+    return field;
+}
 
-ElementPointer AtspiAccessibility::application(std::int32_t processIdentifier) {
-    return std::make_shared<Root>(*this, processIdentifier);
+std::expected<FieldPointer, FieldFault> AtspiAccessibility::heardField() {
+    const auto process = lookableFront();
+    auto found = process ? orFault(trackedFocus(*process)) : std::unexpected(process.error());
+    if (!found) return std::unexpected(found.error());
+    return std::make_shared<Element>(*this, std::move(*found));
+}
+
+std::expected<FieldPointer, FieldFault> AtspiAccessibility::searchedField() {
+    const auto process = lookableFront();
+    auto found = process ? orFault(searchedFocus(*process)) : std::unexpected(process.error());
+    if (!found) return std::unexpected(found.error());
+    return std::make_shared<Element>(*this, std::move(*found));
+}
+
+/// The process in front, if it can be looked into. Our own windows couldn't answer while this thread waits
+/// for them; and without a window in front nobody's word about the focus counts.
+std::expected<std::int32_t, FieldFault> AtspiAccessibility::lookableFront() {
+    if (!tree()) return std::unexpected(FieldFault::unavailable);
+    const auto front = frontProcess_();
+    if (!front || *front == ::getpid()) return std::unexpected(FieldFault::noField);
+    return *front;
 }
 
 bool AtspiAccessibility::isAvailable() { return busAddress().has_value(); }
@@ -153,22 +174,22 @@ AtspiTree* AtspiAccessibility::tree() {
     return tree_.get();
 }
 
-bool AtspiAccessibility::belongsTo(const AtspiReference& element, std::int32_t process) {
-    auto known = processes_.find(element.name);
-    if (known == processes_.end()) {
-        const auto answer = tree_->process(element.name);
-        if (!answer) return false;
-        known = processes_.emplace(element.name, *answer).first;
-    }
-    return ProcessTree::areRelated(known->second, process);
+/// 0 if the bus doesn't say.
+std::int32_t AtspiAccessibility::processOf(const AtspiReference& element) {
+    if (const auto known = processes_.find(element.name); known != processes_.end()) return known->second;
+    const auto process = tree_->process(element.name);
+    if (!process) return 0;
+    return processes_.emplace(element.name, *process).first->second;
 }
 
-/// Without a window in front nobody's word about the focus counts.
-std::expected<AtspiReference, int> AtspiAccessibility::trackedFocus() {
-    const auto front = frontProcess_();
-    if (!front) return std::unexpected(-ENOENT);
+bool AtspiAccessibility::belongsTo(const AtspiReference& element, std::int32_t process) {
+    const auto owner = processOf(element);
+    return owner != 0 && ProcessTree::areRelated(owner, process);
+}
+
+std::expected<AtspiReference, int> AtspiAccessibility::trackedFocus(std::int32_t process) {
     for (const auto& element : tracker_.recent()) {
-        if (!belongsTo(element, *front)) continue;
+        if (!belongsTo(element, process)) continue;
         const auto states = tree_->states(element);
         if (states && (*states & AtspiState::focused) != 0)
             return tree_->innermostFocus(element, *states, std::chrono::steady_clock::now() + longestSearch);
@@ -191,8 +212,7 @@ std::expected<AtspiReference, int> AtspiAccessibility::searchedFocus(std::int32_
         if (found) tracker_.remember(*found);
         if (found || found.error() != -ENOENT) return found;
     }
-    hint(process, isKnown ? "zeigt kein Feld mit der Eingabemarke"
-                          : "ist auf dem Bedienungshilfen-Bus nicht zu finden");
+    hint(process, isKnown ? "zeigt kein Feld mit der Eingabemarke" : "zeigt seine Eingabefelder nicht");
     return std::unexpected(-ENOENT);
 }
 

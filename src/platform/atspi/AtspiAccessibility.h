@@ -26,8 +26,11 @@ public:
     explicit AtspiAccessibility(std::function<std::optional<std::int32_t>()> frontProcess);
     ~AtspiAccessibility() override;
 
-    ElementPointer systemWide() override;
-    ElementPointer application(std::int32_t processIdentifier) override;
+    /// The one that was heard to get the focus; where none was, it is searched for in the program in front.
+    std::expected<FieldPointer, FieldFault> focusedField() override;
+    /// The two ways to it, for tests.
+    std::expected<FieldPointer, FieldFault> heardField();
+    std::expected<FieldPointer, FieldFault> searchedField();
 
     /// Whether the accessibility bus is there. At the first time it waits for it, half a second at most.
     bool isAvailable();
@@ -36,13 +39,14 @@ public:
 
 private:
     class Element;
-    class Root;
 
     std::optional<std::string> busAddress();
     AtspiTree* tree();
-    std::expected<AtspiReference, int> trackedFocus();
+    std::expected<std::int32_t, FieldFault> lookableFront();
+    std::expected<AtspiReference, int> trackedFocus(std::int32_t process);
     std::expected<AtspiReference, int> searchedFocus(std::int32_t process);
     std::expected<AtspiReference, int> focusWithin(const AtspiReference& application, Instant deadline);
+    std::int32_t processOf(const AtspiReference& element);
     bool belongsTo(const AtspiReference& element, std::int32_t process);
     void hint(std::int32_t process, std::string_view what);
 

@@ -1,12 +1,8 @@
 #include "platform/atspi/AtspiRoles.h"
 
-#include "desktop/Accessibility.h"
-
 namespace querlin {
 
 namespace {
-
-constexpr std::string_view unknownRole = "AXUnknown";
 
 std::string_view attribute(const AtspiDescription& element, std::string_view name) {
     const auto found = element.attributes.find(name);
@@ -22,25 +18,35 @@ bool isSearch(const AtspiDescription& element) {
            attribute(element, "xml-roles").contains("searchbox");
 }
 
-} // namespace
-
-/// A password goes before all else. What can't be edited is no field, whatever its role.
-AtspiRoles AtspiRoles::of(const AtspiDescription& element) {
-    if (isPassword(element)) return {AX::textField, AX::secureTextField};
-    if (element.role == AtspiRole::terminal) return {AX::textArea, AX::terminal};
-    if (!element.isEditable()) return {unknownRole, {}};
-    if (isSearch(element)) return {AX::textField, AX::searchField};
-    if (element.role == AtspiRole::comboBox) return {AX::comboBox, {}};
-    if (element.has(AtspiState::singleLine)) return {AX::textField, {}};
-    if (element.has(AtspiState::multiLine)) return {AX::textArea, {}};
+/// What can't be edited is no field, whatever its role.
+FieldRole roleOf(const AtspiDescription& element) {
+    if (element.role == AtspiRole::terminal) return FieldRole::terminal;
+    if (isPassword(element)) return FieldRole::textField;
+    if (!element.isEditable()) return FieldRole::other;
+    if (isSearch(element)) return FieldRole::textField;
+    if (element.role == AtspiRole::comboBox) return FieldRole::comboBox;
+    if (element.has(AtspiState::singleLine)) return FieldRole::textField;
+    if (element.has(AtspiState::multiLine)) return FieldRole::textArea;
     switch (element.role) {
     case AtspiRole::text: // A line edit of Qt 6 sets neither state; its editors set the one of several lines.
     case AtspiRole::entry:
     case AtspiRole::spinButton:
-        return {AX::textField, {}};
+        return FieldRole::textField;
     default: // A part of a document: paragraph, section, the document itself.
-        return {AX::textArea, {}};
+        return FieldRole::textArea;
     }
+}
+
+} // namespace
+
+/// A password goes before all else.
+FieldRecord fieldRecord(const AtspiDescription& element) {
+    FieldRecord record;
+    record.role = roleOf(element);
+    record.isPassword = isPassword(element);
+    record.isSearch = !record.isPassword && record.role != FieldRole::other && isSearch(element);
+    record.hasSeveralLines = record.role == FieldRole::textArea || record.role == FieldRole::terminal;
+    return record;
 }
 
 } // namespace querlin

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "desktop/Accessibility.h"
+
 #include <cstdint>
 #include <map>
 #include <string>
@@ -42,13 +44,7 @@ struct AtspiDescription {
     bool isEditable() const { return has(AtspiState::editable) && !has(AtspiState::readOnly); }
 };
 
-/// The same in the words of the port: empty for what it has no word for.
-struct AtspiRoles {
-    std::string_view role;
-    std::string_view subrole;
-
-    static AtspiRoles of(const AtspiDescription& element);
-    bool operator==(const AtspiRoles&) const = default;
-};
+/// The same in the port's words: the kind of the field, without its contents.
+FieldRecord fieldRecord(const AtspiDescription& element);
 
 } // namespace querlin

@@ -70,14 +70,28 @@ std::expected<bool, int> AtspiTree::hasText(const AtspiReference& element) {
     return false;
 }
 
-std::expected<std::int64_t, int> AtspiTree::characterCount(const AtspiReference& element) {
-    const auto answer =
-        ask(element, AtspiInterface::properties, "Get", "ss", AtspiInterface::text, "CharacterCount");
+std::expected<std::int32_t, int> AtspiTree::textNumber(const AtspiReference& element, const char* property) {
+    const auto answer = ask(element, AtspiInterface::properties, "Get", "ss", AtspiInterface::text, property);
     if (!answer) return std::unexpected(answer.error());
-    std::int32_t count = 0;
-    const int read = sd_bus_message_read(answer->get(), "v", "i", &count);
+    std::int32_t number = 0;
+    const int read = sd_bus_message_read(answer->get(), "v", "i", &number);
     if (read < 0) return std::unexpected(read);
-    return count;
+    return number;
+}
+
+std::expected<std::int64_t, int> AtspiTree::characterCount(const AtspiReference& element) {
+    return textNumber(element, "CharacterCount");
+}
+
+std::expected<TextRange, int> AtspiTree::selection(const AtspiReference& element) {
+    const auto answer = ask(element, AtspiInterface::text, "GetSelection", "i", 0);
+    std::int32_t start = 0;
+    std::int32_t end = 0;
+    if (answer && sd_bus_message_read(answer->get(), "ii", &start, &end) > 0 && start >= 0 && end > start)
+        return TextRange{start, end - start};
+    const auto cursor = textNumber(element, "CaretOffset");
+    if (!cursor) return std::unexpected(cursor.error());
+    return TextRange{*cursor, 0};
 }
 
 std::expected<std::string, int> AtspiTree::text(const AtspiReference& element, std::int64_t from,

@@ -25,6 +25,8 @@ public:
     std::expected<std::int64_t, int> characterCount(const AtspiReference& element);
     /// From one character up to before another; made well-formed.
     std::expected<std::string, int> text(const AtspiReference& element, std::int64_t from, std::int64_t to);
+    /// The first selection, or the cursor as an empty one.
+    std::expected<TextRange, int> selection(const AtspiReference& element);
     /// The process of a name on the bus.
     std::expected<std::int32_t, int> process(const std::string& name);
 
@@ -43,6 +45,7 @@ private:
         int fault = -ENOENT;
     };
     std::optional<AtspiReference> search(const AtspiReference& element, int depth, Search& state);
+    std::expected<std::int32_t, int> textNumber(const AtspiReference& element, const char* property);
     bool isField(const AtspiReference& element, std::uint64_t states);
 
     template<class... Arguments>

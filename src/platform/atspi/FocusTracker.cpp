@@ -85,7 +85,7 @@ void FocusTracker::run() {
             follow(*bus, *address);
         } else if (bus.error() != -ECANCELED && !std::exchange(isNoted, true)) {
             DiagnosticsLog::note("context",
-                                 fmt::format("Der Bedienungshilfen-Bus ist nicht erreichbar ({}).",
+                                 fmt::format("Der Bus der Eingabefelder (at-spi2) ist nicht erreichbar ({}).",
                                              std::strerror(-bus.error()))); // NOLINT(concurrency-mt-unsafe)
         }
         setAddress(std::nullopt);

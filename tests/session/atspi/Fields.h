@@ -16,15 +16,12 @@ inline std::optional<std::int32_t> number(const std::string& text) {
     return fault == std::errc() ? std::optional(value) : std::nullopt;
 }
 
-/// "role subrole value"; what can't be had is "-".
-inline std::string described(AccessibilityElement& element) {
-    std::string words;
-    for (const auto name : {AX::role, AX::subrole, AX::value}) {
-        const auto value = element.attribute(name);
-        const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
-        words += (words.empty() ? "" : " ") + (text ? *text : "-");
-    }
-    return words;
+/// "Textfeld (Suche): Text"; a text that can't be had is "-".
+inline std::string described(Field& field) {
+    const auto record = field.look(FieldLook::contents);
+    if (!record) return std::string(description(record.error()));
+    const std::string mark = record->isPassword ? " (Passwort)" : record->isSearch ? " (Suche)" : "";
+    return std::string(name(record->role)) + mark + ": " + record->text.value_or("-");
 }
 
 /// Looks at the program in front, as a dictation does.
@@ -37,27 +34,15 @@ struct FieldsTest : testing::Test {
     std::optional<std::int32_t> front() const { return knownFront ? knownFront : activeWindow(); }
     AtspiAccessibility accessibility{[this] { return front(); }};
 
-    std::expected<AccessibilityValue, AccessibilityError> tracked() { return accessibility.systemWide()->attribute(AX::focusedElement); }
-    std::expected<AccessibilityValue, AccessibilityError> searched() {
-        return accessibility.application(front().value_or(0))->attribute(AX::focusedElement);
-    }
-    ElementPointer focused() {
-        auto value = tracked();
-        return value ? std::get<ElementPointer>(*value) : nullptr;
-    }
     /// What the search finds, as soon as it does: on a busy machine it may run out of its time.
     std::string searchedField() {
-        ElementPointer element;
-        eventually([&] {
-            if (auto value = searched()) element = std::get<ElementPointer>(*value);
-            return element != nullptr;
-        });
-        return element ? described(*element) : "nothing";
+        auto field = accessibility.searchedField();
+        eventually([&] { return (field = accessibility.searchedField()).has_value(); });
+        return field ? described(**field) : "nothing";
     }
     std::string look() {
-        auto found = tracked();
-        if (!found) found = searched();
-        return found ? described(*std::get<ElementPointer>(*found)) : "nothing";
+        const auto field = accessibility.focusedField();
+        return field ? described(**field) : "nothing";
     }
     /// Waits until the field with the focus is described like this.
     testing::AssertionResult becomes(const std::string& wanted, Duration longest = std::chrono::seconds(10)) {

@@ -1,6 +1,5 @@
 // What needs no desktop: the port's words, and whom is waited for how long.
 
-#include "desktop/Accessibility.h"
 #include "platform/atspi/AtspiRoles.h"
 #include "platform/atspi/Patience.h"
 #include "platform/atspi/ProcessTree.h"
@@ -16,19 +15,20 @@ using std::chrono::milliseconds;
 
 /// Role, states and attributes as the toolkits were seen to send them, without what nobody asks for.
 TEST(AtspiRoles, TellFieldsApart) {
+    using enum FieldRole;
     using namespace AtspiState;
     struct Row {
         AtspiDescription element;
-        AtspiRoles roles;
+        FieldRecord record;
         const char* reason;
     };
-    const AtspiRoles line{AX::textField, ""}, area{AX::textArea, ""}, list{AX::comboBox, ""}, none{"AXUnknown", ""};
-    const AtspiRoles password{AX::textField, AX::secureTextField}, searching{AX::textField, AX::searchField};
+    const FieldRecord line{.role = textField}, area{.role = textArea, .hasSeveralLines = true}, list{.role = comboBox}, none{};
+    const FieldRecord password{.role = textField, .isPassword = true}, searching{.role = textField, .isSearch = true};
     for (const auto& row : {
              Row{{61, editable | multiLine, {{"toolkit", "gtk"}}}, area, "an editor of GTK 3"},
              Row{{61, editable | singleLine, {{"toolkit", "gtk"}}}, line, "an entry of GTK 3"},
              Row{{40, editable | singleLine, {}}, password, "a password entry of GTK 3"},
-             Row{{60, 0, {}}, {AX::textArea, AX::terminal}, "a terminal"},
+             Row{{60, 0, {}}, {.role = terminal, .hasSeveralLines = true}, "a terminal"},
              Row{{61, editable, {}}, line, "a line of Qt says nothing of lines"},
              Row{{61, editable | multiLine, {}}, area, "an editor of Qt"},
              Row{{61, editable | readOnly, {}}, none, "a read-only line of Qt claims to be editable too"},
@@ -46,7 +46,7 @@ TEST(AtspiRoles, TellFieldsApart) {
              Row{{40, readOnly, {}}, password, "a password, editable or not"},
              Row{{43, 0, {}}, none, "a button"},
          })
-        EXPECT_EQ(AtspiRoles::of(row.element), row.roles) << row.reason;
+        EXPECT_EQ(fieldRecord(row.element), row.record) << row.reason;
 }
 
 TEST(Patience, EndsAfterAFifthOfASecondOfWaiting) {

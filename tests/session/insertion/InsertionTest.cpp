@@ -1,6 +1,7 @@
 // Texts pasted into real programs, and what becomes of the user's clipboard.
 
 #include "desktop/ClipboardInserter.h"
+#include "desktop/ContextDetector.h"
 #include "desktop/CorrectionWatcher.h"
 #include "desktop/HotkeyManager.h"
 #include "foundation/ThreadPool.h"
@@ -78,7 +79,7 @@ struct InsertionTest : testing::Test {
     X11Clipboard clipboard{loop};
     X11PasteKey pasteKey{loop};
     X11Clipboard user{loop}; ///< another program's view of the clipboard
-    ClipboardInserter inserter{{Runtime{loop, clock, pool}, permissions, detector, workspace, clipboard, pasteKey}};
+    ClipboardInserter inserter{{Runtime{loop, clock, pool}, permissions, accessibility, workspace, clipboard, pasteKey}};
 
     /// A program with its window in front; `field` is what the cursor must be in.
     std::unique_ptr<Program> open(std::vector<std::string> command, std::optional<FieldKind> field) {
@@ -91,9 +92,9 @@ struct InsertionTest : testing::Test {
         return program;
     }
     std::optional<std::string> fieldText() {
-        const auto front = workspace.frontmostApplication();
-        const auto element = detector.focusedElement(front ? std::optional(front->processIdentifier) : std::nullopt);
-        return element ? ContextDetector::stringValue(*element, AX::value) : std::nullopt;
+        const auto field = accessibility.focusedField();
+        const auto record = field ? (*field)->look(FieldLook::contents) : std::unexpected(field.error());
+        return record && record->text ? std::optional(*record->text) : std::nullopt;
     }
     /// A program that is slow at the moment may not show its field, or show the text only after the look at it; then
     /// that counts as lost, and is on the clipboard too.
@@ -178,7 +179,7 @@ TEST_F(InsertionTest, LeavesWhatTheUserCopiesMeanwhile) {
 }
 
 TEST_F(InsertionTest, LosesNoneOfTwoHundredUnnoticed) {
-    ClipboardInserter quick{{Runtime{hasty, clock, pool}, permissions, detector, workspace, clipboard, pasteKey}};
+    ClipboardInserter quick{{Runtime{hasty, clock, pool}, permissions, accessibility, workspace, clipboard, pasteKey}};
     const auto editor = open({"mousepad", "--disable-server"}, FieldKind::multiLine);
     std::vector<std::string> reported;
     for (int i = 0; i < 200; ++i) {
