@@ -1,8 +1,5 @@
 #include "app/SetupReport.h"
 
-#include <algorithm>
-#include <numeric>
-
 #include <fmt/format.h>
 
 namespace querlin::SetupReport {
@@ -58,20 +55,17 @@ SetupFinding fields(Machine& machine) {
             .isFine = canLook};
 }
 
-SetupFinding laws(LegalCorpus& corpus) {
-    if (!corpus.isLoaded()) return {.name = "Gesetze", .state = "Werden gelesen …", .isFine = true};
-    const auto loaded = corpus.laws();
-    const auto sections =
-        std::accumulate(loaded.begin(), loaded.end(), std::size_t{0},
-                        [](std::size_t sum, const LegalLaw& law) { return sum + law.sections.size(); });
-    if (sections == 0)
+SetupFinding laws(const LegalCorpus& corpus) {
+    const auto loaded = corpus.extent();
+    if (!loaded) return {.name = "Gesetze", .state = "Werden gelesen …", .isFine = true};
+    if (loaded->sections == 0)
         return {
             .name = "Gesetze",
             .state =
                 "Noch keine Texte da: Sie werden kurz nach dem Start vom Gesetzesportal des Bundes geladen.",
             .isFine = false};
     return {.name = "Gesetze",
-            .state = fmt::format("{} Gesetze mit {} Paragraphen", loaded.size(), sections),
+            .state = fmt::format("{} Gesetze mit {} Paragraphen", loaded->laws, loaded->sections),
             .isFine = true};
 }
 

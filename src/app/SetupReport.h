@@ -16,7 +16,7 @@ struct Sources {
     Machine& machine;
     std::filesystem::path models;
     TranscriptionEngine engine;
-    LegalCorpus& corpus;
+    const LegalCorpus& corpus;
     std::string hotkey;
     /// What is wrong with the settings' file.
     std::optional<std::string> settingsTrouble;

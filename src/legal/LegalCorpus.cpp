@@ -54,12 +54,14 @@ public:
         for (std::size_t number = 0; number < laws_.size(); ++number) {
             byName_.insert_or_assign(uppercase(laws_[number].abbr), number);
             longestNameFirst_.push_back(number);
+            sections_ += laws_[number].sections.size();
         }
         std::ranges::stable_sort(longestNameFirst_, std::ranges::greater(),
                                  [this](std::size_t number) { return graphemeCount(laws_[number].abbr); });
     }
 
     const std::vector<LegalLaw>& laws() const { return laws_; }
+    Extent extent() const { return {laws_.size(), sections_}; }
 
     /// By the law's number and the id in small letters; null if there is none.
     const LegalSection* section(std::size_t law, std::string_view id) const {
@@ -114,6 +116,7 @@ public:
 
 private:
     std::vector<LegalLaw> laws_;
+    std::size_t sections_ = 0;
     CorpusIndex index_;
     /// By the abbreviation in capital letters.
     std::map<std::string, std::size_t> byName_;
@@ -185,6 +188,11 @@ LegalCorpus::SnapshotPointer LegalCorpus::loaded() {
     }
     note(fmt::format("Geladen: {} Paragraphen aus {}", count, fmt::join(names, ", ")));
     return snapshot;
+}
+
+std::optional<LegalCorpus::Extent> LegalCorpus::extent() const {
+    const std::scoped_lock guard(lock_);
+    return snapshot_ ? std::optional(snapshot_->extent()) : std::nullopt;
 }
 
 std::vector<LegalLaw> LegalCorpus::laws() {

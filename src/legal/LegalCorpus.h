@@ -40,6 +40,12 @@ public:
     bool isLoaded() const;
 
     std::vector<LegalLaw> laws();
+    struct Extent {
+        std::size_t laws = 0;
+        std::size_t sections = 0;
+    };
+    /// How much is loaded, at once and without loading. Nothing if nothing is.
+    std::optional<Extent> extent() const;
 
     std::optional<LegalSection> section(std::string_view id, std::string_view law) override;
     std::optional<LegalHit> sectionInAnyLaw(std::string_view id) override;

@@ -6,11 +6,20 @@
 
 namespace querlin {
 
+namespace {
+
+/// Nothing if nobody can speak into it, or if it can't be named.
+std::optional<AudioInputDevice> asInput(AudioHardware::Device device) {
+    if (device.inputChannels == 0 || !device.uid || !device.name) return std::nullopt;
+    return AudioInputDevice{std::move(*device.uid), std::move(*device.name), device.id};
+}
+
+} // namespace
+
 std::vector<AudioInputDevice> AudioDevices::inputs() const {
     std::vector<AudioInputDevice> inputs;
     for (auto& device : hardware_.devices()) {
-        if (device.inputChannels == 0 || !device.uid || !device.name) continue;
-        inputs.push_back({std::move(*device.uid), std::move(*device.name), device.id});
+        if (auto input = asInput(std::move(device))) inputs.push_back(std::move(*input));
     }
     std::ranges::stable_sort(inputs, [](const auto& a, const auto& b) {
         return compareIgnoringCaseLocalized(a.name, b.name) < 0;
@@ -27,9 +36,9 @@ std::optional<std::uint32_t> AudioDevices::deviceID(std::string_view uid) const 
 std::optional<AudioInputDevice> AudioDevices::systemDefaultInput() const {
     const auto number = hardware_.defaultInput();
     if (number == 0) return std::nullopt;
-    const auto all = inputs();
-    const auto found = std::ranges::find(all, number, &AudioInputDevice::deviceID);
-    return found == all.end() ? std::nullopt : std::optional(*found);
+    auto devices = hardware_.devices();
+    const auto found = std::ranges::find(devices, number, &AudioHardware::Device::id);
+    return found == devices.end() ? std::nullopt : asInput(std::move(*found));
 }
 
 } // namespace querlin
