@@ -30,7 +30,7 @@ function(querlin_use target)
 endfunction()
 
 function(querlin_compile_as_ours target)
-  target_link_libraries(${target} PRIVATE querlin_warnings)
+  target_link_libraries(${target} PRIVATE querlin_warnings querlin_hardening)
   target_precompile_headers(${target} PRIVATE
     <chrono> <coroutine> <cstdint> <expected> <filesystem> <functional> <map> <memory> <optional>
     <span> <string> <string_view> <utility> <variant> <vector>)
