@@ -39,13 +39,13 @@ bool goes(const Screen& screen, xcb_window_t overlay) {
 /// Where the overlay comes up, learnt from a first press.
 std::optional<xcb_window_t> firstOverlay(const Screen& screen, Keys& keys) {
     std::optional<xcb_window_t> overlay;
-    keys.send(Keys::rightAlt, true);
+    keys.send(Keys::rightControl, true);
     const bool isThere = eventually([&] {
         overlay = screen.find(name);
         return overlay && screen.isShown(*overlay);
     });
     std::this_thread::sleep_for(held);
-    keys.send(Keys::rightAlt, false);
+    keys.send(Keys::rightControl, false);
     return isThere && goes(screen, *overlay) ? overlay : std::nullopt;
 }
 
@@ -53,7 +53,7 @@ bool press(const Screen& screen, xcb_window_t overlay, const Place& place, Keys&
     const auto before = screen.dots(place);
     const auto end = std::chrono::steady_clock::now() + longest;
     const Stopwatch pressed;
-    keys.send(Keys::rightAlt, true);
+    keys.send(Keys::rightControl, true);
     bool isMapped = false;
     bool isPainted = false;
     while (!(isMapped && isPainted) && std::chrono::steady_clock::now() < end) {
@@ -67,7 +67,7 @@ bool press(const Screen& screen, xcb_window_t overlay, const Place& place, Keys&
         }
     }
     std::this_thread::sleep_for(held);
-    keys.send(Keys::rightAlt, false);
+    keys.send(Keys::rightControl, false);
     return goes(screen, overlay) && isMapped && isPainted;
 }
 
