@@ -14,10 +14,10 @@ BigText::Memory BigText::map(std::size_t capacity) {
     constexpr std::size_t smallPage = 4096;
     constexpr std::size_t largePage = 2U << 20U;
     const auto needed = capacity + roomBehind;
-    // What is left over is worth a large page of its own if it fills half of it.
+    // The remainder gets a large page of its own if it fills at least half of it.
     const auto page = needed % largePage > largePage / 2 ? largePage : smallPage;
     const auto length = (needed + page - 1) / page * page;
-    // A large page begins at a multiple of its size: one more is asked for, and what juts out is given back.
+    // A large page is aligned to its size: map one more, then unmap what sticks out at either end.
     const auto asked = length + largePage;
     void* start = ::mmap(nullptr, asked, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (start == MAP_FAILED) throw std::bad_alloc(); // NOLINT: the system's constant
@@ -27,7 +27,7 @@ BigText::Memory BigText::map(std::size_t capacity) {
     auto* memory = static_cast<char*>(aligned);
     if (asked > space) ::munmap(start, asked - space);
     if (space > length) ::munmap(memory + length, space - length);
-    ::madvise(memory, length, MADV_HUGEPAGE); // Where there are none it does no harm.
+    ::madvise(memory, length, MADV_HUGEPAGE); // Harmless where there are none.
     return {memory, Unmap{length}};
 }
 
@@ -44,7 +44,7 @@ void BigText::reserve(std::size_t capacity) {
 }
 
 void BigText::makeReady() {
-    // Older systems don't know this; then it is done bit by bit.
+    // Unknown to older kernels; pages are then made ready at their first use.
     if (capacity_ > 0) ::madvise(memory_.get(), capacity_, MADV_POPULATE_WRITE);
 }
 

@@ -6,11 +6,11 @@
 
 namespace querlin {
 
-/// A text of megabytes. Its memory comes straight from the operating system, in large pages where it has
-/// them: unlike that of a string it isn't cleared twice, and looking through it costs fewer page faults.
+/// A text of megabytes. Its memory comes straight from the operating system, in large pages where available:
+/// unlike a string's it isn't cleared twice, and reading through it costs fewer page faults.
 ///
-/// Behind the text there is room that may be read, so that whoever takes many bytes at once needn't look for
-/// its end; of a text that has not been made shorter it is zero.
+/// Some bytes past the end may be read, so that loops over many bytes at once need no special case for the
+/// end; they are zero unless the text has been shortened.
 class BigText {
 public:
     static constexpr std::size_t roomBehind = 64;
@@ -24,14 +24,14 @@ public:
     std::size_t size() const { return size_; }
     operator std::string_view() const { return {memory_.get(), size_}; }
 
-    /// So much can be added before it moves.
+    /// Capacity in bytes: up to it, appending moves nothing.
     void reserve(std::size_t capacity);
-    /// Has the system make all that is reserved ready now, not page by page when it is first written.
+    /// Makes all reserved pages ready now instead of at their first use.
     void makeReady();
-    /// Adds so many bytes, of any value, and gives their place.
+    /// Appends bytes of any value and returns their address.
     char* extend(std::size_t bytes);
     void append(std::string_view text);
-    /// Takes bytes away at the end.
+    /// Removes bytes at the end.
     void shrink(std::size_t size) { size_ = size; }
 
 private:

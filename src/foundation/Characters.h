@@ -23,7 +23,7 @@ inline bool isAlphabetic(char32_t scalar) {
 }
 bool isNumeric(char32_t scalar);
 
-/// A character, that is a grapheme cluster, is what its first scalar is.
+/// A character (a grapheme cluster) has the properties of its first scalar.
 inline bool isWhitespace(std::string_view character) { return isWhitespace(firstScalar(character)); }
 inline bool isAlphabetic(std::string_view character) { return isAlphabetic(firstScalar(character)); }
 inline bool isNumeric(std::string_view character) { return isNumeric(firstScalar(character)); }
@@ -50,7 +50,7 @@ void forEachWord(std::string_view text, Call call) {
 /// The maximal runs of characters that aren't white space: " § 5\r\n" -> "§", "5". Views into the text,
 /// none of them empty.
 std::vector<std::string_view> splitAtWhitespace(std::string_view text);
-/// How many there are: "zwei  Wörter" -> 2.
+/// The number of such runs: "zwei  Wörter" -> 2.
 std::size_t countWords(std::string_view text);
 
 } // namespace querlin

@@ -4,13 +4,13 @@
 
 namespace querlin {
 
-/// Tells the time. A port, so that tests move time by hand. Callable from any thread.
+/// The current time. A port, so that tests move time by hand. Callable from any thread.
 class Clock {
 public:
     virtual ~Clock() = default;
-    /// The calendar's time; may jump when the user or the network sets it.
+    /// Calendar time; may jump when the user or the network sets it.
     virtual Date now() const = 0;
-    /// Time for measuring; only the difference of two readings means something.
+    /// Monotonic time; only the difference of two readings is meaningful.
     virtual Instant instant() const = 0;
 };
 

@@ -20,7 +20,7 @@ std::unique_ptr<const icu::Collator> germanCollator() {
 } // namespace
 
 int compareIgnoringCaseLocalized(std::string_view a, std::string_view b) {
-    static const auto collator = germanCollator(); // Comparing changes nothing in it.
+    static const auto collator = germanCollator(); // Safe to share: comparing is const.
     if (!collator) return a.compare(b);
     UErrorCode status = U_ZERO_ERROR;
     return collator->compareUTF8({a.data(), static_cast<std::int32_t>(a.size())},

@@ -4,7 +4,7 @@
 
 namespace querlin {
 
-/// Where work runs that must not hold up the main thread.
+/// Runs work that must not block the main thread.
 class Executor {
 public:
     virtual ~Executor() = default;

@@ -43,7 +43,7 @@ public:
     }
     explicit operator bool() const { return number_ >= 0; }
     int number() const { return number_; }
-    /// Closes now and tells whether the system kept everything (a full disk may show only here).
+    /// Closes now and reports whether everything was stored (a full disk may show only here).
     bool close() { return ::close(std::exchange(number_, -1)) == 0; }
 
 private:
@@ -51,7 +51,7 @@ private:
 };
 
 Descriptor openForReading(const fs::path& file) {
-    // Not blocking: a pipe in the place of a file must not hang us.
+    // Non-blocking: opening a pipe in place of a file must not hang.
     return Descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
 }
 
@@ -147,7 +147,7 @@ FileResult<BigText> readBig(const fs::path& file, std::size_t limitInBytes) {
     if (static_cast<std::size_t>(status.st_size) > limitInBytes) return failure(EFBIG);
 
     constexpr std::size_t leastRoom = 64U << 10U;
-    // One byte more than the file is said to have tells whether it has grown.
+    // One byte more than the reported size shows whether the file has grown.
     auto room = static_cast<std::size_t>(status.st_size) + 1;
     BigText content;
     content.reserve(room + leastRoom);
@@ -182,7 +182,7 @@ FileResult<> makeFolder(const fs::path& folder) {
     if (::mkdir(folder.c_str(), ownerFolder) == 0) return {};
     const int code = errno;
     if (code != EEXIST) return failure(code);
-    if (fs::is_directory(folder, error)) return {}; // Somebody else was quicker.
+    if (fs::is_directory(folder, error)) return {}; // Made by someone else meanwhile.
     return failure(ENOTDIR);
 }
 
@@ -218,7 +218,7 @@ FileResult<> move(const fs::path& from, const fs::path& to) {
     }
     if (errno != EXDEV) return lastFailure();
     if (auto copied = Files::copy(from, to); !copied) return copied;
-    // From here on the content is safe at its new place; what stays behind is only a second copy.
+    // The content is safe at its new place now; the original would only be a second copy.
     ::unlink(from.c_str());
     return {};
 }

@@ -27,7 +27,7 @@ std::tm brokenDown(std::chrono::sys_seconds moment) {
 LocalTime localTime(Date date) {
     const auto whole = std::chrono::floor<std::chrono::seconds>(date);
     const auto parts = brokenDown(whole);
-    // Rounded before the difference: a span of nanoseconds can't hold the second of the first date.
+    // Rounded before the subtraction: the second of the earliest date doesn't fit into nanoseconds.
     const auto fraction = std::chrono::floor<std::chrono::milliseconds>(date) - whole;
     return {.year = parts.tm_year + 1900,
             .month = parts.tm_mon + 1,
@@ -91,18 +91,18 @@ std::optional<Date> berlinStamp(std::string_view text) {
     calendar.clear();
     calendar.setLenient(0);
     calendar.set(number(0, 4), number(4, 2) - 1, number(6, 2), number(8, 2), number(10, 2), number(12, 2));
-    const auto milliseconds = calendar.getTime(status); // Fails for what is no date.
+    const auto milliseconds = calendar.getTime(status); // Fails for impossible dates.
     if (U_FAILURE(status) != 0) return std::nullopt;
     return Date(std::chrono::milliseconds(static_cast<std::int64_t>(milliseconds)));
 }
 
 std::optional<Date> daysBefore(Date date, std::int64_t days) {
-    constexpr std::int64_t furthest = 91'250; // Within what a date can hold, from any present day.
+    constexpr std::int64_t furthest = 91'250; // Days; within the range of a date from any present day.
     if (days < 0 || days > furthest) return std::nullopt;
     const auto whole = std::chrono::floor<std::chrono::seconds>(date);
     auto parts = brokenDown(whole);
     parts.tm_mday -= static_cast<int>(days);
-    parts.tm_isdst = -1; // Summer time is that day's affair.
+    parts.tm_isdst = -1; // Let the library decide whether summer time applies on that day.
     const auto earlier = std::chrono::sys_seconds(std::chrono::seconds(::mktime(&parts)));
     if (earlier < std::chrono::ceil<std::chrono::seconds>(Date::min())) return std::nullopt;
     return Date(earlier) + (date - whole);

@@ -38,13 +38,13 @@ std::string localFileStamp(Date date);
 /// For log lines, "09:30:00.000".
 std::string localLogStamp(Date date);
 
-/// Reads a moment that is written as "yyyyMMddHHmmss" in the time of Berlin, whatever the local zone is:
-/// "20231231214227". What isn't fourteen digits, and days that the calendar doesn't have, give nothing. Of a
-/// time that comes twice in the night when summer time ends it is the later.
+/// Parses "yyyyMMddHHmmss" in Berlin time, whatever the local zone is: "20231231214227". Unset for anything
+/// but fourteen digits and for impossible dates. A time that occurs twice when summer time ends is the later
+/// one.
 std::optional<Date> berlinStamp(std::string_view text);
 
-/// The same local time of day that many calendar days earlier, also over a change to summer time;
-/// nothing if `days` is negative or leads further back than a date reaches.
+/// The same local time of day so many calendar days earlier, also across a change to summer time; unset if
+/// `days` is negative or the result is out of range.
 std::optional<Date> daysBefore(Date date, std::int64_t days);
 
 } // namespace querlin

@@ -14,7 +14,7 @@ namespace querlin {
 
 namespace {
 
-/// ICU's answer for the beginning of a text.
+/// The length of the first character, as ICU sees it.
 std::size_t firstBoundary(std::string_view text) {
     UErrorCode status = U_ZERO_ERROR;
     thread_local const std::unique_ptr<UBreakIterator, Release<ubrk_close>> iterator(
@@ -30,28 +30,28 @@ std::size_t firstBoundary(std::string_view text) {
     return boundary == UBRK_DONE ? text.size() : static_cast<std::size_t>(boundary);
 }
 
-/// Whether a scalar joins no other of its kind: two such in a row are always two characters.
+/// Whether two scalars of this kind in a row are always two characters.
 bool standsAlone(char32_t scalar) {
     if (scalar < 0x300 || (scalar >= 0x2010 && scalar <= 0x2027)) return true; // Letters, dashes, quotes.
     switch (u_getIntPropertyValue(static_cast<UChar32>(scalar), UCHAR_GRAPHEME_CLUSTER_BREAK)) {
     case U_GCB_OTHER:
     case U_GCB_CONTROL:
     case U_GCB_LF:
-    case U_GCB_CR: // Only ever asked about as the second of the two.
+    case U_GCB_CR: // Only checked as the second of a pair.
         return true;
     default:
         return false;
     }
 }
 
-/// Whether a scalar takes the one behind it into its own character, whatever that is.
+/// Whether a scalar joins with the one after it, whatever that is.
 bool joinsWhatFollows(char32_t scalar) {
     return scalar >= 0x300 &&
            u_getIntPropertyValue(static_cast<UChar32>(scalar), UCHAR_GRAPHEME_CLUSTER_BREAK) == U_GCB_PREPEND;
 }
 
-/// The end of the scalar that ends at `limit` or reaches over it: three bytes further at most. Whatever
-/// continuation bytes follow those are ill-formed, each for itself.
+/// The end of the scalar that ends at `limit` or spans it: at most three bytes further. Continuation bytes
+/// after those are ill-formed, each on its own.
 std::size_t scalarEnd(std::string_view text, std::size_t limit) {
     const auto furthest = std::min(limit + 3, text.size());
     while (limit < furthest && (static_cast<unsigned char>(text[limit]) & 0xC0U) == 0x80) ++limit;
@@ -63,8 +63,8 @@ struct Stretch {
     std::size_t lengthInBytes = 0;
 };
 
-/// The characters of a `latinPrefix` without its last one, which something behind it may join. Each
-/// scalar is one, apart from CR LF.
+/// The characters of a `latinPrefix` without its last one, which may join what follows. Each scalar
+/// is a character, apart from CR LF.
 Stretch latinCharacters(std::string_view prefix) {
     const auto beginsScalar = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80; };
     if (prefix.empty()) return {};
@@ -91,8 +91,8 @@ std::size_t Graphemes::firstLengthBeyondLatin(std::string_view text) {
     const auto next = text.substr(first.lengthInBytes);
     if (next.empty() || (standsAlone(first.scalar) && standsAlone(firstScalar(next))))
         return first.lengthInBytes;
-    // A boundary depends on what stands before it and on one scalar behind it. So a window is enough
-    // as long as the boundary isn't the window's own end.
+    // A boundary depends on the text before it and on one scalar after it. So a window is enough as long as
+    // the boundary isn't the window's own end.
     for (std::size_t size = 64; size < text.size(); size *= 2) {
         const auto window = text.substr(0, scalarEnd(text, size));
         const auto boundary = firstBoundary(window);
@@ -121,7 +121,7 @@ std::string_view firstGraphemes(std::string_view text, std::size_t count) {
 
 std::string_view lastGrapheme(std::string_view text) {
     if (text.empty()) return text;
-    // From an ASCII byte on, the characters don't depend on what is before it, unless that joins what
+    // From an ASCII byte on, the boundaries don't depend on the text before it, unless that joins with what
     // follows.
     const auto begins = [text](std::size_t i) {
         if (static_cast<unsigned char>(text[i]) >= 0x80 || (text[i] == '\n' && text[i - 1] == '\r'))

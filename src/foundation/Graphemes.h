@@ -11,7 +11,7 @@ namespace querlin {
 ///
 ///     for (const auto character : Graphemes("Bo\u0308e")) …   // "B", "o\u0308", "e"
 ///
-/// CR LF is one character. Any bytes are taken; ill-formed ones count as U+FFFD.
+/// CR LF is one character. Ill-formed bytes count as U+FFFD.
 class Graphemes {
 public:
     class Iterator {
@@ -50,7 +50,7 @@ public:
 
     /// Bytes of the first character; 0 for the empty text.
     static std::size_t firstLength(std::string_view text) {
-        // Below U+0300 nothing combines, apart from CR with LF: most German text never gets further.
+        // Below U+0300 nothing combines, apart from CR with LF: the fast path of nearly all German text.
         if (text.empty()) return 0;
         const auto byteAt = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
         if (byteAt(0) < 0x80 && byteAt(0) != '\r' && (text.size() == 1 || byteAt(1) < firstCombiningLead))
@@ -69,11 +69,10 @@ private:
     std::string_view text_;
 };
 
-/// How many characters a text has: "Bo\u0308e" -> 3.
+/// The number of characters: "Bo\u0308e" -> 3.
 std::size_t graphemeCount(std::string_view text);
 
-/// The longest beginning of a text that has no more than `count` characters: 2 of "Bo\u0308e" are
-/// "Bo\u0308".
+/// The first `count` characters, or all of them if there are fewer: 2 of "Bo\u0308e" are "Bo\u0308".
 std::string_view firstGraphemes(std::string_view text, std::size_t count);
 
 /// The last character; empty for the empty text.

@@ -8,7 +8,7 @@ namespace querlin {
 
 namespace {
 
-/// Reads exactly `digits` digits from the front of `text` and takes them off.
+/// Parses exactly `digits` digits at the front of `text` and removes them.
 std::optional<int> takeNumber(std::string_view& text, std::size_t digits) {
     if (text.size() < digits) return std::nullopt;
     int value = 0;
@@ -26,7 +26,7 @@ bool take(std::string_view& text, char expected) {
     return true;
 }
 
-/// A fraction of one to nine digits behind the point, in nanoseconds.
+/// A fraction of one to nine digits after the point, in nanoseconds.
 std::optional<std::chrono::nanoseconds> takeFraction(std::string_view& text) {
     const auto digits = text.find_first_not_of("0123456789");
     if (digits == std::string_view::npos || digits == 0 || digits > 9) return std::nullopt;
@@ -76,7 +76,7 @@ std::optional<Date> parseIsoDate(std::string_view text) {
     const std::chrono::year_month_day civil{std::chrono::year(*year),
                                             std::chrono::month(static_cast<unsigned>(*month)),
                                             std::chrono::day(static_cast<unsigned>(*day))};
-    // The years that a date of nanoseconds can hold.
+    // The years that fit into a date in nanoseconds.
     if (!civil.ok() || *year < 1678 || *year > 2261) return std::nullopt;
     return std::chrono::sys_days(civil) + std::chrono::hours(*hour) + std::chrono::minutes(*minute) +
            std::chrono::seconds(*second) + fraction;

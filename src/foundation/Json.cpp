@@ -23,7 +23,7 @@ public:
     bool Uint(unsigned value) { return put(JsonValue(std::int64_t{value})); }
     bool Int64(std::int64_t value) { return put(JsonValue(value)); }
     bool Uint64(std::uint64_t value) {
-        // Beyond what a signed number holds, it is kept as nearly as a double can.
+        // Out of a signed number's range: kept as the nearest double.
         return value <= INT64_MAX ? put(JsonValue(static_cast<std::int64_t>(value)))
                                   : put(JsonValue(static_cast<double>(value)));
     }
@@ -45,7 +45,7 @@ public:
 private:
     struct Open {
         std::variant<JsonValue::Array, JsonValue::Object> content;
-        std::string key; // of the member that comes next
+        std::string key; // of the next member
     };
 
     template<class Content>
@@ -93,7 +93,7 @@ const JsonValue* JsonValue::member(std::string_view name) const {
     return nullptr;
 }
 
-/// Hands a value to one of the library's writers, event by event.
+/// Passes a value to one of the library's writers, event by event.
 struct JsonWriter {
     template<class Writer>
     static void write(Writer& writer, const JsonValue& value) {

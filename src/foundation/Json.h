@@ -13,14 +13,14 @@
 namespace querlin {
 
 /// A JSON value (RFC 8259) for the small files of the program. Objects keep the order of their
-/// members; of two members with one name the last counts.
+/// members; if two members have the same name, the last one counts.
 class JsonValue {
 public:
     using Array = std::vector<JsonValue>;
     using Object = std::vector<std::pair<std::string, JsonValue>>;
 
     JsonValue() = default; // null
-    /// Of a real `bool` alone: a pointer must not turn into one.
+    /// Only from `bool` itself: a pointer must not convert.
     template<std::same_as<bool> Bool>
     JsonValue(Bool value) : value_(value) {}
     JsonValue(std::int64_t value) : value_(value) {}
@@ -30,8 +30,8 @@ public:
     JsonValue(Array value) : value_(std::move(value)) {}
     JsonValue(Object value) : value_(std::move(value)) {}
 
-    /// Each gives nothing for a value of another type. A number written without fraction and
-    /// exponent is an integer, any other is a double.
+    /// Each is unset for a value of another type. A number written without fraction and exponent is an
+    /// integer, any other is a double.
     std::optional<bool> boolean() const { return copyOf<bool>(); }
     std::optional<std::int64_t> integer() const { return copyOf<std::int64_t>(); }
     /// Either kind of number.
@@ -40,7 +40,7 @@ public:
     const Array* array() const { return std::get_if<Array>(&value_); }
     const Object* object() const { return std::get_if<Object>(&value_); }
 
-    /// The member of an object; null if there is none or this is no object.
+    /// The member of an object; null if there is none or this is not an object.
     const JsonValue* member(std::string_view name) const;
 
     bool operator==(const JsonValue&) const = default;
@@ -63,10 +63,10 @@ struct JsonError {
 
 namespace Json {
 
-/// Values nested deeper than this are refused: nothing that we write comes near it.
+/// Values nested deeper than this are rejected; our own files come nowhere near it.
 inline constexpr std::size_t maximumDepth = 64;
 
-/// Reads a whole text. Ill-formed UTF-8, text behind the value and deep nesting are errors.
+/// Parses a whole text. Ill-formed UTF-8, trailing text and deep nesting are errors.
 std::expected<JsonValue, JsonError> parse(std::string_view text);
 
 /// Writes a value on several lines, for files that a person may look into.

@@ -7,8 +7,8 @@
 
 namespace querlin {
 
-/// Held by an object whose callbacks others keep: what `onMain` makes does nothing once
-/// the object is gone. Declare it last, so that it goes first.
+/// A member of objects whose callbacks are kept by others: the functions that `onMain` returns do nothing
+/// once the object is destroyed. Declare it last, so that it is destroyed first.
 class Lifetime {
 public:
     /// Wraps `call` for callers on any thread: each call is posted to the main thread and made there.

@@ -10,7 +10,7 @@
 
 namespace querlin {
 
-/// One value, handed from any thread to the one task that waits for it on the main thread.
+/// Passes one value from any thread to the task that waits for it on the main thread.
 ///
 ///     OneShot<std::string> answer(queue);
 ///     service.ask([reply = answer.sender()](std::string text) { reply.send(std::move(text)); });

@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
-#define PCRE2_CODE_UNIT_WIDTH 8 // NOLINT: the library asks for it
+#define PCRE2_CODE_UNIT_WIDTH 8 // NOLINT: required by the library
 #include <pcre2.h>
 
 namespace querlin {
@@ -28,7 +28,7 @@ PCRE2_SPTR subjectOf(std::string_view text) {
     return reinterpret_cast<PCRE2_SPTR>(text.data()); // NOLINT: its bytes are unsigned
 }
 
-/// The most groups that a pattern of ours may have, the whole match among them.
+/// The maximum number of groups in a pattern, including the whole match.
 constexpr std::uint32_t mostGroups = 10;
 
 /// What matching needs besides the pattern; one for each thread.
@@ -41,7 +41,7 @@ struct Workplace {
     Workplace() :
         data(pcre2_match_data_create(mostGroups, nullptr)), context(pcre2_match_context_create(nullptr)) {
         constexpr std::size_t firstBytes = 32U << 10U;
-        constexpr std::size_t mostBytes = 1U << 20U; // Beyond it the interpreter takes over.
+        constexpr std::size_t mostBytes = 1U << 20U; // Matches that need more go to the interpreter.
         stack.reset(pcre2_jit_stack_create(firstBytes, mostBytes, nullptr));
         if (!data || !context) throw std::bad_alloc();
         pcre2_jit_stack_assign(context.get(), nullptr, stack.get());
@@ -58,7 +58,7 @@ std::string errorText(int code) {
     return {buffer.begin(), std::ranges::find(buffer, 0)};
 }
 
-/// An expression, ready to be matched.
+/// A compiled expression.
 struct Expression {
     Expression(std::string_view expression, LetterCase letterCase, const Requirement& required) :
         requirement(required) {
@@ -74,14 +74,14 @@ struct Expression {
         std::uint32_t groups = 0;
         pcre2_pattern_info(code.get(), PCRE2_INFO_CAPTURECOUNT, &groups);
         if (groups >= mostGroups) throw std::logic_error(std::string(expression) + ": too many groups");
-        pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE); // Without it the interpreter matches.
+        pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE); // If this fails, the interpreter matches.
     }
 
     Code code;
     Requirement requirement;
 };
 
-/// The places where one of several literals begins, from first to last.
+/// The positions of any of several literals, in order.
 class Candidates {
 public:
     Candidates(const Requirement& requirement, const FoldedText& folded, std::string_view text) :
@@ -93,7 +93,7 @@ public:
         });
     }
 
-    /// The first place from `from` on, which never goes back; npos if there is none.
+    /// The first position at or after `from`, which never decreases; npos if there is none.
     std::size_t atOrBehind(std::size_t from) {
         if (!folded_.keepsPlaces()) return from < text_.size() ? from : std::string_view::npos;
         auto first = std::string_view::npos;
@@ -142,7 +142,7 @@ public:
     }
     std::size_t start() const { return offsets()[0]; }
     std::size_t end() const { return offsets()[1]; }
-    /// Empty where the group took no part.
+    /// Empty if the group did not take part.
     std::string_view group(std::size_t number) const {
         const auto* range = offsets() + (2 * number);
         if (number >= groupCount() || range[0] == PCRE2_UNSET) return {};
@@ -237,8 +237,8 @@ struct RuleList::Compiled {
         }
     }
 
-    /// Writes the text with all matches replaced into `result`, and where the replacements stand in it into
-    /// `written`; false, and nothing of use in them, if there is no match.
+    /// Writes the text with all matches replaced to `result` and the ranges of the replacements to `written`.
+    /// False if there is no match; both are unspecified then.
     bool replaceAll(std::string_view text, const FoldedText& folded, std::string& result,
                     std::vector<TextProfile::Range>& written) const {
         result.clear();

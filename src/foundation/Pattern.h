@@ -17,13 +17,12 @@ enum class LetterCase : std::uint8_t { counts, ignored };
 
 /// A regular expression, compiled once: Perl's syntax over UTF-8 with the Unicode meaning of `\w`, `\s`,
 /// `\d` and `\b`. Write it so that it can't take quadratic time; what exceeds the engine's limits counts as
-/// no match. Whoever ignores the case gets simple case folding: "ß" is not "ss".
+/// no match. Case-insensitive matching uses simple case folding: "ß" is not "ss".
 ///
-/// Takes any bytes; ill-formed ones become U+FFFD. Composed and decomposed letters are different to it.
-/// May be used on any thread.
+/// Ill-formed bytes become U+FFFD. Composed and decomposed letters are different. Any thread.
 class Pattern {
 public:
-    /// Expressions are part of the program: one that doesn't compile throws std::logic_error.
+    /// Expressions are part of the program: an invalid one throws std::logic_error.
     explicit Pattern(std::string_view expression, LetterCase letterCase = LetterCase::counts,
                      Requirement requirement = {});
     ~Pattern();
@@ -32,11 +31,11 @@ public:
 
     bool isFoundIn(std::string_view text) const;
 
-    /// The whole match, and behind it its groups; a group that took no part is empty.
+    /// The whole match, then its groups; a group that did not take part is empty.
     using Groups = std::span<const std::string_view>;
-    /// What a match becomes; nothing leaves it as it was.
+    /// The replacement of a match; unset leaves it unchanged.
     using Replacement = std::function<std::optional<std::string>(Groups)>;
-    /// Goes over the matches from first to last, on the text as it is given.
+    /// Replaces the matches in order; all of them are looked for in the original text.
     std::string replaceEach(std::string text, const Replacement& replacement) const;
 
 private:
@@ -52,12 +51,12 @@ struct Rule {
     LetterCase letterCase = LetterCase::counts;
 };
 
-/// Replacements that run over a whole text one after the other, each over the result of the one before.
-/// A rule whose requirement isn't met costs next to nothing.
+/// Rules that are applied to a text one after the other, each to the result of the one before. A rule whose
+/// requirement isn't met costs next to nothing.
 class RuleList {
 public:
     RuleList();
-    /// Its strings are copied.
+    /// Copies the strings of the rules.
     void add(const Rule& rule);
     explicit RuleList(std::span<const Rule> rules) : RuleList() {
         for (const auto& rule : rules) add(rule);

@@ -28,20 +28,20 @@ struct BlockOf<32> {
 template<std::size_t width>
 using Block = BlockOf<width>::Type;
 
-/// The bytes of a block, and for each the one in front of it and the one in front of that.
+/// The bytes of a block, and for each of them the two bytes before it.
 template<std::size_t width>
 struct Places {
     Block<width> byte;
     Block<width> before;
     Block<width> twoBefore;
 
-    /// Reads what stands from `bytes` on, and two bytes in front of it.
+    /// Reads a block at `bytes`, and the two bytes before it.
     [[gnu::always_inline]] void load(const char* bytes) {
         std::memcpy(&byte, bytes, width);
         std::memcpy(&before, bytes - 1, width);
         std::memcpy(&twoBefore, bytes - 2, width);
     }
-    /// Adds what isn't 0 where a byte can't stand.
+    /// Sets bytes that are not allowed at their position to non-zero.
     [[gnu::always_inline]] void addFaults(Block<width>& faults) const {
         using Bytes = Block<width>;
         const auto continues = Bytes((byte & 0xC0) == 0x80);
@@ -60,13 +60,13 @@ struct Places {
     }
 };
 
-/// Whether a scalar begins in the last bytes and has no end.
+/// Whether a scalar is incomplete at the end.
 bool endsOpen(std::string_view text) {
     return static_cast<unsigned char>(text.back()) >= 0xC0 || text[text.size() - 2] == '\xE2';
 }
 
-/// Calls `take` with the places of each block, where it begins, and its length: `width`, or less in a short
-/// text. Some bytes may come twice. Whether all of them may stand where they do.
+/// Calls `take` with each block, its offset and its length: `width`, or less in a short text. The last blocks
+/// may overlap. True if all bytes are allowed where they are.
 template<std::size_t width, class Take>
 [[gnu::always_inline]] inline bool walk(std::string_view text, Take take) {
     constexpr std::integral_constant<std::size_t, width> whole;
@@ -78,7 +78,7 @@ template<std::size_t width, class Take>
     std::array<char, (2 * width) + 2> copy;
     // NOLINTEND(cppcoreguidelines-pro-type-member-init)
     if (isShort) {
-        // With blanks around it: what is left open at the end shows in front of one.
+        // Padded with blanks: an incomplete scalar at the end is then followed by one.
         copy.fill(' ');
         text.copy(copy.data() + 2, size);
         for (std::size_t start = 0; start <= size; start += width) {

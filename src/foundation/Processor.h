@@ -4,10 +4,10 @@
 
 namespace querlin {
 
-/// Which of a processor's registers a loop may use.
+/// The vector registers that a loop may use.
 enum class Registers : std::uint8_t { portable, avx2 };
 
-/// The widest ones that this processor has and that we have code for.
+/// The widest registers that this processor has and that there is code for.
 inline Registers widestRegisters() {
 #if defined(__x86_64__)
     static const bool hasAvx2 = __builtin_cpu_supports("avx2");

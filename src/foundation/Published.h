@@ -10,14 +10,14 @@
 
 namespace querlin {
 
-/// Whether a new subscriber is told the present value at once.
+/// Whether a new subscriber gets the current value at once.
 enum class FirstValue : std::uint8_t { Deliver, Skip };
 
 /// A value that can be observed. Main thread only.
 ///
-/// Subscribers are called in the order in which they came, with each assigned value, equal ones
-/// included. A subscriber may assign, subscribe and unsubscribe while it is called: the newest value
-/// is then the last one that everybody hears.
+/// Subscribers are called in the order of subscription, with each assigned value, even an equal one. A
+/// subscriber may assign, subscribe and unsubscribe while it is called; every subscriber then gets the newest
+/// value last.
 template<class Value>
 class Published {
 public:
@@ -30,13 +30,13 @@ public:
     const Value& get() const { return state_->value; }
 
     void set(Value value) {
-        const auto state = state_; // Outlives this object, should a subscriber destroy it.
+        const auto state = state_; // Kept alive in case a subscriber destroys this object.
         state->value = std::move(value);
         const auto generation = ++state->generation;
-        const auto known = state->entries; // Those who come during the call hear the value on subscribing.
+        const auto known = state->entries; // Subscribers added during the call get the value on subscribing.
         for (const auto& entry : known) {
             if (entry->subscriber && entry->active) entry->subscriber(state->value);
-            if (state->generation != generation) return; // The nested assignment has told everybody.
+            if (state->generation != generation) return; // A nested assignment has already called everyone.
         }
     }
 

@@ -6,8 +6,7 @@
 
 namespace querlin {
 
-/// One case of an enumeration that is stored and shown: its stable text in files, and its name for
-/// people.
+/// One case of an enumeration that is stored and shown: its stable text in files and its display name.
 template<class Enum>
 struct EnumRow {
     Enum value;
@@ -16,7 +15,7 @@ struct EnumRow {
 };
 
 /// An enumeration with a table of its cases: `constexpr std::array<EnumRow<Kind>, n> enumRows(Kind)`
-/// beside its declaration, in the order of the cases, which is the order of every list shown.
+/// beside its declaration, in the order of the cases, which is also the order of lists shown to the user.
 template<class Enum>
 concept RawValued = requires(Enum value) { enumRows(value); };
 
@@ -44,7 +43,7 @@ constexpr std::string_view displayName(Enum value) {
     return enumRow(value).displayName;
 }
 
-/// The case with this raw value, compared exactly; nothing if there is none.
+/// The case with this raw value, compared exactly; unset if there is none.
 template<RawValued Enum>
 constexpr std::optional<Enum> fromRawValue(std::string_view rawValue) {
     for (const auto& row : enumRows(Enum())) {

@@ -5,8 +5,8 @@
 
 namespace querlin {
 
-/// Something that holds until it is let go: a subscription, a scheduled call, an observer.
-/// Destroying it withdraws it; a withdrawn callback is never called again.
+/// The owned end of a subscription, a scheduled call or an observer. Destroying it withdraws the callback,
+/// which is then never called again.
 class [[nodiscard]] Registration {
 public:
     Registration() = default;
@@ -14,7 +14,7 @@ public:
     Registration(Registration&& other) noexcept : withdraw_(std::exchange(other.withdraw_, nullptr)) {}
     Registration& operator=(Registration&& other) noexcept {
         if (this != &other) {
-            // Taken over first: withdrawing may run code that looks at this registration.
+            // Moved first: withdrawing may run code that looks at this registration.
             auto former = std::exchange(withdraw_, std::exchange(other.withdraw_, nullptr));
             if (former) former();
         }
@@ -29,7 +29,7 @@ public:
         if (auto withdraw = std::exchange(withdraw_, nullptr)) withdraw();
     }
 
-    /// Whether there is something to withdraw. A call that was due once and has run still counts.
+    /// Whether there is something to withdraw; true also after a scheduled call has run.
     explicit operator bool() const { return static_cast<bool>(withdraw_); }
 
 private:

@@ -2,7 +2,7 @@
 
 namespace querlin {
 
-/// Hands a foreign library's object back to it: `std::unique_ptr<pcre2_code, Release<pcre2_code_free>>`.
+/// Deleter for the objects of C libraries: `std::unique_ptr<pcre2_code, Release<pcre2_code_free>>`.
 template<auto release>
 struct Release {
     template<class Object>

@@ -5,8 +5,8 @@
 
 namespace querlin {
 
-/// Each `from` becomes `to`, in one pass from the front: "a   b" with "  " and " " -> "a  b". `from` isn't
-/// empty.
+/// Replaces each `from` by `to`, in one pass from the front: "a   b" with "  " and " " -> "a  b". `from` must
+/// not be empty.
 std::string replacingAll(std::string_view text, std::string_view from, std::string_view to);
 
 } // namespace querlin

@@ -14,8 +14,8 @@ constexpr std::string_view longS = "\u017F";
 constexpr std::string_view kelvinSign = "\u212A";
 constexpr std::string_view capitalSharpS = "ẞ";
 
-/// Whether any of the three may be there. In bytes alone and without branches, like the other loops over
-/// whole texts here, so that the compiler takes sixteen at once: what is equal leaves no difference.
+/// Whether any of the three may occur. Like the other loops over whole texts here it works on bytes and
+/// without branches, so that the compiler can vectorise it: equal bytes leave a difference of zero.
 bool mayHoldOddLetters(std::string_view text) {
     std::uint8_t least = 0xFF;
     for (std::size_t i = 1; i < text.size(); ++i) {
@@ -28,7 +28,7 @@ bool mayHoldOddLetters(std::string_view text) {
     return least == 0;
 }
 
-/// Three bytes of a literal, or two if it is short, that no odd letter stands for; empty if it has none.
+/// Three bytes of a literal, or two if it is short, that no odd letter can fold to; empty if there are none.
 std::string_view probeOf(std::string_view literal) {
     const auto length = std::min<std::size_t>(3, literal.size());
     for (std::size_t start = 0; start + length <= literal.size(); ++start) {
@@ -38,8 +38,8 @@ std::string_view probeOf(std::string_view literal) {
     return {};
 }
 
-/// Whether three bytes of a small literal, or the two it has, stand side by side anywhere in a text, folded
-/// or not. Says yes too often, and never no where an odd letter might stand for one of them.
+/// Whether three bytes of a lower-case literal (or its two) occur next to each other in a text, folded or
+/// not. May be wrongly true, never wrongly false where an odd letter might fold to one of them.
 bool mayHold(std::string_view text, std::string_view literal) {
     const auto probe = probeOf(literal);
     if (probe.empty()) return true;
@@ -60,7 +60,7 @@ bool mayHold(std::string_view text, std::string_view literal) {
     return least == 0;
 }
 
-/// The end of the small letters of ASCII and U+00E0 to U+00FF that begin at a place.
+/// The end of the run of lower-case letters of ASCII and U+00E0 to U+00FF at a position.
 std::size_t endOfLetters(std::string_view folded, std::size_t at) {
     while (at < folded.size()) {
         if (folded[at] >= 'a' && folded[at] <= 'z') {
@@ -81,10 +81,10 @@ bool isPunctuation(std::string_view folded, std::size_t at) {
            (static_cast<unsigned char>(bytes[2]) & 0xF0U) == 0x90;
 }
 
-/// Whether a run of letters may stand behind itself, with white space between. Where there might be letters
-/// or white space that it doesn't know, the answer is yes.
+/// Whether a run of letters may be followed by itself after white space. True also if the text has letters
+/// or white space that this function doesn't know.
 bool mayRepeatWord(std::string_view folded) {
-    std::string_view before; // The last word, as long as only white space has followed it.
+    std::string_view before; // The previous word, while only white space has followed it.
     for (std::size_t at = 0; at < folded.size();) {
         if (const auto end = endOfLetters(folded, at); end > at) {
             const auto word = folded.substr(at, end - at);
@@ -104,7 +104,7 @@ bool mayRepeatWord(std::string_view folded) {
     return false;
 }
 
-/// Whether the byte belongs to the character whose first byte stands before it.
+/// Whether the byte is a continuation byte.
 bool continuesScalar(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; }
 
 } // namespace
@@ -149,7 +149,7 @@ void TextProfile::change(std::string_view text, std::span<const Range> written) 
     text_ = text;
     isFolded_ = false;
     for (auto [start, end] : written) {
-        // With the whole characters on either side.
+        // Extended to whole characters on either side.
         if (start > 0) --start;
         while (start > 0 && continuesScalar(text[start])) --start;
         if (end < text.size()) ++end;

@@ -9,7 +9,7 @@
 
 namespace querlin {
 
-/// A set of byte values, for what the first or the last byte of something may be.
+/// A set of byte values, for example of the possible first bytes of something.
 class ByteSet {
 public:
     constexpr ByteSet() = default;
@@ -40,7 +40,7 @@ private:
     std::array<std::uint64_t, 4> words_{};
 };
 
-/// Puts all bytes into 64 classes: what patterns tell apart has a class of its own.
+/// Maps bytes to 64 classes: bytes that patterns distinguish have classes of their own.
 namespace ByteClass {
 inline constexpr auto ofByte = [] {
     constexpr std::string_view apart =
@@ -72,43 +72,43 @@ constexpr std::uint64_t bitsOf(const ByteSet& bytes) {
 }
 } // namespace ByteClass
 
-/// Bytes at the edges of the classes that patterns speak of. They may name too many, never too few.
+/// First and last bytes of the character classes used in patterns. They may contain too many, never too few.
 namespace Bytes {
 inline constexpr ByteSet beyondAscii = ByteSet::range(0x80, 0xFF);
 inline constexpr ByteSet asciiWhitespace{" \t\n\v\f\r"};
-/// How white space may begin: U+0085 and U+00A0, U+1680, U+2000 to U+205F, U+3000 among it.
+/// First bytes of white space, which includes U+0085 and U+00A0, U+1680, U+2000 to U+205F, U+3000.
 inline constexpr ByteSet whitespaceBegins = asciiWhitespace | ByteSet("\xC2\xE1\xE2\xE3");
-/// How white space may end, in the same order.
+/// Last bytes of white space, in the same order.
 inline constexpr ByteSet whitespaceEnds =
     asciiWhitespace | ByteSet("\x85\xA0\xA8\xA9\xAF\x9F") | ByteSet::range(0x80, 0x8A);
 inline constexpr ByteSet letterBegins = ByteSet::range('a', 'z') | beyondAscii;
 inline constexpr ByteSet digits = ByteSet::range('0', '9');
 } // namespace Bytes
 
-/// What a text must hold for a pattern to match anywhere in it, told so simply that it costs next to
-/// nothing to see it missing. It speaks of the text in small letters (see `FoldedText`).
+/// A condition that a text must meet for a pattern to match anywhere in it, simple enough that checking it
+/// costs next to nothing. It refers to the text in lower case (see `FoldedText`).
 ///
-/// It is the duty of whoever writes it to be right: where it names too much, a rule silently never fires.
+/// Invariant: the condition must be necessary. If it asks for too much, a rule silently never fires.
 class Requirement {
 public:
     enum class Kind : std::uint8_t { none, literal, beginning, pair, repeatedWord };
 
-    /// Nothing: the pattern is always tried, everywhere.
+    /// No condition: the pattern is always tried, everywhere.
     constexpr Requirement() = default;
-    /// One of these texts, with "|" between them; each small and of two bytes at least: "märz|maerz".
+    /// One of these texts, separated by "|"; each in lower case and of at least two bytes: "märz|maerz".
     static constexpr Requirement oneOf(std::string_view literals) {
         Requirement requirement;
         requirement.kind_ = Kind::literal;
         requirement.literals_ = literals;
         return requirement;
     }
-    /// The same, and every match begins with it: the pattern is tried there alone.
+    /// The same, and every match begins with one of them: the pattern is tried only there.
     static constexpr Requirement beginsWith(std::string_view literals) {
         auto requirement = oneOf(literals);
         requirement.kind_ = Kind::beginning;
         return requirement;
     }
-    /// A byte of one set directly in front of a byte of another.
+    /// A byte of one set directly before a byte of another.
     static constexpr Requirement pair(const ByteSet& first, const ByteSet& second) {
         Requirement requirement;
         requirement.kind_ = Kind::pair;
@@ -116,7 +116,7 @@ public:
         requirement.second_ = ByteClass::bitsOf(second);
         return requirement;
     }
-    /// A word, in whatever case, directly behind itself.
+    /// A word, in any case, directly followed by itself.
     static constexpr Requirement repeatedWord() {
         Requirement requirement;
         requirement.kind_ = Kind::repeatedWord;
@@ -124,7 +124,7 @@ public:
     }
 
     constexpr Kind kind() const { return kind_; }
-    /// Of one text alone; several are quicker with a `TextProfile`.
+    /// For a single check; several checks of one text are quicker with a `TextProfile`.
     bool isMetBy(std::string_view text) const;
 
     /// Whether `test` holds for one of the literals.
@@ -148,13 +148,14 @@ private:
     std::uint64_t second_ = 0;
 };
 
-/// A text in small letters to look for literals in: whatever a caseless pattern takes for one of a-z, ä, ö, ü
-/// and ß is folded to it, so that the long s (U+017F) becomes "s", the Kelvin sign "k" and the capital ẞ "ß".
+/// A text in lower case, to look for literals in: whatever a case-insensitive pattern matches with a-z, ä, ö,
+/// ü and ß is folded to it, so that the long s (U+017F) becomes "s", the Kelvin sign "k" and the capital ẞ
+/// "ß".
 class FoldedText {
 public:
     void read(std::string_view text);
     std::string_view text() const { return folded_; }
-    /// Whether each place is the same in both.
+    /// Whether offsets are the same in both.
     bool keepsPlaces() const { return keepsPlaces_; }
 
 private:
@@ -162,8 +163,8 @@ private:
     bool keepsPlaces_ = true;
 };
 
-/// What a text holds, gathered in one pass: which kinds of bytes stand behind which. The text must stay where
-/// it is.
+/// What a text contains, gathered in one pass: which classes of bytes follow which. The text must outlive the
+/// profile.
 class TextProfile {
 public:
     void read(std::string_view text);
@@ -172,11 +173,11 @@ public:
         std::size_t start = 0;
         std::size_t end = 0;
     };
-    /// The text has become this one; only these ranges of it were written anew. What went may still count
-    /// as held.
+    /// The text has been replaced by this one, of which only these ranges are new. Removed parts may still
+    /// count as contained.
     void change(std::string_view text, std::span<const Range> written);
 
-    /// False only where nothing that requires this can match.
+    /// False only if nothing with this requirement can match.
     bool meets(const Requirement& requirement);
     const FoldedText& folded();
 
@@ -187,7 +188,7 @@ private:
     std::string_view text_;
     FoldedText folded_;
     bool isFolded_ = false;
-    /// For each class of bytes the classes that stand directly behind it somewhere.
+    /// For each class of bytes the classes that directly follow it somewhere.
     std::array<std::uint64_t, 64> followers_{};
 };
 

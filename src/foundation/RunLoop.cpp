@@ -17,7 +17,7 @@ struct RunLoop::State {
     std::uint64_t lastTimer = 0;
     bool quitting = false;
 
-    /// Takes the next piece of work, or waits for it; empty when the loop is to end.
+    /// The next piece of work, waiting for it if needed; empty when the loop is to end.
     Work next() {
         std::unique_lock guard(mutex);
         while (!quitting) {
@@ -75,7 +75,7 @@ Registration RunLoop::after(Duration delay, Work work) {
     return Registration([weak = std::weak_ptr(state_), key] {
         const auto state = weak.lock();
         if (!state) return;
-        Work withdrawn; // Destroyed after the lock is gone: its captures may call back.
+        Work withdrawn; // Destroyed after the lock has been released: its captures may call back.
         const std::scoped_lock inner(state->mutex);
         if (const auto found = state->timers.find(key); found != state->timers.end()) {
             withdrawn = std::move(found->second);

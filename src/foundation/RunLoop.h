@@ -15,7 +15,7 @@ public:
 
     /// Serves the queue until `quit`.
     void run();
-    /// Ends `run` after the work that is running now; what waits stays. From any thread.
+    /// Ends `run` after the current work; pending work stays queued. From any thread.
     void quit();
 
     void post(Work work) override;

@@ -6,10 +6,10 @@
 
 namespace querlin {
 
-/// One thread that runs its work in the order of the calls; whoever hands work over never waits.
+/// One thread that runs work in the order of the calls; handing work over never blocks.
 ///
-/// The end of the process doesn't hang on it: on destruction the work handed over so far is given
-/// up to two seconds, and then the thread is left behind with what it still holds.
+/// It never holds up the end of the process: the destructor gives pending work up to two seconds, then
+/// abandons the thread and what it still holds.
 class SerialQueue {
 public:
     SerialQueue();

@@ -19,7 +19,7 @@ public:
         bool await_ready() const noexcept { return false; }
         template<class Promise>
         void await_suspend(std::coroutine_handle<Promise> ended) const noexcept {
-            // Nothing of the ended frame may be touched behind this call: the parent may destroy it.
+            // The finished frame must not be touched after this call: the parent may destroy it.
             if (const auto parent = ended.promise().parent_) parent.resume();
         }
         void await_resume() const noexcept {}
@@ -69,9 +69,9 @@ public:
 /// An asynchronous operation of the main thread, written as a coroutine.
 ///
 /// It begins when it is awaited (or started by a `TaskGroup`), and every step of it runs on the main
-/// thread. Destroying a task abandons it: the frame goes where it is suspended, with all that it
-/// holds, and the awaiter it hangs on withdraws its callback. A running task can't be destroyed from
-/// within itself.
+/// thread. Destroying a task abandons it: the suspended frame is destroyed with all that it holds, and the
+/// awaiter that it is suspended in withdraws its callback. A running task can't be destroyed from within
+/// itself.
 template<class Value = void>
 class [[nodiscard]] Task {
 public:
@@ -92,8 +92,8 @@ public:
     }
 
     bool await_ready() const noexcept { return false; }
-    /// Runs the task up to its first wait here and now: without optimisation the language's own
-    /// transfer between frames grows the stack. False means it has already ended.
+    /// Resumes the child directly up to its first wait: without optimisation, symmetric transfer between
+    /// frames would grow the stack. False if it has already finished.
     bool await_suspend(std::coroutine_handle<> parent) {
         frame_.resume();
         if (frame_.done()) return false;

@@ -17,7 +17,7 @@ struct TaskGroup::Root {
 
 TaskGroup::Root TaskGroup::drive(TaskGroup& group, std::uint64_t number, Task<void> task) {
     co_await task;
-    group.running_.erase(number); // The frame ends itself behind this line.
+    group.running_.erase(number); // The coroutine frame destroys itself after this line.
 }
 
 void TaskGroup::start(Task<void> task) {
@@ -30,7 +30,7 @@ void TaskGroup::start(Task<void> task) {
 TaskGroup::~TaskGroup() { abandonAll(); }
 
 void TaskGroup::abandonAll() {
-    // One by one: what a frame destroys may look at the group.
+    // One by one: destructors in a frame may access the group.
     while (!running_.empty()) {
         const auto frame = running_.begin()->second;
         running_.erase(running_.begin());

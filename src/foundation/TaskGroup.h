@@ -7,7 +7,7 @@
 
 namespace querlin {
 
-/// Owns tasks that nobody awaits. What still runs when the group goes is abandoned.
+/// Owns tasks that nobody awaits. Destroying the group abandons those still running.
 ///
 /// A task that ends with an exception ends the program: tasks report failures as values.
 class TaskGroup {
@@ -23,7 +23,7 @@ public:
     /// Abandons all tasks. Not from within one of them.
     void abandonAll();
 
-    /// Whether no task of the group is under way.
+    /// Whether no task of the group is still running.
     bool isEmpty() const { return running_.empty(); }
 
 private:

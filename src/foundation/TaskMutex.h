@@ -8,7 +8,8 @@
 
 namespace querlin {
 
-/// Lets one task at a time through a stretch that suspends. Main thread only; outlives its guards.
+/// A mutex for tasks: lets one at a time through a section that may suspend. Main thread only; must outlive
+/// its guards.
 ///
 ///     const auto turn = co_await mutex.lock();
 class TaskMutex {
@@ -43,7 +44,7 @@ public:
 private:
     void unlock() {
         isHeld_ = false;
-        // All are woken, in their order, and look again: one of them may have been abandoned.
+        // All waiters are woken, in order, and check again: one of them may have been abandoned.
         for (const auto& waiter : std::exchange(waiting_, {})) waiter.send(true);
     }
 

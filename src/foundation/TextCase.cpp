@@ -32,8 +32,8 @@ std::string converted(const std::string& text, Convert convert) {
 
 enum class Case : std::uint8_t { Upper, Fold };
 
-/// Maps one scalar of U+0080 to U+00FF that `lowercaseLatin1` doesn't see to. What it becomes takes two
-/// bytes as well.
+/// Maps one scalar of U+0080 to U+00FF that `lowercaseLatin1` doesn't handle. The result has two bytes as
+/// well.
 void mapLatin1(char* bytes, Case to) {
     const std::string_view scalar(bytes, 2);
     const auto put = [bytes](std::string_view mapped) { mapped.copy(bytes, 2); };
@@ -49,8 +49,8 @@ void mapLatin1(char* bytes, Case to) {
     }
 }
 
-/// Whether a text is made of what German text is made of, as far as its case goes: ASCII, U+0080 to U+00FF,
-/// punctuation. Letters from U+0100 on have rules of their own.
+/// Whether a text consists of ASCII, U+0080 to U+00FF and punctuation, as German text does. Letters from
+/// U+0100 on have case rules of their own.
 bool isLatin1WithPunctuation(std::string_view text) {
     if (isLatin1(text)) return true;
     if (latinPrefix(text) != text.size()) return false;
@@ -62,7 +62,7 @@ bool isLatin1WithPunctuation(std::string_view text) {
     return !hasOther;
 }
 
-/// Maps in place of ICU; false, and nothing of use in `result`, where the text has anything else.
+/// Maps such a text without ICU; false for any other, `result` is unspecified then.
 bool mapLatin(std::string_view text, Case to, std::string& result) {
     if (!isLatin1WithPunctuation(text)) return false;
     result.resize(text.size());
@@ -88,10 +88,10 @@ const icu::Normalizer2* nfcNormalizer() {
     return normalizer;
 }
 
-/// One form for all texts that differ in case or normalisation alone.
+/// The common form of all texts that differ in case or normalisation only.
 std::string folded(std::string_view text) {
     if (std::string latin; mapLatin(text, Case::Fold, latin)) return latin;
-    // Folding may leave something to compose.
+    // Folding may produce sequences that compose.
     return nfc(converted(nfc(text), [](icu::StringPiece source, icu::ByteSink& sink, UErrorCode& status) {
         icu::CaseMap::utf8Fold(0, source, sink, nullptr, status);
     }));
@@ -100,7 +100,7 @@ std::string folded(std::string_view text) {
 } // namespace
 
 void lowercaseLatin1(std::string_view text, char* lower) {
-    // Without branches and without looking at what was written, so that it runs over many bytes at once.
+    // No branches and no reads of the output, so that the compiler can vectorise it.
     const auto mapped = [](unsigned char byte, unsigned char lead) {
         const bool isCapital = static_cast<unsigned char>(byte - 'A') < 26;
         const bool isUmlaut = lead == 0xC3 && static_cast<unsigned char>(byte - 0x80) < 0x1F && byte != 0x97;
@@ -157,7 +157,8 @@ std::optional<std::string_view> findIgnoringCase(std::string_view haystack, std:
     if (needle.empty()) return std::nullopt;
     const auto wanted = folded(needle);
     std::string text;
-    std::vector<std::size_t> places; // In the haystack, of each byte of its folded form and of its end.
+    std::vector<std::size_t>
+        places; // Offset in the haystack of each byte of its folded form, and of its end.
     for (auto rest = haystack; !rest.empty();) {
         const auto length = decodeScalar(rest).lengthInBytes;
         text += folded(rest.substr(0, length));

@@ -20,8 +20,8 @@ public:
 
     void run(Work work) override;
 
-    /// Drops work that has not begun, waits for work that runs, and takes none from here on. Called by the
-    /// destructor, and before that by whoever is used by such work and goes earlier.
+    /// Drops work that has not begun, waits for running work, and accepts none from here on. Called by the
+    /// destructor; call it earlier if objects that the work uses are destroyed before the pool.
     void finish();
 
 private:

@@ -4,17 +4,17 @@
 
 namespace querlin {
 
-/// A moment on the calendar, in UTC; what is stored and shown.
+/// A point in calendar time, in UTC; what is stored and shown.
 using Date = std::chrono::system_clock::time_point;
-/// A moment for measuring spans; never set back.
+/// A point in monotonic time, for measuring.
 using Instant = std::chrono::steady_clock::time_point;
 /// A span of time.
 using Duration = std::chrono::nanoseconds;
 
-/// A span in seconds, as log lines and settings speak of it.
+/// The number of seconds in a span, for log lines and settings.
 constexpr double inSeconds(Duration span) { return std::chrono::duration<double>(span).count(); }
 
-/// The span of a number of seconds: `seconds(0.25)`.
+/// A span of so many seconds: `seconds(0.25)`.
 constexpr Duration seconds(double count) {
     return std::chrono::duration_cast<Duration>(std::chrono::duration<double>(count));
 }

@@ -27,7 +27,7 @@ std::size_t lastScalarStart(std::string_view text) {
     for (std::size_t length = 1; length <= longest && length <= text.size(); ++length) {
         const auto start = text.size() - length;
         if ((static_cast<unsigned char>(text[start]) & 0xC0U) != 0x80) {
-            // Anything but one whole scalar up to the end is ill-formed, and no blank.
+            // Anything but one complete scalar at the end is ill-formed, and not a blank.
             return decodeScalar(text.substr(start)).lengthInBytes == length ? start : text.size() - 1;
         }
     }

@@ -6,15 +6,15 @@
 
 namespace querlin {
 
-/// Takes category Zs and U+0009 off both ends: "\t\u00A0ja\n " -> "ja\n". Goes scalar by scalar, not
-/// character by character. Ill-formed bytes stay.
+/// Removes category Zs and U+0009 from both ends: "\t\u00A0ja\n " -> "ja\n". By scalars, not by characters.
+/// Ill-formed bytes stay.
 std::string_view trimBlanksAndTabs(std::string_view text);
-/// Takes the categories Zs, Zl and Zp, U+0009 to U+000D and U+0085 off both ends, likewise:
+/// Removes the categories Zs, Zl and Zp, U+0009 to U+000D and U+0085 from both ends, likewise:
 /// "\t\u00A0ja\n " -> "ja".
 std::string_view trimWhitespaceAndNewlines(std::string_view text);
-/// Whether the last scalar is of that set.
+/// Whether the last scalar is in that set.
 bool endsInWhitespaceOrNewline(std::string_view text);
-/// Takes the scalars of a set off both ends: "(BGB)." with "()." -> "BGB".
+/// Removes the scalars of a set from both ends: "(BGB)." with "()." -> "BGB".
 std::string_view trimAnyOfBothEnds(std::string_view text, const ScalarSet& scalars);
 inline std::string_view trimAnyOf(std::string_view text, const ScalarSet& scalars) {
     const auto stays = [&scalars](char byte) {

@@ -13,7 +13,7 @@ namespace querlin {
 
 namespace {
 
-/// The scalar at `at`, which moves behind it; negative for ill-formed bytes.
+/// The scalar at `at`, which is advanced past it; negative for ill-formed bytes.
 std::int32_t nextScalar(std::string_view text, std::size_t& at) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data()); // NOLINT: ICU's idea of UTF-8
     std::int32_t scalar = 0;
@@ -40,7 +40,7 @@ bool isLatin1(std::string_view text) {
     const auto isLead = [](std::uint8_t byte) { return (byte & 0xFE) == 0xC2; };
     if ((bytes[0] >= 0x80 && !isLead(bytes[0])) || isLead(bytes[text.size() - 1])) return false;
     std::uint8_t other = 0;
-    // In bytes alone and without branches, so that the compiler takes sixteen at once.
+    // On bytes only and without branches, so that the compiler can vectorise it.
     for (std::size_t i = 1; i < text.size(); ++i) {
         const std::uint8_t isAwaited = (bytes[i - 1] & 0xFE) == 0xC2 ? 1 : 0;
         const std::uint8_t continues = (bytes[i] & 0xC0) == 0x80 ? 1 : 0;

@@ -8,7 +8,7 @@
 namespace querlin {
 
 std::string newUuid() {
-    std::random_device random; // The kernel's generator: two programs never draw the same name.
+    std::random_device random; // The kernel's generator, so that no two processes draw the same.
     std::array<std::uint32_t, 4> part{};
     for (auto& value : part) value = random();
     return fmt::format("{:08X}-{:04X}-{:04X}-{:04X}-{:04X}{:08X}", part[0], part[1] >> 16U,

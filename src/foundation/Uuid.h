@@ -10,7 +10,7 @@ namespace querlin {
 /// "3F2504E0-4F89-41D3-9A0C-0305E82C3301".
 std::string newUuid();
 
-/// The canonical upper-case form of a UUID's text; nothing if it isn't one.
+/// The canonical upper-case form of a UUID; unset if the text isn't one.
 std::optional<std::string> canonicalUuid(std::string_view text);
 
 } // namespace querlin

@@ -10,8 +10,7 @@
 
 namespace querlin {
 
-/// Suspends the awaiting task for a span of time: `co_await sleepFor(queue, seconds(0.25));`
-/// It suspends also for a span of 0.
+/// Suspends the awaiting task for a span of time, also for 0: `co_await sleepFor(queue, seconds(0.25));`
 class [[nodiscard]] SleepAwaiter {
 public:
     SleepAwaiter(MainQueue& queue, Duration span) : queue_(queue), span_(span) {}
@@ -29,8 +28,8 @@ private:
 
 inline SleepAwaiter sleepFor(MainQueue& queue, Duration span) { return {queue, span}; }
 
-/// Runs `work` in the background and gives its result on the main thread; an exception of the work
-/// comes out of the wait. Abandoning the wait doesn't stop work that has begun; its result is dropped.
+/// Runs `work` in the background and returns its result on the main thread; exceptions are rethrown there.
+/// Abandoning the wait doesn't stop work that has begun; its result is dropped.
 ///
 ///     const auto words = co_await background(runtime, std::move(count));
 template<class Call>

@@ -9,12 +9,12 @@
 
 namespace querlin {
 
-/// Waits until one of the descriptors is ready, or until the deadline. It may also return earlier without a
-/// reason (a signal, after a minute): callers look again. The result is poll(2)'s.
+/// Waits until one of the descriptors is ready, or until the deadline. May return early without a reason (a
+/// signal, after a minute): callers check again. The result is that of poll(2).
 int pollUntil(std::span<pollfd> descriptors, Instant deadline);
 
-/// Ends the wait of a thread that sits in poll(2) or in a library's own loop (eventfd(2)). Rings are not
-/// counted: several before the waiter looks are one.
+/// Wakes a thread that waits in poll(2) or in a library's own loop (eventfd(2)). Rings are not counted:
+/// several before the waiter looks are one.
 class WakeUp {
 public:
     WakeUp();
@@ -24,13 +24,13 @@ public:
 
     /// From any thread, and from a signal handler: async-signal-safe, and errno stays as it was.
     void ring() const noexcept;
-    /// Forgets the rings so far.
+    /// Clears the rings so far.
     void clear() const;
-    /// Readable from a ring until it is cleared.
+    /// Readable from a ring until `clear`.
     int descriptor() const { return descriptor_; }
 
     /// Waits until a ring, which it clears, or until one of the descriptors (below 0: none) is readable, or
-    /// until the deadline; like pollUntil possibly less.
+    /// until the deadline; may return early, like pollUntil.
     void wait(std::initializer_list<int> descriptors = {}, Instant deadline = Instant::max()) const;
 
 private:

@@ -7,7 +7,7 @@
 
 namespace querlin {
 
-/// A table of words to look others up in; most that aren't in it are told by their first byte and length.
+/// A set of words for look-ups; most words that aren't in it are rejected by first byte and length.
 template<std::size_t size>
 class WordSet {
 public:
@@ -15,7 +15,7 @@ public:
         std::ranges::sort(sorted_);
         for (const auto word : words) lengths_[firstByte(word)] |= bitOf(word);
     }
-    /// Whether a word in whatever case may be in a table of small ASCII letters.
+    /// Whether a word, in any case, may be in a table of lower-case ASCII words.
     constexpr bool mayContain(std::string_view word) const {
         return !word.empty() && (lengths_[firstByte(word) | 0x20U] & bitOf(word)) != 0;
     }
@@ -33,7 +33,7 @@ private:
     }
 
     std::array<std::string_view, size> sorted_;
-    /// For each first byte the lengths, modulo 32, of the words that begin with it.
+    /// For each first byte the lengths, modulo 32, of the words that start with it.
     std::array<std::uint32_t, 256> lengths_{};
 };
 

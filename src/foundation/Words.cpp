@@ -8,7 +8,7 @@ namespace querlin {
 
 namespace {
 
-/// `forEachWord` for a text in which nothing combines and no white space lies beyond U+00FF.
+/// `forEachWord` for a text without combining marks and without white space above U+00FF.
 template<class Call>
 void forEachSimpleWord(std::string_view text, Call call) {
     std::size_t start = 0;
@@ -34,8 +34,8 @@ void forEachSimpleWord(std::string_view text, Call call) {
 std::string comparedForm(std::string_view word) { return nfc(lowercase(trimAnyOf(word, wordPunctuation))); }
 
 Words::Words(std::string_view text) {
-    // Where small letters take the same place and there is nothing to compose, the words' forms are there
-    // already: most German text never gets further.
+    // If lower case has the same length and nothing composes, the compared forms are slices of it: the fast
+    // path of nearly all German text.
     bool isSimple = isLatin1(text);
     if (isSimple) {
         forms_.resize(text.size());

@@ -18,19 +18,19 @@ namespace querlin::DictationCommands {
 
 namespace {
 
-/// One to three words, in their compared form.
+/// One to three words, in compared form.
 using Phrase = std::array<std::string_view, 3>;
 
 enum class Noun : std::uint8_t { never, possible };
 
 struct Command {
     Phrase phrase;
-    /// Empty for the quotation mark that opens and closes by turns.
+    /// Empty for the quotation mark that alternates between opening and closing.
     std::string_view replacement;
     Noun noun;
 };
 
-/// The first row that matches counts: longer phrases stand before their beginnings.
+/// The first matching row counts, so longer phrases come before their prefixes.
 constexpr auto commands = std::to_array<Command>({
     {{"neuer", "absatz"}, "\n\n", Noun::never},
     {{"neuen", "absatz"}, "\n\n", Noun::never},
@@ -71,7 +71,7 @@ constexpr auto discardAll = std::to_array<Phrase>({
     {"alles", "löschen"},
 });
 
-/// The first words of all phrases: where none of them stands, no phrase begins.
+/// The first words of all phrases: no phrase begins at any other word.
 constexpr auto firstWords = [] {
     std::array<std::string_view, commands.size() + deleteSentence.size() + discardAll.size()> words;
     auto* out = std::ranges::transform(commands, words.begin(), [](const auto& command) {
@@ -84,7 +84,7 @@ constexpr auto firstWords = [] {
 }();
 
 // clang-format off
-/// Behind one of these a doubtful command is a noun.
+/// After one of these an ambiguous command is a noun.
 constexpr WordSet<91> determiners({
     "der", "die", "das", "den", "dem", "des", "ein", "eine", "einen", "einem", "einer", "eines", "dieser",
     "diese", "dieses", "diesen", "diesem", "jener", "jene", "jenes", "jeden", "jeder", "jede", "jedes",
@@ -98,7 +98,7 @@ constexpr WordSet<91> determiners({
 });
 // clang-format on
 
-/// In front of one of these a doubtful command is a noun.
+/// Before one of these an ambiguous command is a noun.
 constexpr WordSet<33> followingVerbs({
     "ist",      "war",    "sind",   "waren", "wäre",   "wären", "wird",    "wurde",     "werden",
     "würde",    "worden", "bleibt", "blieb", "gilt",   "galt",  "scheint", "erscheint", "lautet",
@@ -140,7 +140,7 @@ std::size_t lengthOf(const Phrase& phrase) {
                                     phrase.begin());
 }
 
-/// What stands there in place of the white space between two words of the source; at most one empty line.
+/// The replacement of the white space between two words of the source; at most one empty line.
 std::string_view lineBreaks(std::string_view gap) {
     const auto count = std::ranges::count(gap, '\n');
     return std::string_view("\n\n").substr(0, std::min<std::size_t>(2, static_cast<std::size_t>(count)));
@@ -150,7 +150,7 @@ bool isLetterOrNumber(std::string_view character) { return isAlphabetic(characte
 
 void removeBlanksAtEnd(std::string& text) { text.resize(text.find_last_not_of(' ') + 1); }
 
-/// The text as far as it has been said, and what has been done.
+/// The text so far, and the commands carried out.
 class Dictation {
 public:
     Dictation(std::string_view source, Mode mode) : words_(source), mode_(mode) {
@@ -187,7 +187,7 @@ private:
         return true;
     }
 
-    /// The length of the first phrase that stands here; 0 if none does.
+    /// The length of the first phrase that matches here; 0 if none does.
     std::size_t findPhrase(std::span<const Phrase> phrases) const {
         const auto found =
             std::ranges::find_if(phrases, [this](const auto& phrase) { return isSpokenHere(phrase); });
@@ -238,8 +238,8 @@ private:
         text_ += words_.word(at_);
     }
 
-    /// The last character so far. One of more than a thousand bytes counts as unreadable: nothing may take
-    /// longer with each word.
+    /// The last character so far. One of more than a thousand bytes counts as unreadable, which keeps the
+    /// time per word constant.
     std::string_view lastCharacter() const {
         constexpr std::size_t furthest = 1000;
         return lastGrapheme(std::string_view(text_).substr(text_.size() - std::min(text_.size(), furthest)));
@@ -265,7 +265,7 @@ private:
                !endsSentence(firstGraphemes(std::string_view(text_).substr(end), 1))) {
             end = end == 0 ? std::string::npos : text_.find_last_of(".!?\n", end - 1);
         }
-        text_.resize(end + 1); // Nothing is left where no sentence stands before it.
+        text_.resize(end + 1); // Without an earlier sentence nothing is left.
     }
 
     Words words_;

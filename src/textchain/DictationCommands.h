@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-/// Carries out what is spoken as a command: "hallo Komma neue Zeile Welt" -> "Hallo,\nWelt". German words,
-/// whatever language is recognised.
+/// Carries out spoken commands: "hallo Komma neue Zeile Welt" -> "Hallo,\nWelt". German words, whatever the
+/// language of the recogniser.
 namespace querlin::DictationCommands {
 
 /// Running text, or one line as in a search field: nothing is capitalised, and no blank is put around
@@ -15,7 +15,7 @@ enum class Mode : std::uint8_t { prose, compact };
 
 struct Outcome {
     std::string text;
-    /// The speaker has taken the whole dictation back; `text` is empty.
+    /// The speaker has discarded the whole dictation; `text` is empty.
     bool discardedEverything = false;
     /// The commands carried out, in order, for the log.
     std::vector<std::string> appliedCommands;
@@ -24,7 +24,7 @@ struct Outcome {
 };
 
 /// Marks, line breaks, brackets and quotes; "streiche das" takes the last sentence back, "alles verwerfen"
-/// everything. A word that might be meant as a noun stays one behind an article and in front of a verb:
+/// everything. A word that might be a noun stays one after an article and before a verb:
 /// "der Punkt ist strittig". Line breaks of the text survive, two of them at most in a row.
 Outcome apply(std::string_view text, Mode mode);
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-/// The small sister of the spoken commands, for dictations that they haven't been through: no nouns are
-/// told from commands, nothing is capitalised.
+/// A simpler version of the spoken commands, for dictations that they haven't been applied to: it doesn't
+/// distinguish nouns from commands and capitalises nothing.
 namespace querlin::DictationPreprocessor {
 
 /// "hallo Komma wie geht es Fragezeichen" -> "hallo, wie geht es?" "Treffpunkt" and "Kommando" stay.

@@ -73,7 +73,7 @@ Value find(std::span<const Row> rows, std::string_view word) {
     return found == rows.end() ? std::nullopt : std::optional(found->value);
 }
 
-/// The lengths of all words of the tables, as bits.
+/// The lengths of all words in the tables, as bits.
 constexpr auto lengths = [] {
     std::uint64_t bits = 0;
     const auto take = [&bits](std::span<const Row> rows) {
@@ -102,15 +102,15 @@ Value unitAndTen(std::string_view word) {
     return unit && ten ? std::optional(*unit + *ten) : std::nullopt;
 }
 
-/// The value of a word with no scale word beyond `scales`, which are tried in their order. What stands
-/// behind a scale word is taken in a loop, however long the word is.
+/// The value of a word that contains no scale words but `scales`, which are tried in order. The part after a
+/// scale word is read in a loop, not recursively, however long the word is.
 Value valueOf(std::string_view word, std::span<const Row> scales) {
     std::int64_t total = 0;
     while (true) {
         if (const auto simple = simpleValue(word)) return total + *simple;
         auto at = std::string_view::npos;
         while (!scales.empty() && (at = word.find(scales.front().word)) == std::string_view::npos) {
-            scales = scales.subspan(1); // Not in this word, so not in what is left of it either.
+            scales = scales.subspan(1); // Not in this word, so not in its remainder either.
         }
         if (scales.empty()) {
             const auto compound = unitAndTen(word);
@@ -124,7 +124,7 @@ Value valueOf(std::string_view word, std::span<const Row> scales) {
     }
 }
 
-/// Lower case, composed, "ss" for "ß", without blanks around it.
+/// Lower case, composed, "ss" for "ß", without surrounding blanks.
 std::string prepared(std::string_view word) {
     return std::string(trimBlanksAndTabs(replacingAll(nfc(lowercase(word)), "ß", "ss")));
 }

@@ -25,7 +25,7 @@ constexpr WordSet<2> openings({"füge", "fuege"});
 constexpr WordSet<1> closingParticle({"ein"});
 constexpr WordSet<2> closingVerbs({"einfügen", "einfuegen"});
 
-/// The number of the Absatz that a line opens, "(2) Wer …" -> "2"; nothing for any other line.
+/// The number of the Absatz that a line opens, "(2) Wer …" -> "2"; unset for any other line.
 std::optional<std::string_view> openedAbsatz(std::string_view line) {
     const auto trimmed = trimBlanksAndTabs(line);
     if (!trimmed.starts_with('(')) return std::nullopt;
@@ -39,7 +39,7 @@ std::optional<std::string_view> openedAbsatz(std::string_view line) {
     return inner.substr(0, length);
 }
 
-/// The lines from the one that opens the Absatz up to the next that opens one; "(2a)" opens none of its own.
+/// The lines from the one that opens the Absatz up to the next such line; "(2a)" does not open one.
 std::optional<std::string> absatzText(std::string_view absatz, std::string_view text) {
     std::string kept;
     bool isCollecting = false;
@@ -63,7 +63,7 @@ std::optional<LegalHit> sectionFor(const LawReference& reference, LegalLookup& l
     return laws.sectionInAnyLaw(reference.sectionID);
 }
 
-/// Heading and text; nothing where no law has such a section.
+/// Heading and text; unset if no law has such a section.
 std::optional<std::string> lawText(const LawReference& reference, LegalLookup& laws) {
     const auto hit = sectionFor(reference, laws);
     if (!hit) return std::nullopt;
@@ -93,8 +93,8 @@ bool beginsWithNumber(const Token& token) {
     });
 }
 
-/// The command from the token `first` on, whose citation begins at `citation` and which one of `closings`
-/// ends.
+/// The command that starts at the token `first`, with its citation at `citation` and one of `closings` at its
+/// end.
 std::optional<Tokenizer::Replacement> command(Tokens tokens, std::size_t first, std::size_t citation,
                                               const auto& closings, LegalLookup& laws) {
     const auto parsed = parseReference(tokens, citation, Marker::optional);

@@ -50,7 +50,7 @@ std::optional<std::string> date(int day, int month, int year) {
     return fmt::format("{:02}.{:02}.{:04}", day, month, year);
 }
 
-/// 0 for what only looks like a month, with a long s in it.
+/// 0 for words that only look like a month because of a long s.
 int monthNamed(std::string_view name) {
     const auto lower = lowercase(name);
     const auto* found = std::ranges::find(months, lower, &Month::name);

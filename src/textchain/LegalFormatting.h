@@ -4,14 +4,14 @@
 #include <string_view>
 
 /// Brings dates and file numbers into one written form: "3. März 2024" -> "03.03.2024", "Az. XVII 123 24"
-/// -> "Az. XVII 123/24". Number words are not read; anything else comes back unchanged.
+/// -> "Az. XVII 123/24". Number words are not read; anything else is returned unchanged.
 namespace querlin::LegalFormatting {
 
 std::string apply(std::string_view text);
 
-/// Written-out months first, then numbers. Days run from 1 to 31 in every month.
+/// Written-out months first, then numeric dates. Every month may have 31 days.
 std::string normalizeDates(std::string_view text);
-/// Behind "Aktenzeichen", "Az" and "Gesch.-Nr" alone.
+/// Only after "Aktenzeichen", "Az" and "Gesch.-Nr".
 std::string normalizeCaseNumbers(std::string_view text);
 
 } // namespace querlin::LegalFormatting

@@ -15,7 +15,7 @@ bool isSentenceEnd(char byte) {
     return byte <= '?' && sentenceEnds.contains(static_cast<unsigned char>(byte));
 }
 
-/// Where the next character that ends a sentence begins, or the length.
+/// The offset of the next character that ends a sentence, or the length.
 std::size_t nextSentenceEnd(std::string_view text, std::size_t at) {
     for (; at < text.size(); ++at) {
         if (isSentenceEnd(text[at]) && Graphemes::firstLength(text.substr(at)) == 1) return at;

@@ -2,13 +2,13 @@
 
 #include "foundation/Pattern.h"
 
-/// Repairs of the spacing around punctuation that several stages share; each stage lists those it needs, in
+/// Rules for the spacing around punctuation, shared by several stages; each stage lists the ones it needs in
 /// its own order.
 namespace querlin::SpacingRules {
 
 inline constexpr ByteSet marks{",.;:!?"};
 
-/// "ja ," -> "ja,". Looks behind itself, so that a long run of blanks isn't tried from each of them.
+/// "ja ," -> "ja,". The lookbehind keeps a long run of blanks from being tried at each of them.
 inline constexpr Rule gapBeforeMark = {R"((?<!\s)\s+([,.;:!?]))", "$1",
                                        Requirement::pair(Bytes::whitespaceEnds, marks)};
 /// "ja,nein" -> "ja, nein"; "14:30" -> "14: 30" as well.

@@ -99,11 +99,11 @@ constexpr std::array<std::span<const std::string_view>, 3> sgbPrefixes = {sgb, s
 
 struct Book {
     std::string_view numeral;
-    /// Empty where the book has no fifth form.
+    /// Empty if the book has no fifth form.
     std::array<std::string_view, 5> spoken;
 };
 
-/// There is no thirteenth.
+/// There is no thirteenth book.
 constexpr auto sgbBooks = std::to_array<Book>({
     {"I", {"i", "1", "eins", "erstes"}},
     {"II", {"ii", "2", "zwei", "zweites"}},
@@ -130,13 +130,13 @@ bool isOneLetter(std::string_view word) {
     return isAlphabetic(word) && Graphemes::firstLength(word) == word.size();
 }
 
-/// Something read from the tokens, and the token behind it.
+/// Something read from the tokens, and the index of the next token.
 struct Read {
     std::string value;
     std::size_t end = 0;
 };
 
-/// The roman numeral of a book of the social code, or nothing.
+/// The Roman numeral of a book of the social code, if any.
 std::string_view bookSpoken(std::string_view word) {
     const auto* found = std::ranges::find_if(
         sgbBooks, [word](const Book& book) { return std::ranges::count(book.spoken, word) > 0; });
@@ -149,7 +149,7 @@ public:
     explicit Reader(Tokens tokens) : tokens_(tokens) {}
 
     bool isAtEnd(std::size_t index) const { return index >= tokens_.size(); }
-    /// The compared form of a token; empty behind the last.
+    /// The compared form of a token; empty after the last one.
     std::string_view word(std::size_t index) const {
         return isAtEnd(index) ? std::string_view() : tokens_[index].normalized;
     }
@@ -179,7 +179,7 @@ public:
         return std::nullopt;
     }
 
-    /// The token behind "SGB"; there is one.
+    /// The token after "SGB", which must exist.
     std::optional<std::size_t> sgbPrefixEnd(std::size_t index) const {
         for (const auto prefix : sgbPrefixes) {
             auto end = index;
@@ -198,7 +198,8 @@ public:
     }
 
 private:
-    /// Not behind a mark, and not with an article: "füge Paragraph zwölf ein", "nach Paragraph fünf. Zwei".
+    /// A number doesn't continue after a mark or with an article: "füge Paragraph zwölf ein", "nach Paragraph
+    /// fünf. Zwei".
     bool continuesNumber(std::size_t index) const {
         return Tokenizer::trailingPunctuation(tokens_[index - 1].raw).empty() &&
                !articles.contains(word(index)) && GermanNumberWords::isNumberWord(word(index));
@@ -251,7 +252,7 @@ std::optional<ParsedReference> parseReference(Tokens tokens, std::size_t index, 
     index = section->end;
     if (reader.isSectionLetter(index)) reference.sectionID += reader.word(index++);
 
-    // In whatever order; of two of a kind the last counts.
+    // In any order; of two of a kind the last one counts.
     const auto readUnit = [&](const auto& markers, std::optional<std::string>& unit) {
         if (!markers.contains(reader.word(index))) return false;
         const auto number = reader.number(index + 1);

@@ -27,17 +27,17 @@ struct LawReference {
 };
 
 /// Writes spoken citations as a German legal text does: "Paragraph achtzehnhundertvierzehn Absatz zwei BGB"
-/// -> "§ 1814 Abs. 2 BGB". Whether there is such a law or section is not looked up.
+/// -> "§ 1814 Abs. 2 BGB". Whether the law or section exists is not checked.
 ///
-/// A wrong citation is worse than none, so where speech is ambiguous the words stay: in "füge den Paragraph
+/// A wrong citation is worse than none, so ambiguous words stay: in "füge den Paragraph
 /// ein" and "Paragraph fünf ein wichtiger" the "ein" is no number.
 namespace SpokenLawReference {
 
 struct ParsedReference {
     LawReference reference;
-    /// The token behind the citation.
+    /// The token after the citation.
     std::size_t endIndex = 0;
-    /// "Paragraph" or "§" opened it.
+    /// Whether "Paragraph" or "§" opened it.
     bool hadMarker = false;
 };
 
@@ -46,12 +46,12 @@ enum class Marker : std::uint8_t { required, optional };
 /// Whether a token says "Paragraph".
 bool isParagraphMarker(const Tokenizer::Token& token);
 
-/// The citation that begins at a token. A "§ 5" without any law is one too.
+/// The citation that begins at a token. "§ 5" without a law is one too.
 std::optional<ParsedReference> parseReference(std::span<const Tokenizer::Token> tokens, std::size_t index,
                                               Marker marker);
 
-/// What takes the place of the tokens of a citation or command: their gap, the marks in front of the first
-/// ("(§" -> "("), the text, and the closing marks of the last.
+/// The replacement for the tokens of a citation or command: their gap, the marks before the first one
+/// ("(§" -> "("), the text, and the closing marks of the last one.
 std::string replacement(const Tokenizer::Token& first, std::string_view text, const Tokenizer::Token& last);
 
 /// Only "Paragraph" and "§" open a citation: "1814 BGB" stays.

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::array<std::string_view, 3> triggers = {"baustein", "textbaustein", "vorlage"};
 
-/// A block with its name as it is compared, word by word.
+/// A block with its name in compared form, word by word.
 struct SpokenBlock {
     const TextBlock* block = nullptr;
     std::vector<std::string> name;
@@ -32,7 +32,7 @@ std::vector<std::string> wordsOfName(std::string_view name) {
     return words;
 }
 
-/// Names of more words first; blocks without a name can't be spoken.
+/// Names with more words first; blocks without a name can't be called.
 std::vector<SpokenBlock> inOrderOfMatching(std::span<const TextBlock> blocks) {
     std::vector<SpokenBlock> spoken;
     for (const auto& block : blocks) {

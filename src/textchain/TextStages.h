@@ -14,8 +14,8 @@ namespace querlin {
 
 class LegalLookup;
 
-/// The German text stages between the recogniser and the target, as the pipeline calls them, in their
-/// order. Each passes through unchanged what it can't read. Main thread.
+/// The German text stages between the recogniser and the target, in the order in which the pipeline calls
+/// them. Each leaves unchanged what it can't read. Main thread.
 class TextStages {
 public:
     virtual ~TextStages() = default;
@@ -35,7 +35,7 @@ public:
     virtual std::string compactAddresses(std::string_view text, URLFormatting::AddressTest test) = 0;
 };
 
-/// The real stages. The laws outlive them.
+/// The real stages. The laws must outlive them.
 class TextChain final : public TextStages {
 public:
     explicit TextChain(LegalLookup& laws) : laws_(laws) {}

@@ -10,11 +10,11 @@
 #include <vector>
 
 /// Cuts a dictated text into tokens that keep every byte of its spacing, so that a stage can replace a
-/// run of them and glue the text back without disturbing anything else.
+/// run of them and join the text again without disturbing anything else.
 namespace querlin::Tokenizer {
 
 struct Token {
-    /// The white space in front of the word, and the word exactly as written.
+    /// The white space before the word, and the word exactly as written.
     std::string_view raw;
     /// The word in its compared form (`comparedForm`); empty for a token that has no word.
     std::string_view normalized;
@@ -23,7 +23,7 @@ struct Token {
 };
 
 /// "Hallo, Welt. " -> ("Hallo,", "hallo"), (" Welt.", "welt"), (" ", ""). A word of punctuation alone has
-/// an empty `normalized` too. Stays where it is: its tokens are views into it and into the text.
+/// an empty `normalized` too. Not movable: its tokens are views into it and into the text.
 class Split {
 public:
     explicit Split(std::string_view text);
@@ -38,18 +38,18 @@ private:
     std::vector<Token> tokens_;
 };
 
-/// Glues tokens together: those of `Split(x)` are `x` again. A token that a stage has made has an empty
-/// `normalized`; if its `raw` doesn't begin with white space it gets one blank in front, unless the text
+/// Joins tokens: those of `Split(x)` give `x` again. A token made by a stage has an empty
+/// `normalized`; if its `raw` doesn't begin with white space it gets one blank before it, unless the text
 /// so far is empty or ends in white space.
 std::string join(std::span<const Token> tokens);
 
-/// What takes the place of some tokens, gap included, and the token behind them.
+/// The replacement of some tokens, gap included, and the index of the next token.
 struct Replacement {
     std::string text;
     std::size_t end = 0;
 };
-/// Asks at each token, from the first to the last, whether something that begins there is replaced; what
-/// isn't stays byte for byte.
+/// Calls the function at each token, in order, to replace what begins there; everything else stays byte for
+/// byte.
 using Replacing = std::function<std::optional<Replacement>(std::span<const Token>, std::size_t)>;
 std::string replacing(std::string_view text, const Replacing& at);
 

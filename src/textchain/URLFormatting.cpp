@@ -20,7 +20,7 @@ std::string withoutBlanks(std::string_view text) {
 
 std::string closedUp(std::string_view text) { return lowercase(withoutBlanks(text)); }
 
-/// Whether a text begins with these small letters; blanks and case don't count.
+/// Whether a text begins with these lower-case letters; blanks and case are ignored.
 bool beginsWith(std::string_view text, std::string_view beginning) {
     for (; !text.empty() && !beginning.empty(); text.remove_prefix(1)) {
         if (text.front() == ' ') continue;
@@ -51,7 +51,7 @@ std::string compactWholeText(std::string_view text) {
 }
 
 std::string compactURLs(std::string_view text) {
-    // Nothing is given back once it has been read: a long run of blanks must not be tried again and again.
+    // No backtracking: a long run of blanks must not be tried again and again.
     static const Pattern withScheme(
         R"(\bhttps?\s*+:\s*+/\s*+/\s*+[\w\-]++(?:\s*+\.\s*+[\w\-]++)++(?:\s*+/\s*+[\w\-.]*+)*+)",
         LetterCase::ignored, Requirement::beginsWith("http"));

@@ -4,18 +4,18 @@
 #include <string>
 #include <string_view>
 
-/// Puts web addresses together that a recogniser has taken to pieces: "Www. Beispiel. De" ->
+/// Closes up web addresses that a recogniser has split: "Www. Beispiel. De" ->
 /// "www.beispiel.de".
 namespace querlin::URLFormatting {
 
-/// What a whole text must look like to be taken for an address: one that begins with "www." or "http://",
-/// or, where nothing but a name or an address is expected, a bare domain too.
+/// What a whole text must look like to count as an address: it begins with "www." or "http://", or, where
+/// only a name or an address is expected, is a bare domain.
 enum class AddressTest : std::uint8_t { strict, lenient };
 
-/// Blanks and case don't count; of 121 and more characters nothing is an address as a whole.
+/// Blanks and case are ignored; a text of more than 120 characters is never an address as a whole.
 bool looksLikeAddress(std::string_view text, AddressTest test);
 
-/// Closes a text up that is one address: no blanks, no full stop at the end, small letters.
+/// Closes up a text that is one address: no blanks, no full stop at the end, lower case.
 std::string compactWholeText(std::string_view text);
 /// Closes up the addresses within a text; a sentence's own full stop stays.
 std::string compactURLs(std::string_view text);

@@ -39,13 +39,13 @@ inline constexpr int control = 6;
 inline constexpr int panel = 10;
 } // namespace Radius
 
-/// A colour as seen through: `opacity` from 0 to 1.
+/// The colour with this opacity, from 0 to 1.
 QColor withOpacity(QColor color, double opacity);
 
-/// The desktop's font in this size, in logical pixels.
+/// The desktop's font; `size` in logical pixels.
 QFont font(double size, QFont::Weight weight = QFont::Normal);
 
-/// UTF-8 to the toolkit's text and back.
+/// Converts between UTF-8 and the toolkit's strings.
 QString text(std::string_view utf8);
 std::string utf8(const QString& text);
 

@@ -24,8 +24,8 @@ QImage empty(double width, double height, qreal devicePixelRatio = 1) {
     return image;
 }
 
-/// Two bows, each the other turned round, in strokes of a semibold letter of 100. Drawn, not written: so it
-/// is the same on every desktop, and the first picture in the tray needs no fonts.
+/// Two arcs, one the other rotated by 180°, with the stroke of a semibold letter, on a square of 100. A path
+/// instead of a letter: it looks the same on every desktop, and the tray icon needs no fonts to be loaded.
 void drawSectionSign(QPainter& painter, QPointF centre, double size, const QColor& color) {
     QPainterPath bow;
     bow.moveTo(14.5, -33.5);
@@ -45,7 +45,7 @@ void drawSectionSign(QPainter& painter, QPointF centre, double size, const QColo
 void draw(QPainter& painter, const QRectF& rect, const QColor& color, SectionSign sign) {
     const double width = rect.width();
     const double height = rect.height();
-    // Heights are counted from the lower edge.
+    // Heights are measured from the lower edge.
     const auto at = [&rect](double x, double y) { return QPointF(rect.left() + x, rect.bottom() - y); };
     const double cx = (sign == SectionSign::with ? 0.355 : 0.5) * width;
 

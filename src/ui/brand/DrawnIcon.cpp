@@ -25,7 +25,7 @@ public:
     QPixmap pixmap(const QSize& size, QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
         return QPixmap::fromImage(draw_(std::min(size.width(), size.height())));
     }
-    /// Those that panels and window managers are sent.
+    /// The sizes that panels and window managers are given.
     QList<QSize> availableSizes(QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
         QList<QSize> sizes;
         for (const int side : {16, 22, 24, 32, 48, 64}) sizes.append({side, side});

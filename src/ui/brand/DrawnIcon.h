@@ -7,8 +7,8 @@
 
 namespace querlin {
 
-/// An icon that is drawn when and in the size that somebody asks for it: so it costs nothing until it is
-/// seen. `draw` makes the square picture of so many device pixels.
+/// An icon that is drawn on demand, at the requested size: it costs nothing until it is shown. `draw` makes
+/// the square image; `side` in device pixels.
 QIcon drawnIcon(std::function<QImage(int side)> draw);
 
 } // namespace querlin

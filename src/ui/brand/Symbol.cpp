@@ -17,7 +17,7 @@ namespace {
 constexpr double grid = 24;
 constexpr double lineWidth = 1.8;
 
-/// Lines of one width, and what is filled.
+/// Lines of one width, and filled areas.
 struct Shape {
     QPainterPath lines;
     QPainterPath areas;
@@ -189,7 +189,7 @@ Shape checkmark() {
     return shape.line({{4.5, 12.8}, {9.7, 18.2}, {19.7, 5.8}});
 }
 
-/// Opening quotation marks as German sets them: „
+/// German opening quotation marks: „
 Shape openingQuote() {
     Shape shape;
     for (const double x : {7.2, 16.0}) {

@@ -72,7 +72,7 @@ QPalette palette(Appearance appearance) {
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
         palette.setColor(QPalette::Disabled, role, faded);
     }
-    palette.setColor(QPalette::Disabled, QPalette::Light, Qt::transparent); // No shadow below faded letters.
+    palette.setColor(QPalette::Disabled, QPalette::Light, Qt::transparent); // No shadow under disabled text.
     return palette;
 }
 

@@ -16,10 +16,10 @@ enum class Appearance : std::uint8_t { light, dark };
 /// The colours of our surfaces in both appearances. Main thread.
 namespace Theme {
 
-/// What the desktop wishes; set by who knows, `light` at first. Windows redraw when it changes.
+/// The desktop's setting; `light` until it is known. Windows redraw when it changes.
 Published<Appearance>& appearance();
 
-/// Of text: `primary` for what is read, `secondary` for what explains it.
+/// Text colours: `primary` for content, `secondary` for explanations.
 QColor primaryText();
 QColor secondaryText();
 /// The background of the floating panels.
@@ -28,7 +28,8 @@ QColor material();
 /// Of windows and controls.
 QPalette palette(Appearance appearance);
 
-/// Style, palette and font of the whole application; follows `appearance` for as long as it is held.
+/// Sets style, palette and font of the whole application; follows `appearance` while the registration is
+/// held.
 Registration apply();
 
 } // namespace Theme

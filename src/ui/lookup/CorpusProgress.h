@@ -7,10 +7,10 @@
 
 namespace querlin {
 
-/// How far the very first load of the laws has come, for the user.
+/// The progress of the very first load of the laws, in words for the user.
 struct CorpusProgress {
     std::string text;
-    /// From 0 to 1; nothing where no measure is known.
+    /// From 0 to 1; unset while the amount of work is unknown.
     std::optional<double> share;
     bool isUnderWay = true;
 
@@ -19,7 +19,7 @@ struct CorpusProgress {
     /// Whether the laws are loaded without being asked for.
     enum class Loading : std::uint8_t { Automatic, OnRequest };
 
-    /// Nothing where there are texts already.
+    /// Unset if there are texts already.
     static std::optional<CorpusProgress> of(const LegalUpdateService::Stage& stage, bool hasTexts,
                                             Loading loading);
 };

@@ -34,7 +34,7 @@ QLabel* makeLabel(const QFont& font, const QString& text = {}) {
     return label;
 }
 
-/// One below the other, with some air.
+/// The lines as a column.
 QWidget* makeLines(const std::vector<std::string>& lines) {
     auto* column = new QWidget;
     auto* stack = new QVBoxLayout(column);

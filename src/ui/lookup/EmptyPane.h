@@ -15,10 +15,11 @@
 
 namespace querlin {
 
-/// The right side while no section is chosen: how current the laws are, or how far their first load has come.
+/// The right pane while no section is selected: how current the laws are, or the progress of their first
+/// load.
 class EmptyPane final : public QWidget {
 public:
-    /// `onLoad`: the user wants the laws to be loaded now.
+    /// `onLoad` is called when the user asks for the laws to be loaded.
     explicit EmptyPane(const std::function<void()>& onLoad);
 
     void setSummary(const std::vector<std::string>& lines);

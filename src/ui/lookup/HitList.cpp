@@ -48,7 +48,7 @@ public:
     }
 
 private:
-    /// The chosen row is stronger while the list has the keyboard.
+    /// The selected row is highlighted more strongly while the list has the focus.
     static double fillOf(QStyle::State state) {
         if (state.testFlag(QStyle::State_Selected))
             return state.testFlag(QStyle::State_HasFocus) ? 0.32 : 0.18;
@@ -61,7 +61,7 @@ private:
         painter.drawText(room, static_cast<int>(Qt::AlignLeft | place),
                          QFontMetrics(font).elidedText(text, Qt::ElideRight, room.width()));
     }
-    /// Takes its room from the right.
+    /// Drawn at the right edge, which it removes from the rectangle.
     static void drawTag(QPainter& painter, QRect& room) {
         const auto font = Brand::font(10, QFont::Medium);
         const auto text = QStringLiteral("Betreuung");

@@ -9,18 +9,18 @@
 
 namespace querlin {
 
-/// The found sections, one below the other: number and law, title, and whether guardians need it often.
+/// The list of hits: number and law, title, and a tag for sections that guardians need often.
 class HitList final : public QListWidget {
 public:
     struct Gestures {
-        std::function<void(std::size_t)> onSelect; ///< what the user chooses, by its place
-        std::function<void()> onOpen;              ///< wants to read what is chosen
+        std::function<void(std::size_t)> onSelect; ///< index of the row that the user selects
+        std::function<void()> onOpen;              ///< the user wants to read the selected section
         std::function<void()> onLeaveUpwards;
     };
     explicit HitList(Gestures gestures);
 
     void setHits(const std::vector<LegalHit>& hits);
-    /// Without telling anybody.
+    /// Without calling `onSelect`.
     void choose(const std::vector<LegalHit>& hits, const LegalHit& hit);
 
 protected:

@@ -37,7 +37,7 @@ Task<> LawSearch::runSearch() {
     searching_.set(true);
     auto search = [&corpus = corpus_, asked] { return corpus.search(asked); };
     auto found = co_await background(runtime_, std::move(search));
-    // Of two searches for the same the later one knows the newer texts.
+    // Of two searches for the same query the later one has seen the newer texts.
     if (query_.get() == asked && number == lastSearch_) take(std::move(found));
 }
 
@@ -48,7 +48,7 @@ void LawSearch::take(std::vector<LegalHit> found) {
     const auto kept = std::ranges::find_if(found, isChosen);
     std::optional<LegalHit> next;
     if (kept != found.end()) {
-        next = *kept; // With its text of today.
+        next = *kept; // With its current text.
     } else if (!found.empty()) {
         next = found.front();
     }
@@ -56,7 +56,7 @@ void LawSearch::take(std::vector<LegalHit> found) {
     selection_.set(std::move(next));
 }
 
-/// A second copy doesn't make the moment longer.
+/// A second copy doesn't restart the time.
 void LawSearch::markCopied() {
     if (copied_.get()) return;
     copied_.set(true);

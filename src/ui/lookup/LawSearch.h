@@ -13,28 +13,28 @@
 
 namespace querlin {
 
-/// What the lookup window asks for, finds and has chosen. The texts are searched in the background; an answer
-/// to what isn't asked any more is dropped. Main thread.
+/// Query, hits and selection of the lookup window. The texts are searched in the background; the result of an
+/// outdated query is dropped. Main thread.
 class LawSearch {
 public:
-    /// Who pauses this long has finished typing.
+    /// A pause this long ends the typing and starts the search.
     static constexpr Duration typingPause = std::chrono::milliseconds(220);
     static constexpr Duration copiedTime = std::chrono::milliseconds(1500);
 
     /// The corpus outlives this.
     LawSearch(Runtime runtime, LegalCorpus& corpus) : runtime_(runtime), corpus_(corpus) {}
 
-    /// Searches after the pause; a further change begins it anew.
+    /// Searches after the pause; a further change restarts it.
     void setQuery(std::string query);
     /// Searches without a pause.
     void searchNow();
-    /// The texts are others now: the present query has other hits, too.
+    /// The law texts have been replaced: searches again.
     void textsChanged();
-    /// Back to nothing asked and nothing found.
+    /// Clears query, hits and selection.
     void clear();
-    /// One of the hits, or none.
+    /// Selects one of the hits.
     void select(std::optional<LegalHit> hit) { selection_.set(std::move(hit)); }
-    /// Something has been copied: that shows for a moment.
+    /// Text has been copied; `copied` is set for a short time.
     void markCopied();
 
     const Published<std::string>& query() const { return query_; }
@@ -43,7 +43,7 @@ public:
     const Published<bool>& searching() const { return searching_; }
     const Published<bool>& copied() const { return copied_; }
 
-    /// What stands in place of the hits while there are none.
+    /// The text shown in place of the hits while there are none.
     std::string_view hint() const;
 
     /// "§ 5 BGB – Titel", and the text below it.
@@ -63,7 +63,7 @@ private:
     Registration pause_;
     Registration copiedReset_;
     std::uint64_t lastSearch_ = 0;
-    TaskGroup tasks_; ///< last: what still runs uses all of the above
+    TaskGroup tasks_; ///< last: running tasks use all members above
 };
 
 } // namespace querlin

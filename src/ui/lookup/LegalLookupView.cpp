@@ -21,7 +21,7 @@ constexpr auto betweenLooks = std::chrono::milliseconds(10);
 constexpr std::string_view nowhereToInsert =
     "Kein anderes Fenster mit Schreibmarke gefunden – der Text liegt in der Zwischenablage.";
 
-/// What the empty pane tells of the laws.
+/// What the empty pane shows about the laws.
 struct Summary {
     std::vector<std::string> lines;
     bool hasTexts = false;
@@ -57,7 +57,7 @@ QWidget* LegalLookupView::makeRight() {
     section_ = new SectionPane(
         {.copy = copyFullText, .copyCitation = copyCitation, .insert = [this] { beginInsertion(); }});
     right_ = new QStackedWidget;
-    right_->setBackgroundRole(QPalette::Base); // As paper.
+    right_->setBackgroundRole(QPalette::Base); // The colour of text fields.
     right_->setAutoFillBackground(true);
     right_->addWidget(empty_);
     right_->addWidget(section_);
@@ -102,10 +102,10 @@ void LegalLookupView::beginInsertion() {
     tasks_.start(insert(LawSearch::fullText(*hit)));
 }
 
-/// This window has the keyboard: the one from before gets it back first.
+/// This window has the focus: it first goes back to the window that had it before.
 Task<> LegalLookupView::insert(std::string text) {
     const bool isGivenBack = co_await sources_.focusReturn.giveBack();
-    // The toolkit hears of it a moment later than the window manager's word of it.
+    // The toolkit learns of the change a moment after the window manager has confirmed it.
     for (int look = 0; isGivenBack && isActiveWindow() && look < longestLooks; ++look) {
         co_await sleepFor(sources_.runtime.mainQueue, betweenLooks);
     }
@@ -127,18 +127,18 @@ void LegalLookupView::endInsertion() {
 
 void LegalLookupView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    if (event->spontaneous()) return; // It was only minimised.
+    if (event->spontaneous()) return; // Only restored from the minimised state.
     sources_.corpus.preload(sources_.runtime.background);
     tasks_.start(refreshSummary());
     left_->focusField();
 }
 
-/// In the background: it may have to load them.
+/// In the background: the corpus may have to be loaded first.
 Task<> LegalLookupView::refreshSummary() {
     const auto number = ++lastSummary_;
     auto summarise = [&corpus = sources_.corpus] { return summaryOf(corpus); };
     const auto summary = co_await background(sources_.runtime, std::move(summarise));
-    if (number != lastSummary_) co_return; // Another look knows newer texts.
+    if (number != lastSummary_) co_return; // A later call has seen newer texts.
     hasTexts_ = summary.hasTexts;
     empty_->setSummary(summary.lines);
     showProgress();

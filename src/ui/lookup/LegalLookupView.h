@@ -15,8 +15,8 @@
 
 namespace querlin {
 
-/// What the lookup window works with; all of it outlives the window, but for the controller, which may be
-/// none.
+/// What the lookup window works with. All of it outlives the window, except the controller, which may be
+/// null.
 struct LegalLookupSources {
     Runtime runtime;
     AppSettings& settings;
@@ -31,7 +31,7 @@ class LegalLookupView final : public QWidget {
 public:
     explicit LegalLookupView(LegalLookupSources sources);
 
-    /// Null for none: then nothing can be inserted.
+    /// With a null controller nothing can be inserted.
     void setController(DictationController* controller);
 
 protected:
@@ -52,7 +52,7 @@ private:
 
     LegalLookupSources sources_;
     LawSearch search_;
-    /// Until it is known otherwise.
+    /// Assumed until the corpus has been looked at.
     bool hasTexts_ = true;
     bool isInserting_ = false;
     std::uint64_t lastSummary_ = 0;
@@ -62,7 +62,7 @@ private:
     EmptyPane* empty_ = nullptr;
     SectionPane* section_ = nullptr;
     std::vector<Registration> subscriptions_;
-    TaskGroup tasks_; ///< last: what still runs uses all of the above
+    TaskGroup tasks_; ///< last: running tasks use all members above
 };
 
 } // namespace querlin

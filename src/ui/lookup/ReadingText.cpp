@@ -12,7 +12,7 @@ namespace querlin {
 namespace {
 
 constexpr int lineHeightInPercent = 140;
-/// Of about 85 letters.
+/// Width of about 85 characters.
 constexpr int longestLine = 620;
 
 } // namespace

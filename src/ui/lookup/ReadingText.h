@@ -5,12 +5,12 @@
 
 namespace querlin {
 
-/// A long text for reading: plain, selectable, in lines that are neither dense nor longer than the eye likes.
+/// A long text for reading: plain, selectable, with generous line spacing and a limited line length.
 class ReadingText final : public QTextEdit {
 public:
     ReadingText();
 
-    /// From its beginning. Nothing in it is taken for markup.
+    /// Shows the text from its beginning; markup is not interpreted.
     void showText(const QString& text);
 
 protected:

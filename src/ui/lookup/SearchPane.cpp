@@ -110,7 +110,7 @@ bool SearchPane::takeKey(const QKeyEvent& key) {
     }
 }
 
-/// Searches; pressed once more for what has been found by then, it goes to the text.
+/// The first press searches; a second one, once there are hits, moves on to the text.
 void SearchPane::takeReturn() {
     const auto& query = search_.query().get();
     if (query == confirmed_ && search_.selection().get() && !search_.searching().get()) {
@@ -121,7 +121,7 @@ void SearchPane::takeReturn() {
     }
 }
 
-// Looks
+// Appearance
 
 void SearchPane::changeEvent(QEvent* event) {
     if (event->type() == QEvent::PaletteChange && clear_) refreshIcons();

@@ -14,13 +14,13 @@
 
 namespace querlin {
 
-/// The left side: the field, and what has been found.
+/// The left pane: the search field and the hits.
 class SearchPane final : public QWidget {
 public:
-    /// `onRead`: the user wants to go to the text of what is chosen.
+    /// `onRead` is called when the user wants to read the selected section.
     SearchPane(LawSearch& search, std::function<void()> onRead);
 
-    /// The keyboard into the field, ready for another query.
+    /// Gives the field the focus and selects its content.
     void focusField();
 
 protected:
@@ -38,7 +38,7 @@ private:
 
     LawSearch& search_;
     std::function<void()> onRead_;
-    /// What Return was last pressed for.
+    /// The query for which Return was last pressed.
     std::string confirmed_;
 
     QLineEdit* field_ = nullptr;

@@ -68,7 +68,7 @@ SectionPane::SectionPane(const Actions& actions) :
     stack->addWidget(message_);
     setMessage({});
     refreshIcons();
-    copy_->setMinimumWidth(copy_->sizeHint().width()); // Also with the shorter text.
+    copy_->setMinimumWidth(copy_->sizeHint().width()); // Also with the shorter label.
 }
 
 void SectionPane::setHit(const LegalHit& hit) {
@@ -87,7 +87,8 @@ void SectionPane::setHit(const LegalHit& hit) {
 void SectionPane::setCopied(bool isCopied) {
     isCopied_ = isCopied;
     copy_->setText(isCopied ? QStringLiteral("Kopiert") : QStringLiteral("Kopieren"));
-    copy_->setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+C"))); // A new text takes it away.
+    copy_->setShortcut(
+        QKeySequence(QStringLiteral("Ctrl+Shift+C"))); // Setting the text removes the shortcut.
     refreshIcons();
 }
 

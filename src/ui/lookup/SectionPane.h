@@ -13,7 +13,7 @@
 
 namespace querlin {
 
-/// The chosen section: citation, title, where it stands, its text, and what can be done with it.
+/// The selected section: citation, title, path, text, and the actions.
 class SectionPane final : public QWidget {
 public:
     struct Actions {
@@ -23,11 +23,11 @@ public:
     };
     explicit SectionPane(const Actions& actions);
 
-    /// What is shown already stays as the reader has it.
+    /// A section that is already shown keeps its scroll position and selection.
     void setHit(const LegalHit& hit);
     void setCopied(bool isCopied);
     void setCanInsert(bool canInsert);
-    /// A line below the actions; empty for none.
+    /// The line below the actions; empty for none.
     void setMessage(std::string_view message);
     void focusText() { text_->setFocus(); }
 

@@ -26,7 +26,7 @@ protected:
 
 TwoPanes::TwoPanes(QWidget* left, QWidget* right, int leftWidth) {
     setChildrenCollapsible(false);
-    setHandleWidth(1); // Wider for the mouse, says the toolkit.
+    setHandleWidth(1); // The toolkit widens the area that the mouse can grab.
     addWidget(left);
     addWidget(right);
     setStretchFactor(0, 0);

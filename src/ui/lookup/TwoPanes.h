@@ -4,7 +4,7 @@
 
 namespace querlin {
 
-/// Two sides with a fine line between them that can be dragged.
+/// Two panes with a thin divider that can be dragged.
 class TwoPanes final : public QSplitter {
 public:
     TwoPanes(QWidget* left, QWidget* right, int leftWidth);

@@ -67,7 +67,7 @@ void CommandWindow::setEntries(const std::vector<MenuEntry>& entries, std::strin
 }
 
 void CommandWindow::changeEvent(QEvent* event) {
-    // Later: the new palette is on its way to the buttons, which go.
+    // Later: the buttons are about to receive the new palette and must not be destroyed yet.
     if (event->type() == QEvent::PaletteChange && column_) QTimer::singleShot(0, this, [this] { rebuild(); });
     QWidget::changeEvent(event);
 }
@@ -75,7 +75,7 @@ void CommandWindow::changeEvent(QEvent* event) {
 void CommandWindow::closeEvent(QCloseEvent* /*event*/) {
     isWished_ = false;
     if (hasTray_) return;
-    // It is closed, and comes back small: refusing would hold up the end of the session, which asks all
+    // Closed and reopened minimised: refusing to close would block the end of the session, which asks all
     // windows.
     QTimer::singleShot(0, this, [this] { showMinimized(); });
 }
@@ -95,7 +95,7 @@ void CommandWindow::offer() {
 }
 
 void CommandWindow::centreInFull() {
-    adjustSize(); // Until it is shown it doesn't know its size.
+    adjustSize(); // It has no size before it is shown.
     centre(*this);
 }
 
@@ -103,7 +103,7 @@ void CommandWindow::withdraw() {
     if (!isWished_) hide();
 }
 
-/// A new column for the old one, with the keyboard on the same command.
+/// Replaces the column of buttons and keeps the focus on the same command.
 void CommandWindow::rebuild() {
     keepFocus();
     auto* former = std::exchange(column_, new QWidget);
@@ -118,7 +118,7 @@ void CommandWindow::rebuild() {
     if (former) {
         layout()->removeWidget(former);
         former->hide();
-        former->deleteLater(); // One of its buttons may be at work.
+        former->deleteLater(); // May have been called from one of its buttons.
     }
     giveFocus();
 }
@@ -130,7 +130,7 @@ void CommandWindow::keepFocus() {
     }
 }
 
-/// A command that can't be chosen now gets the keyboard back when it can be again.
+/// A command that is disabled now gets the focus back when it is enabled again.
 void CommandWindow::giveFocus() {
     for (const auto& [command, button] : buttons_) {
         if (command == focused_) button->setFocus();

@@ -15,21 +15,21 @@ class QVBoxLayout;
 
 namespace querlin {
 
-/// The commands of the menu in a window, for desktops without a tray and for who starts the program again.
-/// The arrow keys move from one to the next. Main thread.
+/// The menu's commands in a window, for desktops without a tray and for users who start the program again.
+/// The arrow keys move between the commands. Main thread.
 class CommandWindow final : public QWidget {
 public:
     explicit CommandWindow(std::function<void(MenuCommand)> perform);
 
     void setEntries(const std::vector<MenuEntry>& entries, std::string_view symbol);
-    /// Whether closing it leaves an icon in its place; a small one in the list of windows otherwise.
+    /// With a tray the window may be closed; without one, closing minimises it.
     void setHasTray(bool hasTray) { hasTray_ = hasTray; }
 
-    /// On the user's wish: before all others, with the keyboard. It then stays until it is closed.
+    /// Shown on request: in front, with the focus, until the user closes it.
     void present();
-    /// By itself: without the keyboard, which the user may be writing with.
+    /// Shown without a request: does not take the focus, since the user may be typing.
     void offer();
-    /// Hides it, unless the user has wished for it.
+    /// Hides it, unless the user has asked for it.
     void withdraw();
 
 protected:
@@ -49,8 +49,8 @@ private:
     std::string symbol_;
     QWidget* column_ = nullptr;
     QVBoxLayout* stack_ = nullptr;
-    std::vector<std::pair<MenuCommand, QPushButton*>> buttons_; ///< of the column
-    MenuCommand focused_ = MenuCommand::toggleDictation;        ///< that the keyboard was on last
+    std::vector<std::pair<MenuCommand, QPushButton*>> buttons_; ///< in the column
+    MenuCommand focused_ = MenuCommand::toggleDictation;        ///< the last one with the focus
     bool hasTray_ = false;
     bool isWished_ = false;
 };

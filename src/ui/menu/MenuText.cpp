@@ -14,7 +14,7 @@ QString label(std::string_view title) {
     auto text = Brand::text(title).simplified();
     if (text.size() > longestInCharacters) {
         auto end = longestInCharacters - 1;
-        if (text.at(end - 1).isHighSurrogate()) --end; // No half of a character.
+        if (text.at(end - 1).isHighSurrogate()) --end; // Never half of a surrogate pair.
         text = text.first(end).trimmed() + u'…';
     }
     return text.replace(u'&', QStringLiteral("&&"));

@@ -5,13 +5,13 @@
 #include <QKeySequence>
 #include <QString>
 
-/// How entries are written in menus and on buttons.
+/// Labels of entries in menus and on buttons.
 namespace querlin::MenuText {
 
-/// A title on one line of bearable length; what is too long ends in "…". An "&" stays one.
+/// A title on one line of limited length; a longer one ends in "…". "&" is escaped.
 QString label(std::string_view title);
 
-/// The key of an entry, with Ctrl.
+/// The key of an entry, combined with Ctrl.
 QKeySequence shortcut(char key);
 
 } // namespace querlin::MenuText

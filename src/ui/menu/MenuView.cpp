@@ -8,17 +8,17 @@ namespace querlin {
 
 namespace {
 
-/// Whether one becomes the other by another text.
+/// Whether an entry can take the place of the other by a change of its text.
 bool areAlike(const MenuEntry& one, const MenuEntry& other) {
     return one.command == other.command && one.isSeparator() == other.isSeparator() &&
            one.submenu.empty() == other.submenu.empty();
 }
 
-/// One that is chosen may be the one that goes.
+/// Deferred: the action may be the one that is being triggered.
 void remove(QMenu& menu, QAction* action) {
     menu.removeAction(action);
     if (auto* submenu = action->menu()) {
-        submenu->deleteLater(); // Its action goes with it.
+        submenu->deleteLater(); // Deletes its action too.
     } else {
         action->deleteLater();
     }
@@ -26,7 +26,7 @@ void remove(QMenu& menu, QAction* action) {
 
 } // namespace
 
-/// Entries keep their order, so one walk along both finds what has come and gone.
+/// Entries keep their order, so one pass over both lists finds insertions and removals.
 void MenuView::align(QMenu& menu, std::vector<Line>& lines, const std::vector<MenuEntry>& entries) {
     auto at = lines.begin();
     for (const auto& entry : entries) {

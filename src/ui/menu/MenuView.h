@@ -10,10 +10,9 @@
 
 namespace querlin {
 
-/// The entries as the toolkit's menu. There is one for the whole life of the icon, and it is brought into
-/// line with new entries where it differs: a panel that has got a menu over the bus goes on showing that one,
-/// and choices from one that has been replaced reach nobody. A menu that is open follows as well. Main
-/// thread.
+/// The entries as the toolkit's menu. The menu lives as long as the icon and is updated in place: a panel
+/// keeps showing the menu that it once got over the bus, and choices from a replaced one would be lost. An
+/// open menu is updated as well. Main thread.
 class MenuView {
 public:
     using Perform = std::function<void(MenuCommand)>;
@@ -23,10 +22,10 @@ public:
     QMenu& menu() { return menu_; }
 
 private:
-    /// One line that is in the menu.
+    /// A line of the menu.
     struct Line {
         MenuEntry entry;
-        QAction* action; ///< the menu's
+        QAction* action; ///< owned by the menu
         std::shared_ptr<std::vector<Line>> submenu;
     };
 

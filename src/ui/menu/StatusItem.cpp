@@ -15,7 +15,7 @@ StatusItem::StatusItem(MenuView::Perform perform) : view_(std::move(perform)) {
     icon_.setContextMenu(&view_.menu());
     setSymbol({});
     icon_.show();
-    // Only a window of ours has a place on the screen that we know.
+    // Only an icon embedded as a window has a known position on the screen.
     protocol_ = icon_.geometry().isNull() ? TrayProtocol::statusNotifier : TrayProtocol::systemTray;
 }
 

@@ -11,18 +11,18 @@
 
 namespace querlin {
 
-/// The icon in the tray with its menu. Made once and kept: a panel that is started anew gets it again by the
-/// toolkit. Main thread.
+/// The icon in the tray with its menu. Made once and kept: the toolkit registers it again with a restarted
+/// panel. Main thread.
 class StatusItem {
 public:
-    /// Only where an icon is allowed: the toolkit decides now, and for good, how it speaks with trays.
+    /// To be made only when an icon is allowed: the toolkit chooses its tray protocol now, for good.
     explicit StatusItem(MenuView::Perform perform);
     StatusItem(const StatusItem&) = delete;
     StatusItem& operator=(const StatusItem&) = delete;
 
     TrayProtocol protocol() const { return protocol_; }
 
-    /// The brand mark for no symbol, else the symbol of this name; in the colours of the present appearance.
+    /// The symbol of this name, or the brand mark if it is empty, in the colours of the current appearance.
     void setSymbol(std::string_view symbol);
     void setToolTip(const std::string& text);
     void setEntries(const std::vector<MenuEntry>& entries) { view_.setEntries(entries); }

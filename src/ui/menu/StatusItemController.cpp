@@ -12,7 +12,7 @@ namespace querlin {
 
 namespace {
 
-/// A panel that comes up with the session, or is started anew, is there by then.
+/// Enough for a panel that starts with the session, or is restarted.
 constexpr auto trayPatience = std::chrono::seconds(3);
 
 } // namespace
@@ -40,7 +40,7 @@ void StatusItemController::subscribe() {
     follow(Theme::appearance(), &StatusItemController::showPhase);
 }
 
-// Where the commands are
+// Tray or window
 
 void StatusItemController::lookAtTrays() {
     const TrayHosts hosts{sources_.notifierHost.get(), systemTray_->isThere()};
@@ -86,7 +86,7 @@ CommandWindow& StatusItemController::window() {
 
 void StatusItemController::present() { window().present(); }
 
-// What they show
+// Entries
 
 void StatusItemController::showPhase() {
     const auto& phase = sources_.controller.phase().get();
@@ -108,7 +108,7 @@ void StatusItemController::rebuildMenu() {
     if (window_) window_->setEntries(entries, phase.symbolName());
 }
 
-// What they do
+// Commands
 
 void StatusItemController::perform(MenuCommand command) {
     using enum MenuCommand;
@@ -181,15 +181,14 @@ void StatusItemController::perform(MenuCommand command) {
     }
 }
 
-/// From our own window the dictation goes to the field that had the focus before.
+/// Started from our own window, the dictation goes to the field that had the focus before.
 Task<> StatusItemController::toggleDictation() {
     const auto isRecording = [this] {
         return sources_.controller.phase().get().is(DictationPhase::Kind::recording);
     };
     if (!isRecording() && window_ && window_->isActiveWindow()) {
         co_await sources_.focusReturn.giveBack();
-        if (isRecording())
-            co_return; // The key, or a second click, has been faster: that is what was wished for.
+        if (isRecording()) co_return; // The key or a second click has started it meanwhile.
     }
     sources_.controller.toggleDictation();
 }

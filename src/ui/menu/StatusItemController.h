@@ -22,7 +22,7 @@ namespace querlin {
 
 class SystemTrayWatch;
 
-/// What the commands reach; all of it outlives the controller of the menu.
+/// What the commands act on. All of it outlives the controller of the menu.
 struct StatusItemSources {
     Runtime runtime;
     DictationController& controller;
@@ -39,8 +39,8 @@ struct StatusItemSources {
     std::function<void()> quit;
 };
 
-/// The program's only permanent surface: the item in the tray with its menu, built anew at each change, and a
-/// window with the same commands where there is no tray. One of the two can always be reached. Main thread.
+/// The program's only permanent surface: the tray icon with its menu, rebuilt at each change, and a window
+/// with the same commands where there is no tray. One of the two can always be reached. Main thread.
 class StatusItemController {
 public:
     explicit StatusItemController(StatusItemSources sources);
@@ -48,7 +48,7 @@ public:
     StatusItemController(const StatusItemController&) = delete;
     StatusItemController& operator=(const StatusItemController&) = delete;
 
-    /// The user has started the program again: shows the window of commands.
+    /// Shows the window of commands: the user has started the program again.
     void present();
 
 private:

@@ -11,7 +11,7 @@ namespace querlin {
 
 /// What an entry of the status menu does.
 enum class MenuCommand : std::uint8_t {
-    none, ///< a line to read, or one that parts
+    none, ///< text only, or a separator
     openAccessibilitySettings,
     clearNotice,
     toggleDictation,
@@ -38,7 +38,7 @@ struct MenuEntry {
     std::string title;
     MenuCommand command = MenuCommand::none;
     bool isEnabled = true;
-    /// With Ctrl, while the menu or the window of commands has the keyboard; 0 for none.
+    /// Combined with Ctrl, while the menu or the window of commands has the focus; 0 for none.
     char key = 0;
     std::vector<MenuEntry> submenu;
 
@@ -46,7 +46,7 @@ struct MenuEntry {
     bool operator==(const MenuEntry&) const = default;
 };
 
-/// What decides about the entries.
+/// What the entries depend on.
 struct StatusMenuState {
     DictationPhase phase;
     std::string hotkey;
@@ -55,7 +55,7 @@ struct StatusMenuState {
     bool hasLastText = false;
 };
 
-/// The menu as it is at this moment.
+/// The entries of the menu in this state.
 std::vector<MenuEntry> statusMenu(const StatusMenuState& state);
 
 } // namespace querlin

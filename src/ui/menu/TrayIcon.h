@@ -6,11 +6,11 @@
 
 #include <QIcon>
 
-/// The picture in the tray. Trays don't colour pictures, and don't tell how light they are: it goes with the
-/// desktop's appearance, and a fine edge in the opposite shade keeps it readable on a panel of the other one.
+/// The tray's icon. Trays neither recolour icons nor say how light they are: the icon follows the desktop's
+/// appearance, and a thin outline in the opposite shade keeps it readable on a panel of the other kind.
 namespace querlin::TrayIcon {
 
-/// The brand mark for no symbol, else the symbol of this name. Drawn for each size that is asked for.
+/// The symbol of this name, or the brand mark if it is empty. Drawn at each requested size.
 QIcon make(std::string_view symbol, Appearance appearance);
 
 } // namespace querlin::TrayIcon

@@ -4,7 +4,7 @@
 
 namespace querlin {
 
-/// One line of plain text that is cut with an ellipsis where there is no room for it.
+/// One line of plain text, shortened with an ellipsis if it doesn't fit.
 class ElidedLabel final : public QLabel {
 public:
     explicit ElidedLabel(QWidget* parent = nullptr);
@@ -15,7 +15,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 };
 
-/// Text in this colour, whatever the palette says.
+/// Sets the text colour, independent of the palette.
 void setTextColor(QLabel& label, const QColor& color);
 
 } // namespace querlin

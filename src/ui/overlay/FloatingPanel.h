@@ -10,21 +10,21 @@
 
 namespace querlin {
 
-/// A small window above all others, at the bottom of the screen on which the mouse is. It comes without
-/// taking the focus from whoever has it, and is as large as its content wishes, growing upwards.
+/// A small window above all others, at the bottom of the screen with the mouse. It appears without taking
+/// the focus, and follows the preferred size of its content, growing upwards.
 class FloatingPanel : public QWidget {
 public:
     enum class Behaviour : std::uint8_t {
-        /// Never has the focus, clicks go through to what is behind, full-screen windows stay below.
+        /// Never has the focus; clicks go through to the window behind; above full-screen windows too.
         onlyShows,
-        /// Can be clicked on, and has the keyboard then.
+        /// Accepts clicks, and has the focus after one.
         asks
     };
 
-    /// Takes the content over. `title` is for lists of windows and screen readers.
+    /// Takes ownership of the content. `title` is for window lists and screen readers.
     FloatingPanel(VisualEffectView* content, Behaviour behaviour, const QString& title);
 
-    /// Chooses screen and place anew.
+    /// Chooses screen and position anew.
     void positionAtBottomCenter();
     void orderFront();
     void orderOut() { hide(); }
@@ -41,7 +41,7 @@ private:
 
     VisualEffectView* content_;
     QRect screenArea_;
-    /// Around the content, for the shadow.
+    /// Space around the content for the shadow.
     int margin_ = 0;
     QPixmap shadow_;
 };

@@ -10,7 +10,7 @@ namespace querlin {
 namespace {
 
 constexpr double largest = 1.18;
-constexpr int symbolSize = 15; // A letter of 13 with the air that letters have around them.
+constexpr int symbolSize = 15; // Matches a 13-point letter with its side bearings.
 
 } // namespace
 
@@ -36,7 +36,7 @@ void Indicator::show(std::string symbol, const QColor& color, bool pulses) {
     update();
 }
 
-/// Nothing moves that nobody sees.
+/// No animation while the widget is hidden.
 void Indicator::animate() {
     if (!pulses_ || !isVisible()) {
         pulse_.stop();

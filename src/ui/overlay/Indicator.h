@@ -8,11 +8,11 @@
 
 namespace querlin {
 
-/// A disc with the symbol of the phase; breathes while a recording runs.
+/// A disc with the symbol of the phase; pulses during a recording.
 class Indicator final : public QWidget {
 public:
     static constexpr int diameter = 30;
-    /// The disc at its largest, which is what the widget takes.
+    /// Size of the widget: the disc at its largest.
     static constexpr int room = 36;
 
     explicit Indicator(QWidget* parent = nullptr);

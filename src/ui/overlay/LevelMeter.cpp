@@ -32,7 +32,7 @@ private:
 
 QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* object) {
     auto* meter = dynamic_cast<LevelMeter*>(object);
-    return meter ? new AccessibleMeter(meter) : nullptr; // The toolkit keeps it.
+    return meter ? new AccessibleMeter(meter) : nullptr; // The toolkit takes ownership.
 }
 
 } // namespace

@@ -5,14 +5,14 @@
 
 namespace querlin {
 
-/// A small bar that shows how loud the microphone is. Screen readers know it as "Eingangspegel".
+/// A small bar that shows the microphone's level. Its accessible name is "Eingangspegel".
 class LevelMeter final : public QWidget {
 public:
     explicit LevelMeter(QWidget* parent = nullptr);
 
     /// From 0 to 1.
     void setLevel(double level);
-    /// Cut off to a whole number.
+    /// Truncated to a whole number.
     int percent() const;
 
 protected:

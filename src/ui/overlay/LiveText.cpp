@@ -25,11 +25,11 @@ LiveText::LiveText(QWidget* parent) :
     text_->setAccessibleName(QStringLiteral("Bisher verstanden"));
     text_->setAutoFillBackground(false);
     setWidget(text_);
-    text_->setAutoFillBackground(false); // The area has switched it on.
+    text_->setAutoFillBackground(false); // The scroll area switches it on.
 
     scrolling_.setDuration(120);
     scrolling_.setEasingCurve(QEasingCurve::OutCubic);
-    // The range grows once the new text is laid out.
+    // The range is updated once the new text is laid out.
     connect(verticalScrollBar(), &QScrollBar::rangeChanged, this, [this](int /*lowest*/, int highest) {
         scrolling_.stop();
         scrolling_.setEndValue(highest);

@@ -6,13 +6,13 @@
 
 namespace querlin {
 
-/// What has been understood so far; always shows its end.
+/// The text recognised so far; always scrolled to its end.
 class LiveText final : public QScrollArea {
 public:
     explicit LiveText(QWidget* parent = nullptr);
 
     void setText(const QString& text);
-    /// Colours as the theme has them now.
+    /// Takes the colours from the current theme.
     void refreshColors();
 
 private:

@@ -4,7 +4,7 @@
 
 namespace querlin {
 
-/// The window of the overlay: it only shows.
+/// The window of the overlay.
 class OverlayPanel final : public FloatingPanel {
 public:
     explicit OverlayPanel(VisualEffectView* content) :

@@ -5,10 +5,10 @@
 
 #include <string>
 
-/// Which words the overlay shows.
+/// The texts of the overlay.
 namespace querlin::OverlayText {
 
-/// What of a dictation decides about them.
+/// What the texts depend on.
 struct State {
     const DictationPhase& phase;
     bool isLongDictation = false;

@@ -20,7 +20,7 @@ constexpr int sideMargin = 16;
 constexpr int spacing = 12;
 constexpr int widestBadge = 132;
 
-/// A surface of one colour at little opacity, under a word or as a line.
+/// A translucent area of one colour: the background of a word, or a divider.
 class Tint final : public QWidget {
 public:
     Tint(QColor (*color)(), double radius) : color_(color), radius_(radius) {}
@@ -39,7 +39,7 @@ private:
     double radius_;
 };
 
-/// As wide as the widest figures make it, so that nothing moves while they change.
+/// As wide as with the widest figures, so that nothing moves when they change.
 int widthOfTime(const QFontMetrics& metrics, const QString& time) {
     int digit = 0;
     for (const QChar figure : QStringLiteral("0123456789"))
@@ -90,7 +90,7 @@ QWidget* OverlayView::makeStatusRow() {
     auto* row = new QWidget;
     row->setMinimumHeight(OverlayMetrics::compactHeight);
     auto* layout = new QHBoxLayout(row);
-    // The indicator's room is larger than its disc.
+    // The indicator widget is larger than its disc.
     constexpr int around = (Indicator::room - Indicator::diameter) / 2;
     layout->setContentsMargins(sideMargin - around, 10 - around, sideMargin, 10 - around);
     layout->setSpacing(spacing);

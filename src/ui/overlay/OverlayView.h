@@ -13,7 +13,7 @@
 
 namespace querlin {
 
-/// What the controller publishes of the dictation under way, and nothing else.
+/// Renders what the controller publishes about the current dictation.
 class OverlayView final : public VisualEffectView {
 public:
     /// Both outlive this.

@@ -22,7 +22,7 @@ void VisualEffectView::paintEvent(QPaintEvent* /*event*/) {
     if (isTranslucent_) {
         painter.setBrush(material);
         painter.drawRoundedRect(rect(), cornerRadius_, cornerRadius_);
-    } else { // The window is cut to its shape; half a pixel of nothing would be black.
+    } else { // The window is masked to its shape; a translucent edge would come out black.
         material.setAlpha(255);
         painter.fillRect(rect(), material);
     }

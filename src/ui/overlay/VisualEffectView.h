@@ -4,14 +4,14 @@
 
 namespace querlin {
 
-/// The surface of a floating panel: rounded, with a fine border in the product's colour. Light or dark with
+/// The surface of a floating panel: rounded, with a thin border in the product's colour; light or dark with
 /// the desktop.
 class VisualEffectView : public QWidget {
 public:
     explicit VisualEffectView(double cornerRadius, QWidget* parent = nullptr);
 
     double cornerRadius() const { return cornerRadius_; }
-    /// Lets what is behind shine through a little, where there is a compositor.
+    /// Slightly translucent, if there is a compositor.
     void setTranslucent(bool translucent);
 
 protected:

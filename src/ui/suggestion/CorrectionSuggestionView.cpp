@@ -17,7 +17,7 @@ namespace {
 
 constexpr int panelWidth = 440;
 
-/// A symbol in the colour that suits the theme at the moment.
+/// A symbol whose colour follows the theme.
 class SymbolView final : public QWidget {
 public:
     SymbolView(std::string_view name, int size, QColor (*color)()) : name_(name), color_(color) {

@@ -9,10 +9,10 @@ class QLabel;
 
 namespace querlin {
 
-/// Asks whether a word that the user has put right is to be learnt.
+/// Asks whether a word that the user has corrected should be added to the dictionary.
 class CorrectionSuggestionView final : public VisualEffectView {
 public:
-    /// The answers may destroy this view only later than in their call.
+    /// The callbacks must not destroy this view before they have returned.
     CorrectionSuggestionView(const CorrectionSuggestion& suggestion, std::function<void()> onAccept,
                              std::function<void()> onDismiss);
 

@@ -4,7 +4,7 @@
 
 namespace querlin {
 
-/// A floating panel with something to click on. It comes without the focus, and takes it from whoever clicks.
+/// A floating panel with buttons. It appears without the focus and gets it by a click only.
 class SuggestionPanel final : public FloatingPanel {
 public:
     explicit SuggestionPanel(VisualEffectView* content) :

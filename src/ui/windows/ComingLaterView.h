@@ -6,7 +6,7 @@
 
 namespace querlin {
 
-/// Says that something is not there yet.
+/// Stand-in for a window that a later version brings.
 class ComingLaterView final : public QWidget {
 public:
     explicit ComingLaterView(const std::string& text);

@@ -4,7 +4,7 @@
 
 namespace querlin {
 
-/// One thing that the program needs, and how it stands with it; German, for the user.
+/// One thing that the program needs, and its state, in German for the user.
 struct SetupFinding {
     std::string name;  ///< "Mikrofon"
     std::string state; ///< "Headset von Jabra", or what is missing and what to do about it

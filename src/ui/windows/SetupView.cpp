@@ -85,7 +85,7 @@ void SetupView::showEvent(QShowEvent* /*event*/) {
 void SetupView::hideEvent(QHideEvent* /*event*/) { timer_.stop(); }
 
 void SetupView::changeEvent(QEvent* event) {
-    // Later: the new palette is on its way to the rows, which go.
+    // Later: the rows are about to receive the new palette and must not be destroyed yet.
     if (event->type() == QEvent::PaletteChange && rows_) QTimer::singleShot(0, this, [this] { rebuild(); });
     QWidget::changeEvent(event);
 }

@@ -12,7 +12,7 @@ class QVBoxLayout;
 
 namespace querlin {
 
-/// What the program needs and what it finds of it, looked up anew while the window is open.
+/// What the program needs, and its state, refreshed while the window is open.
 class SetupView final : public QWidget {
 public:
     SetupView(std::function<std::vector<SetupFinding>()> look, std::function<void()> onFinish);

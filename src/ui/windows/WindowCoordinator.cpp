@@ -23,7 +23,7 @@ namespace {
 constexpr auto noticeTime = std::chrono::seconds(30);
 constexpr auto suggestionTime = std::chrono::seconds(20);
 
-/// A window with its frame, not yet shown.
+/// Title, size and buttons of a window.
 struct Frame {
     std::string title;
     QSize size;
@@ -50,11 +50,11 @@ std::string ofProduct(std::string_view title) { return fmt::format(fmt::runtime(
 
 } // namespace
 
-/// One of each kind at most. A closed window keeps what it shows.
+/// At most one of each kind. A closed window keeps its content.
 struct WindowCoordinator::Windows {
     using Pointer = std::unique_ptr<QWidget>;
 
-    /// Brings the window to the front; makes it where there is none.
+    /// Brings the window to the front, and makes it first if needed.
     template<class Window, class Make>
     static void show(std::unique_ptr<Window>& window, const Frame& wanted, Make make) {
         if (!window) {
@@ -87,7 +87,7 @@ WindowCoordinator::~WindowCoordinator() = default;
 void WindowCoordinator::setController(DictationController* controller) {
     controller_ = controller;
     if (controller) return;
-    windows_->overlay.reset(); // They look at it.
+    windows_->overlay.reset(); // Both read from the controller.
     windows_->legal.reset();
 }
 
@@ -108,7 +108,7 @@ void WindowCoordinator::showOnboarding() {
     });
 }
 
-/// The window is under its own button: it goes later.
+/// Called from the window's own button, so its deletion is deferred.
 void WindowCoordinator::finishOnboarding() {
     sources_.settings.hasCompletedOnboarding.set(true);
     windows_->onboarding->close();
@@ -169,7 +169,7 @@ void WindowCoordinator::prepareOverlay() {
     windows_->overlay = std::make_unique<OverlayPanel>(new OverlayView(*controller_, sources_.settings));
     windows_->overlay->positionAtBottomCenter();
     windows_->overlay->winId();
-    windows_->overlay->grab(); // Fonts are loaded, everything is laid out.
+    windows_->overlay->grab(); // Loads the fonts and does the layout.
 }
 
 void WindowCoordinator::showOverlay() {
@@ -199,7 +199,7 @@ void WindowCoordinator::accept(const CorrectionSuggestion& suggestion) {
     dismissSuggestion();
 }
 
-/// The panel may be under one of its own buttons: it goes later.
+/// May be called from one of the panel's own buttons, so its deletion is deferred.
 void WindowCoordinator::dismissSuggestion() {
     suggestionTimeout_.reset();
     if (!windows_->suggestion) return;

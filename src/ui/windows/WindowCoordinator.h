@@ -18,7 +18,7 @@
 
 namespace querlin {
 
-/// The page that the settings window opens with.
+/// A page of the settings window.
 enum class SettingsSection : std::uint8_t {
     general,
     audio,
@@ -33,7 +33,7 @@ enum class SettingsSection : std::uint8_t {
     permissions
 };
 
-/// What the windows show, and work with; all of it outlives the coordinator.
+/// What the windows show and work with. All of it outlives the coordinator.
 struct WindowSources {
     Runtime runtime;
     AppSettings& settings;
@@ -41,12 +41,12 @@ struct WindowSources {
     LegalUpdateService& legalUpdates;
     LegalCorpus& corpus;
     FocusReturn& focusReturn;
-    /// What the program finds of all that it needs, looked up afresh.
+    /// The current state of everything that the program needs.
     std::function<std::vector<SetupFinding>()> findings;
 };
 
 /// Owns every window and floating panel: makes each at its first use, keeps it, and brings it to the front.
-/// Keeps the one message that outlives a dictation, too. Main thread.
+/// Also keeps the one message that outlives a dictation. Main thread.
 class WindowCoordinator final : public DictationWindows {
 public:
     explicit WindowCoordinator(WindowSources sources);
@@ -54,7 +54,8 @@ public:
     WindowCoordinator(const WindowCoordinator&) = delete;
     WindowCoordinator& operator=(const WindowCoordinator&) = delete;
 
-    /// The controller needs this object, and this one the controller: told later, and null when it is gone.
+    /// Set after construction, because the two need each other; null again before the controller is
+    /// destroyed.
     void setController(DictationController* controller);
 
     void showSettings(SettingsSection section);
@@ -67,14 +68,14 @@ public:
     /// Says that something comes with a later version.
     void showComingLater(const std::string& title, const std::string& text);
 
-    /// Makes the overlay ready, so that the first dictation doesn't wait for it.
+    /// Makes the overlay ahead of time, so that the first dictation doesn't wait for it.
     void prepareOverlay();
     void showOverlay() override;
     void hideOverlay() override;
     void showCorrectionSuggestion(const CorrectionSuggestion& suggestion) override;
     void dismissSuggestion();
 
-    /// The notice in the status menu; it goes after 30 seconds.
+    /// Shows a notice in the status menu for 30 seconds.
     void showEnhancementFailureNotice(const std::string& reason) override;
     void clearNotice();
     const Published<std::optional<std::string>>& lastNotice() const { return lastNotice_; }
