@@ -39,7 +39,7 @@ public:
 
     bool begin(QPaintDevice*) override { return true; }
     bool end() override { return true; }
-    void updateState(const QPaintEngineState&) override {} // `state` is asked when something is drawn.
+    void updateState(const QPaintEngineState&) override {} // `state` is queried when something is drawn.
     Type type() const override { return User; }
 
     void drawPath(const QPainterPath& path) override {
@@ -64,7 +64,7 @@ public:
     bool isFaithful() const { return isFaithful_; }
 
 private:
-    /// What stands for the brush in an attribute.
+    /// The value of an attribute that stands for the brush.
     QString paint(const QBrush& brush) {
         if (brush.style() == Qt::NoBrush) return QStringLiteral("none");
         if (brush.style() == Qt::LinearGradientPattern) return gradient(brush);

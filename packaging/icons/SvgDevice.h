@@ -7,19 +7,19 @@
 
 namespace querlin {
 
-/// Writes down as SVG what is painted on it: filled and stroked paths, in plain colours and linear gradients.
-/// Anything else ends in `isFaithful`.
+/// Records what is painted on it as SVG: filled and stroked paths, in plain colours and linear gradients.
+/// Anything else makes `isFaithful` false.
 class SvgDevice final : public QPaintDevice {
 public:
-    /// A square picture.
+    /// Makes a square image.
     explicit SvgDevice(int size);
     ~SvgDevice() override;
     SvgDevice(const SvgDevice&) = delete;
     SvgDevice& operator=(const SvgDevice&) = delete;
 
-    /// The whole document, once painting has ended.
+    /// The document, once painting has ended.
     QString document() const;
-    /// Whether the document has all that was painted.
+    /// Whether the document contains everything that was painted.
     bool isFaithful() const;
 
     QPaintEngine* paintEngine() const override;

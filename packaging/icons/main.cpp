@@ -1,4 +1,4 @@
-// Writes the program's icon into a folder, arranged as icon themes are: querlin-icons <folder> <name>.
+// Writes the program's icon into a folder with the layout of icon themes: querlin-icons <folder> <name>.
 
 #include "SvgDevice.h"
 #include "ui/brand/BrandMark.h"

@@ -120,7 +120,7 @@ Members correction(std::string_view text, const Options& options) {
             {"corrected", change ? JsonValue(change->corrected) : JsonValue()}};
 }
 
-/// A stage that makes one text out of another.
+/// A stage that maps a text to a text.
 template<auto stage>
 Members plain(std::string_view text, const Options& /*options*/) {
     return {{"text", stage(text)}};

@@ -27,8 +27,8 @@ namespace querlin {
 ///     correction     new
 ///     stripWrapping  –
 ///
-/// An option that is left out or has another type gets its default. What can't be read is answered with
-/// "error" and what is wrong.
+/// A missing option, or one of another type, gets its default. A request that can't be read is answered with
+/// "error" and the reason.
 std::string answer(std::string_view request);
 
 } // namespace querlin

@@ -1,1 +1,1 @@
-"""What tools/demonstrate is made of: the program under way, an editor, a voice, and scenes with them."""
+"""The parts of tools/demonstrate: the running program, an editor, a voice, and the scenes."""

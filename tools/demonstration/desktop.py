@@ -1,4 +1,4 @@
-"""The virtual desktop around the scenes: programs, waiting, colours, pictures."""
+"""The virtual desktop of the scenes: programs, waiting, colours, screenshots."""
 
 import os
 import subprocess
@@ -9,7 +9,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 PICTURES = Path(__file__).resolve().parents[2] / "build/run"
-#: The window manager's settings: the editor takes the whole screen.
+#: The window manager's settings: the editor is maximised.
 _MAXIMISED = """<openbox_config xmlns="http://openbox.org/3.4/rc"><applications><application class="Mousepad">
   <decor>no</decor><maximized>yes</maximized>
 </application></applications></openbox_config>
@@ -22,7 +22,7 @@ word-wrap=true
 [org/xfce/mousepad/preferences/file]
 session-restore='never'
 """
-#: Room around the text; and for root the editor has a red bar with a warning.
+#: Margins around the text; the second one hides the warning that the editor shows to root.
 _STYLE = """
 notebook > stack { padding: 14px 22px; background-color: @theme_base_color; }
 scrolledwindow { border: none; }
@@ -31,7 +31,7 @@ _STYLE_FOR_ROOT = ":not(menuitem) > label { background-color: transparent; color
 
 
 class Failed(Exception):
-    """What didn't come about, in the user's language."""
+    """What did not happen, in the user's language."""
 
 
 def output(*command: str) -> str:
@@ -39,7 +39,7 @@ def output(*command: str) -> str:
 
 
 def await_that(what: str, reached: Callable[[], object], seconds: float = 10.0, pause: float = 0.02):
-    """What `reached` gives as soon as it is true."""
+    """Waits until `reached` returns something true, and returns that."""
     end = time.monotonic() + seconds
     while time.monotonic() < end:
         if value := reached():
@@ -54,7 +54,7 @@ def folder(variable: str) -> Path:
 
 @contextmanager
 def program(name: str, *command: str, **environment: str) -> Iterator[subprocess.Popen]:
-    """Runs as long as it is looked at; what it prints is in the desktop's logs."""
+    """Runs a program during the `with` block; its output goes to the desktop's logs."""
     with open(folder("DESKTOP_DIR") / "log" / name, "a") as log:
         try:
             process = subprocess.Popen(
@@ -74,7 +74,7 @@ def program(name: str, *command: str, **environment: str) -> Iterator[subprocess
 
 
 def furnish() -> None:
-    """Before anything is opened."""
+    """Writes the settings of the desktop, before any program starts."""
     configuration = folder("XDG_CONFIG_HOME")
     for name in ("glib-2.0/settings", "gtk-3.0", "openbox"):
         (configuration / name).mkdir(parents=True, exist_ok=True)
@@ -95,7 +95,7 @@ def photograph(name: str) -> Path:
 @dataclass(frozen=True)
 class Appearance:
     name: str
-    #: As the desktop's portal puts it.
+    #: The portal's value of color-scheme.
     scheme: int
     gtk_theme: str
 
@@ -105,7 +105,7 @@ DARK = Appearance("dunkel", 1, "Adwaita:dark")
 
 
 class Portal:
-    """Tells what colours the user likes, in place of a desktop's portal."""
+    """A stand-in for the desktop's portal that reports the user's colour scheme."""
 
     _NAME, _PATH = "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop"
     _INTERFACE = "org.freedesktop.portal.Settings"

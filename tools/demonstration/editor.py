@@ -1,4 +1,4 @@
-"""The program that is dictated into, and what is in its field, by the accessibility bus."""
+"""The program that is dictated into, and the content of its field, read over the accessibility bus."""
 
 import ast
 import re
@@ -10,7 +10,7 @@ _ROOT = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
 
 
 class _Bus:
-    """Elements are pairs of their program's name on the bus and their path."""
+    """The accessibility bus. An element is a pair of bus name and path."""
 
     def __init__(self) -> None:
         found = output("gdbus", "call", "--session", "-d", "org.a11y.Bus", "-o", "/org/a11y/bus", "-m",
@@ -22,7 +22,7 @@ class _Bus:
                       f"org.a11y.atspi.{method}", *arguments)  # fmt: skip
 
     def _look(self, element: tuple[str, str], method: str):
-        # Types stand in front of values: "(uint32 61,)", "(@a(so) [],)".
+        # Values are preceded by their types: "(uint32 61,)", "(@a(so) [],)".
         plain = re.sub(r"(?:uint32|objectpath|@[a-z()]+) ", "", self._call(element, method))
         return ast.literal_eval(plain)[0] if plain else None
 
@@ -31,7 +31,7 @@ class _Bus:
         return ast.literal_eval(answer)[0] if answer else ""
 
     def find_text(self, element: tuple[str, str] = _ROOT) -> tuple[str, str] | None:
-        """The first text field of several lines, depth first."""
+        """The first multi-line text field, depth first."""
         for child in self._look(element, "Accessible.GetChildren") or []:
             role = self._look(child, "Accessible.GetRole")
             if role == _TEXT_ROLE:
@@ -42,7 +42,7 @@ class _Bus:
 
 
 class Editor:
-    """Waits until the editor that was started can be written into."""
+    """The started editor. The constructor waits until it accepts input."""
 
     COMMAND = ("mousepad", "--disable-server")
 

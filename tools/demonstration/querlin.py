@@ -1,4 +1,4 @@
-"""The program as its user meets it: settings, hold key, overlay, symbol, and what its log says."""
+"""The program as its user sees it: settings, hold key, overlay, tray icon, log."""
 
 import json
 import re
@@ -13,9 +13,9 @@ from .desktop import await_that, folder, output
 #: The right Ctrl key, the hold key of a new installation, by its key code.
 _HOLD_KEY = "105"
 _OVERLAY = "^Querlin Overlay$"
-#: In dots; without a symbol the tray is narrower.
+#: In pixels; without an icon the tray is narrower.
 _NARROWEST_TRAY = 16
-#: What a user of the recordings would have settled and added.
+#: Settings of a user who has closed the first steps and dictates the recordings.
 _SETTINGS = {
     "hasCompletedOnboarding": True,
     "updateLawsAutomatically": False,
@@ -33,25 +33,21 @@ def log() -> Path:
 
 
 def _memory_of(process: Path) -> str:
-    """Shared pages count in parts, where the system lets us look; Querlin doesn't let other users' programs."""
+    """Shared pages count in proportion."""
     name = (process / "comm").read_text().strip()
-    try:
-        pages = re.search(r"^Pss: +(\d+)", (process / "smaps_rollup").read_text(), re.MULTILINE)
-        return f"{name} {int(pages[1]) / 1024:.0f} MB"
-    except PermissionError:
-        pages = re.search(r"^VmRSS:\s+(\d+)", (process / "status").read_text(), re.MULTILINE)
-        return f"{name} {int(pages[1]) / 1024:.0f} MB mit allen geteilten Seiten"
+    pages = re.search(r"^Pss: +(\d+)", (process / "smaps_rollup").read_text(), re.MULTILINE)
+    return f"{name} {int(pages[1]) / 1024:.0f} MB"
 
 
 @dataclass
 class Querlin:
     id: int
-    #: When the key came up last.
+    #: The time of the last release of the key.
     released: float = 0.0
 
     @staticmethod
     def says(words: str) -> str | None:
-        """The last line with these words."""
+        """The last line of the log with these words."""
         lines = log().read_text(errors="replace").splitlines() if log().exists() else []
         return next((line for line in reversed(lines) if words in line), None)
 
@@ -75,7 +71,7 @@ class Querlin:
     @contextmanager
     def open_menu(self) -> Iterator[None]:
         output("xdotool", "mousemove", *await_that("Das Symbol erscheint", self._symbol), "click", "1")
-        time.sleep(0.8)  # It may fade in.
+        time.sleep(0.8)  # The menu may fade in.
         try:
             yield
         finally:
@@ -83,7 +79,7 @@ class Querlin:
 
     @staticmethod
     def _symbol() -> tuple[str, str] | None:
-        """The middle of the tray, where there is no other."""
+        """The middle of the tray; ours is the only icon."""
         tray = output("xdotool", "search", "--onlyvisible", "--class", "^Wrapper-2.0$").split()
         if not tray:
             return None
@@ -94,7 +90,7 @@ class Querlin:
         return str(shape["X"] + shape["WIDTH"] // 2), str(shape["Y"] + shape["HEIGHT"] // 2)
 
     def memory(self) -> str:
-        """Of each of its processes."""
+        """The memory of each process."""
         children = [child for task in Path(f"/proc/{self.id}/task").iterdir()
                     for child in (task / "children").read_text().split()]  # fmt: skip
         return ", ".join(_memory_of(Path("/proc") / process) for process in [str(self.id), *children])

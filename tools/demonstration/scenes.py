@@ -1,4 +1,4 @@
-"""What is shown: a letter in light colours, a file note in dark ones, with their menus."""
+"""The scenes: a letter in light colours, a file note in dark ones, each with the menu."""
 
 import subprocess
 import time
@@ -17,7 +17,7 @@ _SAMPLES_A_SECOND, _BYTES_IN_A_SAMPLE = 48000, 4
 @dataclass(frozen=True)
 class Recording:
     name: str
-    #: As it should arrive.
+    #: The expected text.
     text: str
 
 
@@ -39,7 +39,7 @@ class Voice:
     seconds: float
 
     def until(self, part: float) -> None:
-        """Says the first part of all."""
+        """Waits until this part of the recording has been spoken."""
         time.sleep(self.seconds * part)
 
     def to_the_end(self) -> None:
@@ -49,7 +49,7 @@ class Voice:
 @dataclass
 class Stage:
     querlin: Querlin
-    #: The folder of the build.
+    #: The build folder.
     build: Path
 
     def show(self, recording: Recording, appearance: Appearance, with_picture: bool) -> None:
@@ -72,7 +72,7 @@ class Stage:
                 self._pose()
 
     def _pose(self) -> None:
-        """Overlay and menu at once, over the letter."""
+        """Overlay and menu at the same time, over the letter."""
         with self.querlin.held_key(), self._spoken(NOTE) as voice:
             voice.until(0.7)
             with self.querlin.open_menu():

@@ -13,7 +13,7 @@
 
 namespace querlin {
 
-/// What is to be listened to, and how.
+/// What to recognise, and how.
 struct HearOptions {
     static constexpr std::string_view usage =
         "Zeigt, was ein Erkenner versteht: Zwischenstände, während es kommt, und den fertigen Text.\n"
@@ -34,13 +34,13 @@ struct HearOptions {
     bool microphone = false;
     bool devices = false;
     bool realtime = false;
-    std::optional<Duration> length; ///< of what the microphone is heard for
+    std::optional<Duration> length; ///< of the recording from the microphone
     std::optional<std::string> device;
     std::vector<std::string> words;
     std::int64_t vocabulary = 0;
     std::optional<std::filesystem::path> models;
 
-    /// The error is a German text.
+    /// The error is in German.
     static std::expected<HearOptions, std::string> parse(std::span<const std::string_view> arguments);
 };
 

@@ -1,4 +1,4 @@
-// A developer's look at the hearing: the program's own recorder, transcribers and services.
+// Speech recognition for developers: the program's own recorder, transcribers and services.
 
 #include "hear/Options.h"
 
@@ -32,7 +32,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t framesPerBuffer = 2048;
 
-/// Sound on its way into a transcriber; the end is told on the main queue.
+/// Feeds sound into a transcriber; the end is reported on the main queue.
 class Source {
 public:
     virtual ~Source() = default;
@@ -118,7 +118,7 @@ private:
     Registration timer_;
 };
 
-/// Everything that hears, as the program puts it together.
+/// All services of speech recognition, composed as in the program.
 class Hearing {
 public:
     explicit Hearing(HearOptions options) : options_(std::move(options)) {

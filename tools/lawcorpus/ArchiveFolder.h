@@ -7,7 +7,7 @@
 namespace querlin {
 
 /// Stands in for the portal: a folder with `<slug>/xml.zip` for each law. The time of a file is its
-/// Last-Modified; a law that isn't there is answered with 404.
+/// Last-Modified; a missing law is answered with 404.
 class ArchiveFolder final : public HttpClient {
 public:
     explicit ArchiveFolder(std::filesystem::path folder) : folder_(std::move(folder)) {}

@@ -1,4 +1,4 @@
-// Makes the two files with the law texts, and looks into them.
+// Makes the two files with the law texts, and searches them.
 
 #include "lawcorpus/ArchiveFolder.h"
 
@@ -46,7 +46,7 @@ int fail(std::string_view message) {
     return EXIT_FAILURE;
 }
 
-/// Shows the service's lines as they come.
+/// Prints the service's log lines as they come.
 class ShownLog final : public LogSink {
 public:
     void write(std::string_view category, std::string_view message) override {
@@ -56,7 +56,7 @@ public:
     void clear() override {}
 };
 
-/// A folder for what lies beside the result, gone at the end.
+/// A folder for intermediate files, removed at the end.
 class WorkFolder {
 public:
     WorkFolder() {

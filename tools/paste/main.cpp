@@ -1,4 +1,4 @@
-// Pastes a text into whatever has the keyboard, as the program would, and tells what is known of it: the
+// Pastes a text into the focused field, as the program would, and reports what is known about it: the
 // application, the kind of field, the outcome, the times.
 
 #include "shared/ShownLog.h"
@@ -51,7 +51,7 @@ std::optional<Options> parse(int count, char** arguments) {
     return options.text.empty() ? std::nullopt : std::optional(options);
 }
 
-/// A developer's program needs nobody's leave: what isn't there will show.
+/// Everything counts as permitted in this developer's program.
 class OpenAccess final : public SystemAccess {
 public:
     AuthorizationStatus microphoneStatus() override { return AuthorizationStatus::authorized; }

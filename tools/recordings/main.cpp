@@ -1,4 +1,4 @@
-// Decodes a recording, with the program's own reader, to what a sound server takes:
+// Decodes a recording, with the program's own reader, for a sound server:
 //   decode aufnahme.m4a | paplay --raw --format=float32ne --rate=48000 --channels=1
 
 #include "platform/av/AvFileReader.h"

@@ -8,7 +8,7 @@
 
 namespace querlin {
 
-/// Shows the log's lines in the terminal.
+/// Prints the log's lines to the terminal.
 class ShownLog final : public LogSink {
 public:
     void write(std::string_view category, std::string_view message) override {
