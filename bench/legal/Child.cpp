@@ -1,5 +1,6 @@
 #include "Child.h"
 
+#include "BenchRuntime.h"
 #include "report/Measuring.h"
 #include "PlainCorpus.h"
 
@@ -37,8 +38,8 @@ std::size_t peakInBytes() {
 
 void loadOurs(const std::filesystem::path& folder, ChildResult& result) {
     const LegalCorpusStore store(folder / "Gesetze", folder);
-    const SystemClock clock;
-    LegalCorpus corpus(store, clock);
+    BenchRuntime runtime;
+    LegalCorpus corpus(store, runtime);
     const Stopwatch stopwatch;
     corpus.loadIfNeeded();
     result.seconds = stopwatch.seconds();

@@ -1,3 +1,4 @@
+#include "BenchRuntime.h"
 #include "Cases.h"
 #include "Child.h"
 #include "report/Measuring.h"
@@ -85,12 +86,12 @@ void warmLoad(const Setting& setting, const std::filesystem::path& folder) {
     const auto& container = setting.corpus.container;
     const auto length = setting.corpus.document.size();
     const LegalCorpusStore store(folder / "Gesetze", folder);
-    const SystemClock clock;
+    BenchRuntime runtime;
     std::string reused(length, '\0');
     const auto [ours, fresh, allocated, warm] = interleavedMedians(
         setting.repetitions(25),
         [&] {
-            LegalCorpus corpus(store, clock);
+            LegalCorpus corpus(store, runtime);
             return secondsOf([&] { return corpus.loadIfNeeded(); });
         },
         [&] {

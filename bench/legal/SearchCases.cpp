@@ -1,4 +1,5 @@
 #include "Allocations.h"
+#include "BenchRuntime.h"
 #include "Cases.h"
 #include "report/Measuring.h"
 #include "Queries.h"
@@ -170,8 +171,8 @@ void runSearchCases(const Setting& setting) {
         throw std::runtime_error("The corpus can't be written.");
     Searchers searchers(setting.corpus, PlainCorpus::load(file));
     const LegalCorpusStore store(folder.path() / "Gesetze", folder.path());
-    const SystemClock clock;
-    LegalCorpus corpus(store, clock);
+    BenchRuntime runtime;
+    LegalCorpus corpus(store, runtime);
     corpus.loadIfNeeded();
 
     const auto mixes = queryMixes(setting.corpus, setting.isQuick ? 40 : 400);

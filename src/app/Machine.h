@@ -37,6 +37,8 @@ struct Machine {
     Machine(const ApplicationPaths& paths, const Installation& own);
 
     Runtime runtime() { return {.mainQueue = queue, .clock = clock, .background = pool}; }
+    /// For all that takes time with the laws: no dictation waits for a search, a load or an update.
+    Runtime lawRuntime() { return {.mainQueue = queue, .clock = clock, .background = lawPool}; }
     bool hasMicrophone() const { return devices.systemDefaultInput().has_value(); }
     bool canRecognise();
 
@@ -68,7 +70,8 @@ struct Machine {
 
     SystemPermissions access;
     CurlHttpClient http{queue};
-    ThreadPool pool{2}; ///< last: what still runs on it is waited for first
+    ThreadPool lawPool{2}; ///< one thread may load while the other searches
+    ThreadPool pool{2};    ///< last: what still runs on it is waited for first
 };
 
 } // namespace querlin

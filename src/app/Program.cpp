@@ -112,7 +112,7 @@ Program::Program(Machine& machine, Places places, std::function<void()> quit) :
     places_(std::move(places)),
     quit_(std::move(quit)),
     lawFiles_(places_.paths.laws(), places_.resources),
-    corpus_(lawFiles_, machine.clock),
+    corpus_(lawFiles_, machine.lawRuntime()),
     vocabulary_(places_.resources, machine.pool),
     permissions_(machine.queue, machine.access),
     attention_(machine.queue, machine.buses, std::string(Product::applicationId),
@@ -125,6 +125,7 @@ Program::Program(Machine& machine, Places places, std::function<void()> quit) :
 
 Program::~Program() {
     machine_.pool.finish(); // What runs there uses what goes now.
+    machine_.lawPool.finish();
     if (windows_) windows_->setController(nullptr);
 }
 
@@ -140,7 +141,7 @@ void Program::start() {
     settings_->recordLaunch(machine_.clock.now());
     statistics_ = std::make_unique<UsageStatistics>(*preferences_, machine_.clock);
     legalUpdates_ = std::make_unique<LegalUpdateService>(*settings_, lawFiles_, corpus_, machine_.http,
-                                                         machine_.runtime());
+                                                         machine_.lawRuntime());
     windows_ = std::make_unique<WindowCoordinator>(WindowSources{.runtime = machine_.runtime(),
                                                                  .settings = *settings_,
                                                                  .statistics = *statistics_,
@@ -185,7 +186,7 @@ void Program::makeStatusItem() {
 
 /// Each returns at once; whoever is faster than these waits.
 void Program::preload() {
-    corpus_.preload(machine_.pool);
+    corpus_.preload();
     vocabulary_.preload();
     if (settings_->cleanupMode.get() == CleanupMode::local)
         dictation_->modelEnhancer.prewarm(settings_->writingStyle.get());

@@ -92,6 +92,7 @@ Task<DictationController::RunEnd> DictationController::processAndDeliver(RunPoin
     const bool cleansByRules =
         collaborators_.settings.cleanupMode.get() != CleanupMode::none && !run->style.compactText;
     if (cleansByRules) co_await applyRules(run);
+    co_await collaborators_.textStages.ready();
     applyDeterministicStages(*run);
     times.deterministic = runtime_.clock.instant();
 

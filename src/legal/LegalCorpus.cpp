@@ -3,6 +3,7 @@
 #include "foundation/Characters.h"
 #include "foundation/GermanFormat.h"
 #include "foundation/Graphemes.h"
+#include "foundation/OneShot.h"
 #include "foundation/Replacing.h"
 #include "foundation/TextCase.h"
 #include "foundation/Trimming.h"
@@ -54,14 +55,14 @@ public:
         for (std::size_t number = 0; number < laws_.size(); ++number) {
             byName_.insert_or_assign(uppercase(laws_[number].abbr), number);
             longestNameFirst_.push_back(number);
-            sections_ += laws_[number].sections.size();
+            sectionCount_ += laws_[number].sections.size();
         }
         std::ranges::stable_sort(longestNameFirst_, std::ranges::greater(),
                                  [this](std::size_t number) { return graphemeCount(laws_[number].abbr); });
     }
 
     const std::vector<LegalLaw>& laws() const { return laws_; }
-    Extent extent() const { return {laws_.size(), sections_}; }
+    Extent extent() const { return {laws_.size(), sectionCount_}; }
 
     /// By the law's number and the id in small letters; null if there is none.
     const LegalSection* section(std::size_t law, std::string_view id) const {
@@ -116,50 +117,62 @@ public:
 
 private:
     std::vector<LegalLaw> laws_;
-    std::size_t sections_ = 0;
     CorpusIndex index_;
+    std::size_t sectionCount_ = 0;
     /// By the abbreviation in capital letters.
     std::map<std::string, std::size_t> byName_;
     std::vector<std::size_t> longestNameFirst_;
 };
 
-LegalCorpus::LegalCorpus(const LegalCorpusStore& store, const Clock& clock) : store_(store), clock_(clock) {}
+LegalCorpus::LegalCorpus(const LegalCorpusStore& store, Runtime runtime) : store_(store), runtime_(runtime) {}
 LegalCorpus::~LegalCorpus() = default;
 
-void LegalCorpus::preload(Executor& background) {
-    background.run([this] { loadIfNeeded(); });
+void LegalCorpus::preload() {
+    if (!isLoaded()) runtime_.background.run([this] { loadIfNeeded(); });
 }
 
-bool LegalCorpus::loadIfNeeded() { return loaded() != nullptr; }
+Task<> LegalCorpus::ready() {
+    if (isLoaded()) co_return;
+    const OneShot<bool> ended(runtime_.mainQueue);
+    runtime_.background.run([this, sender = ended.sender()] { sender.send(loadIfNeeded()); });
+    const auto limit =
+        runtime_.mainQueue.after(longestWait, [sender = ended.sender()] { sender.send(false); });
+    co_await ended;
+}
+
+bool LegalCorpus::loadIfNeeded() {
+    const std::scoped_lock guard(loading_);
+    return isLoaded() || load();
+}
 
 bool LegalCorpus::reload() {
-    {
-        const std::scoped_lock guard(lock_);
-        snapshot_.reset();
-        ++generation_;
-    }
-    return loadIfNeeded();
+    const std::scoped_lock guard(loading_);
+    return load();
 }
 
-bool LegalCorpus::isLoaded() const {
+bool LegalCorpus::load() {
+    auto fresh = read();
+    if (!fresh) return false;
     const std::scoped_lock guard(lock_);
-    return snapshot_ != nullptr;
+    snapshot_.swap(fresh);
+    return true;
 }
 
-LegalCorpus::SnapshotPointer LegalCorpus::loaded() {
-    std::uint64_t generation = 0;
-    {
-        const std::scoped_lock guard(lock_);
-        if (snapshot_) return snapshot_;
-        generation = generation_;
-    }
+LegalCorpus::SnapshotPointer LegalCorpus::loaded() const {
+    const std::scoped_lock guard(lock_);
+    return snapshot_;
+}
+
+bool LegalCorpus::isLoaded() const { return loaded() != nullptr; }
+
+LegalCorpus::SnapshotPointer LegalCorpus::read() const {
     const auto note = [](std::string_view line) { DiagnosticsLog::note("legal", line); };
     const auto file = store_.corpusURL();
     if (!file) {
         note("LegalCorpus.deflate nicht gefunden.");
         return nullptr;
     }
-    const auto started = clock_.instant();
+    const auto started = runtime_.clock.instant();
     LegalCorpusFile content;
     CorpusIndexer indexer; // Ends before the content does.
     const auto read = loadCorpus(*file, content, indexer);
@@ -172,30 +185,21 @@ LegalCorpus::SnapshotPointer LegalCorpus::loaded() {
     constexpr double bytesInMegabyte = 1'048'576;
     DiagnosticsLog::trace(
         "legal", fmt::format("Korpus entpackt und gelesen in {:.2f} s ({:.1f} MB)",
-                             inSeconds(clock_.instant() - started),
+                             inSeconds(runtime_.clock.instant() - started),
                              static_cast<double>(indexer.documentLengthInBytes()) / bytesInMegabyte));
-    const auto snapshot = std::make_shared<const Snapshot>(std::move(content.laws), std::move(*index));
-    {
-        const std::scoped_lock guard(lock_);
-        // An update came meanwhile: these may be the texts of before.
-        if (generation == generation_) snapshot_ = snapshot;
-    }
-    std::size_t count = 0;
+    auto snapshot = std::make_shared<const Snapshot>(std::move(content.laws), std::move(*index));
     std::vector<std::string_view> names;
-    for (const auto& law : snapshot->laws()) {
-        count += law.sections.size();
-        names.push_back(law.abbr);
-    }
-    note(fmt::format("Geladen: {} Paragraphen aus {}", count, fmt::join(names, ", ")));
+    for (const auto& law : snapshot->laws()) names.push_back(law.abbr);
+    note(fmt::format("Geladen: {} Paragraphen aus {}", snapshot->extent().sections, fmt::join(names, ", ")));
     return snapshot;
 }
 
 std::optional<LegalCorpus::Extent> LegalCorpus::extent() const {
-    const std::scoped_lock guard(lock_);
-    return snapshot_ ? std::optional(snapshot_->extent()) : std::nullopt;
+    const auto snapshot = loaded();
+    return snapshot ? std::optional(snapshot->extent()) : std::nullopt;
 }
 
-std::vector<LegalLaw> LegalCorpus::laws() {
+std::vector<LegalLaw> LegalCorpus::laws() const {
     const auto snapshot = loaded();
     return snapshot ? snapshot->laws() : std::vector<LegalLaw>();
 }
@@ -217,7 +221,7 @@ std::optional<LegalHit> LegalCorpus::sectionInAnyLaw(std::string_view id) {
     return std::nullopt;
 }
 
-std::vector<std::string> LegalCorpus::standSummary() {
+std::vector<std::string> LegalCorpus::standSummary() const {
     const auto snapshot = loaded();
     std::vector<std::string> lines;
     if (!snapshot) return lines;
@@ -229,7 +233,7 @@ std::vector<std::string> LegalCorpus::standSummary() {
     return lines;
 }
 
-std::vector<LegalHit> LegalCorpus::search(std::string_view query, std::size_t limit) {
+std::vector<LegalHit> LegalCorpus::search(std::string_view query, std::size_t limit) const {
     const auto snapshot = loaded();
     const auto wanted = trimWhitespaceAndNewlines(query);
     if (!snapshot || wanted.empty()) return {};

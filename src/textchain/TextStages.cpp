@@ -1,10 +1,13 @@
 #include "textchain/TextStages.h"
 
+#include "legal/LegalLookup.h"
 #include "textchain/LawInsertion.h"
 #include "textchain/LegalFormatting.h"
 #include "textchain/SpokenLawReference.h"
 
 namespace querlin {
+
+Task<> TextChain::ready() { return laws_.ready(); }
 
 DictationCommands::Outcome TextChain::applyCommands(std::string_view text, DictationCommands::Mode mode) {
     return DictationCommands::apply(text, mode);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Task.h"
 #include "foundation/Time.h"
 #include "state/TextBlock.h"
 #include "textchain/DictationCommands.h"
@@ -20,6 +21,9 @@ class TextStages {
 public:
     virtual ~TextStages() = default;
 
+    /// To be awaited before `processLawReferences`: the laws may still be loading.
+    virtual Task<> ready() { co_return; }
+
     /// Spoken punctuation, line breaks and corrections: "hallo Komma Welt" -> "Hallo, Welt".
     virtual DictationCommands::Outcome applyCommands(std::string_view text, DictationCommands::Mode mode) = 0;
     /// "Baustein Grußformel" -> the block's content, its placeholders filled in for `now`.
@@ -39,6 +43,8 @@ public:
 class TextChain final : public TextStages {
 public:
     explicit TextChain(LegalLookup& laws) : laws_(laws) {}
+
+    Task<> ready() override;
 
     DictationCommands::Outcome applyCommands(std::string_view text, DictationCommands::Mode mode) override;
     TextBlockExpander::Outcome expandBlocks(std::string_view text, std::span<const TextBlock> blocks,

@@ -38,7 +38,7 @@ struct World {
     ManualTime time;
     PreferencesStore preferences{laws.folder / "Einstellungen.json", time};
     AppSettings settings{preferences};
-    LegalCorpus corpus{laws.store, time};
+    LegalCorpus corpus{laws.store, time.runtime()};
     FakePortal portal{time};
     std::optional<LegalUpdateService> service;
     std::vector<LegalUpdateService::Stage> stages;
@@ -49,6 +49,7 @@ struct World {
         deliver({"2026-01-01", {rowOf("BGB", "Montag", 1), rowOf("FamFG", "Montag", 1)}});
         portal.pages[address("BGB")] = {"Montag", "nicht gefragt"};
         portal.pages[address("FamFG")] = {"Dienstag", lawArchive("Verfahren", 3, "Neu")};
+        corpus.loadIfNeeded();
         start();
     }
     void deliver(const LegalManifest& manifest) {

@@ -46,7 +46,7 @@ int updateForEver(const std::filesystem::path& folder) {
     }
     PreferencesStore preferences(folder / "Einstellungen.json", time);
     AppSettings settings(preferences);
-    LegalCorpus corpus(store, time);
+    LegalCorpus corpus(store, time.runtime());
     FakePortal portal(time);
     LegalUpdateService service(settings, store, corpus, portal, time.runtime());
     while (true) {

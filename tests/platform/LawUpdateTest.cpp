@@ -37,13 +37,10 @@ protected:
         writeFile(laws.folder / "Ressourcen/LegalManifest.json", Json::compact(toJson(manifest)));
     }
     LegalUpdateService::Stage check() {
-        RunLoop loop;
-        ThreadPool pool(1);
-        SystemClock clock;
         PreferencesStore preferences(laws.folder / "Einstellungen.json", clock);
         AppSettings settings(preferences);
         CurlHttpClient client(loop);
-        LegalUpdateService service(settings, laws.store, corpus, client, {loop, clock, pool});
+        LegalUpdateService service(settings, laws.store, corpus, client, runtime);
         const auto end = service.stage.subscribe(
             [&](const auto&) {
                 if (!service.isRunning()) loop.quit();
@@ -57,8 +54,11 @@ protected:
 
     CapturedLog log;
     LawFolders laws;
-    SystemClock time;
-    LegalCorpus corpus{laws.store, time};
+    RunLoop loop;
+    SystemClock clock;
+    ThreadPool pool{1};
+    Runtime runtime{loop, clock, pool};
+    LegalCorpus corpus{laws.store, runtime};
     LoopbackServer server;
 };
 

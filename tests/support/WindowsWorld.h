@@ -54,7 +54,7 @@ struct WindowsWorld {
     DictationWorld world;
     FakePortal portal{world.time};
     LegalCorpusStore laws{world.folder.path() / "Gesetze", world.folder.path()};
-    LegalCorpus corpus{laws, world.time};
+    LegalCorpus corpus{laws, world.time.runtime()};
     LegalUpdateService updates{world.settings, laws, corpus, portal, world.time.runtime()};
     SlowFocusReturn focusReturn{world.time};
     std::vector<SetupFinding> findings = {{.name = "Mikrofon", .state = "da", .isFine = true}};

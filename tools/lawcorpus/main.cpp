@@ -112,13 +112,13 @@ int make(const fs::path& manifestFile, const fs::path& folder, HttpClient& clien
          ThreadPool& pool) {
     const WorkFolder work;
     if (makeEmpty(manifestFile, work.path()) != EXIT_SUCCESS) return EXIT_FAILURE;
-    const SystemClock clock;
+    SystemClock clock;
+    const Runtime runtime{loop, clock, pool};
     PreferencesStore preferences(work.path() / "Einstellungen.json", clock);
     AppSettings settings(preferences);
     const LegalCorpusStore store(fs::absolute(folder), work.path());
-    LegalCorpus corpus(store, clock);
-    SystemClock serviceClock;
-    LegalUpdateService service(settings, store, corpus, client, {loop, serviceClock, pool});
+    LegalCorpus corpus(store, runtime);
+    LegalUpdateService service(settings, store, corpus, client, runtime);
 
     int result = EXIT_SUCCESS;
     const auto following = service.stage.subscribe(
@@ -174,8 +174,10 @@ int lawcorpus(Arguments arguments) {
     }
     if ((command == "search" || command == "insert") && !words.empty()) {
         const LegalCorpusStore store(arguments[1], {});
-        const SystemClock clock;
-        LegalCorpus corpus(store, clock);
+        RunLoop loop;
+        SystemClock clock;
+        ThreadPool pool(1);
+        LegalCorpus corpus(store, {loop, clock, pool});
         if (!corpus.loadIfNeeded())
             return fail(fmt::format("Kein lesbarer Gesetzesbestand in {}.", arguments[1]));
         return command == "search" ? search(corpus, words) : insert(corpus, words);

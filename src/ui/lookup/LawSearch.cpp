@@ -35,8 +35,9 @@ Task<> LawSearch::runSearch() {
     const auto asked = query_.get();
     const auto number = ++lastSearch_;
     searching_.set(true);
+    co_await corpus_.ready();
     auto search = [&corpus = corpus_, asked] { return corpus.search(asked); };
-    auto found = co_await background(runtime_, std::move(search));
+    auto found = co_await background(corpus_.runtime(), std::move(search));
     // Of two searches for the same query the later one has seen the newer texts.
     if (query_.get() == asked && number == lastSearch_) take(std::move(found));
 }

@@ -4,8 +4,6 @@
 #include "ui/brand/Brand.h"
 #include "ui/lookup/TwoPanes.h"
 
-#include <algorithm>
-
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -20,19 +18,6 @@ constexpr int longestLooks = 50;
 constexpr auto betweenLooks = std::chrono::milliseconds(10);
 constexpr std::string_view nowhereToInsert =
     "Kein anderes Fenster mit Schreibmarke gefunden – der Text liegt in der Zwischenablage.";
-
-/// What the empty pane shows about the laws.
-struct Summary {
-    std::vector<std::string> lines;
-    bool hasTexts = false;
-};
-
-Summary summaryOf(LegalCorpus& corpus) {
-    Summary summary{.lines = corpus.standSummary()};
-    summary.hasTexts =
-        std::ranges::any_of(corpus.laws(), [](const LegalLaw& law) { return !law.sections.empty(); });
-    return summary;
-}
 
 } // namespace
 
@@ -128,19 +113,15 @@ void LegalLookupView::endInsertion() {
 void LegalLookupView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     if (event->spontaneous()) return; // Only restored from the minimised state.
-    sources_.corpus.preload(sources_.runtime.background);
     tasks_.start(refreshSummary());
     left_->focusField();
 }
 
-/// In the background: the corpus may have to be loaded first.
 Task<> LegalLookupView::refreshSummary() {
-    const auto number = ++lastSummary_;
-    auto summarise = [&corpus = sources_.corpus] { return summaryOf(corpus); };
-    const auto summary = co_await background(sources_.runtime, std::move(summarise));
-    if (number != lastSummary_) co_return; // A later call has seen newer texts.
-    hasTexts_ = summary.hasTexts;
-    empty_->setSummary(summary.lines);
+    co_await sources_.corpus.ready();
+    const auto extent = sources_.corpus.extent();
+    hasTexts_ = extent && extent->sections > 0;
+    empty_->setSummary(sources_.corpus.standSummary());
     showProgress();
 }
 

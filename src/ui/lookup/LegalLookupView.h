@@ -55,7 +55,6 @@ private:
     /// Assumed until the corpus has been looked at.
     bool hasTexts_ = true;
     bool isInserting_ = false;
-    std::uint64_t lastSummary_ = 0;
 
     SearchPane* left_ = nullptr;
     QStackedWidget* right_ = nullptr;

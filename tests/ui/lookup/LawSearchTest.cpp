@@ -39,7 +39,7 @@ struct LawSearchTest : testing::Test {
     CapturedLog log;
     ManualTime time;
     LawFolders laws;
-    LegalCorpus corpus{laws.store, time};
+    LegalCorpus corpus{laws.store, time.runtime()};
     LawSearch search{time.runtime(), corpus};
     int searches = 0;
     Registration counting;

@@ -96,7 +96,7 @@ struct LegalLookupViewTest : testing::Test {
     DictationWorld world;
     LawFolders laws;
     FakePortal portal{world.time};
-    LegalCorpus corpus{laws.store, world.time};
+    LegalCorpus corpus{laws.store, world.time.runtime()};
     LegalUpdateService updates{world.settings, laws.store, corpus, portal, world.time.runtime()};
     ScriptedFocusReturn focusReturn{world.time};
     std::optional<LegalLookupView> view;
