@@ -17,8 +17,8 @@ public:
 
 /// The program's one log. German lines under short categories ("controller", "pipeline", "rescue").
 ///
-/// What was dictated doesn't belong into it: a line holds counts, names and reasons, and words of a
-/// dictation only where the line's own purpose says so.
+/// No line ever holds a word that was dictated, recognised or corrected: lines hold counts, categories, codes
+/// and reasons.
 ///
 /// Callable from any thread; a call never waits for the disk and never fails. Before a sink is
 /// installed, lines go nowhere.
@@ -30,8 +30,8 @@ void note(std::string_view category, std::string_view message);
 void trace(std::string_view category, std::string_view message);
 void clear();
 
-/// Whether `trace` writes. True at start.
-inline std::atomic<bool> verbose = true; // NOLINT(*-non-const-global-variables): the log's one switch
+/// Whether `trace` writes.
+inline std::atomic<bool> verbose = false; // NOLINT(*-non-const-global-variables): the log's one switch
 
 /// Sends all lines to `sink` for as long as this lives; then to the sink that was there before.
 class Installation {

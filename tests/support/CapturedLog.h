@@ -9,9 +9,14 @@
 
 namespace querlin {
 
-/// Catches the log's lines as "[category] message" for as long as it lives.
+/// Catches the log's lines as "[category] message" for as long as it lives, the chatty ones too.
 class CapturedLog final : public LogSink {
 public:
+    CapturedLog() { DiagnosticsLog::verbose = true; }
+    ~CapturedLog() override { DiagnosticsLog::verbose = false; }
+    CapturedLog(const CapturedLog&) = delete;
+    CapturedLog& operator=(const CapturedLog&) = delete;
+
     void write(std::string_view category, std::string_view message) override {
         const std::scoped_lock guard(mutex_);
         lines_.push_back("[" + std::string(category) + "] " + std::string(message));
