@@ -1,6 +1,7 @@
 #include "Running.h"
 
-#include "foundation/Clock.h"
+#include "foundation/RunLoop.h"
+#include "foundation/ThreadPool.h"
 #include "state/AppSettings.h"
 #include "state/PreferencesStore.h"
 #include "state/Product.h"
@@ -50,9 +51,11 @@ double computingSecondsOf(const std::string& process) {
 } // namespace
 
 void prepareSettings() {
-    const SystemClock clock;
+    RunLoop loop;
+    SystemClock clock;
+    ThreadPool pool(1);
     PreferencesStore store(ApplicationPaths::fromEnvironment().preferencesFile(Product::applicationId),
-                           clock);
+                           {loop, clock, pool});
     AppSettings settings(store);
     settings.hasCompletedOnboarding.set(true);
     settings.updateLawsAutomatically.set(false);

@@ -3,6 +3,7 @@
 #include "desktop/FocusReturn.h"
 #include "foundation/Clock.h"
 #include "foundation/Runtime.h"
+#include "foundation/SerialQueue.h"
 #include "foundation/ThreadPool.h"
 #include "platform/atspi/AtspiAccessibility.h"
 #include "platform/curl/CurlHttpClient.h"
@@ -39,6 +40,8 @@ struct Machine {
     Runtime runtime() { return {.mainQueue = queue, .clock = clock, .background = pool}; }
     /// For all that takes time with the laws: no dictation waits for a search, a load or an update.
     Runtime lawRuntime() { return {.mainQueue = queue, .clock = clock, .background = lawPool}; }
+    /// For files that change often; keeps the order of what it is given.
+    Runtime storageRuntime() { return {.mainQueue = queue, .clock = clock, .background = storage}; }
     bool hasMicrophone() const { return devices.systemDefaultInput().has_value(); }
     bool canRecognise();
 
@@ -70,6 +73,7 @@ struct Machine {
 
     SystemPermissions access;
     CurlHttpClient http{queue};
+    SerialQueue storage;
     ThreadPool lawPool{2}; ///< one thread may load while the other searches
     ThreadPool pool{2};    ///< last: what still runs on it is waited for first
 };

@@ -67,7 +67,7 @@ Program::Dictation::Dictation(Program& app) :
     stages(app.corpus_),
     rules(app.machine_.runtime()),
     enhancement(*app.settings_, rules, modelEnhancer),
-    history(app.places_.paths.support, app.machine_.clock),
+    history(app.places_.paths.support, app.machine_.storageRuntime()),
     hotkey(app.machine_.queue, app.machine_.holdKey, app.permissions_, app.settings_->hotkey.get(),
            app.places_.executable),
     contextDetector(app.permissions_, app.machine_.accessibility, app.machine_.workspace),
@@ -134,7 +134,7 @@ void Program::start() {
     DiagnosticsLog::note("app", fmt::format("PID {}, {}", ::getpid(), systemName()));
 
     preferences_ = std::make_unique<PreferencesStore>(places_.paths.preferencesFile(Product::applicationId),
-                                                      machine_.clock);
+                                                      machine_.storageRuntime());
     Migration::runIfNeeded(*preferences_, Product::legacyDomain,
                            places_.paths.preferencesFile(Product::legacyDomain));
     settings_ = std::make_unique<AppSettings>(*preferences_);
@@ -158,6 +158,11 @@ void Program::start() {
 void Program::startListening() {
     preload();
     dictation_->controller.start();
+    // The machine may not come back from a sleep, and a shutdown is soon over.
+    flushing_ = machine_.signals.observe([this](SystemSignal, const SystemHold&) {
+        preferences_->flush();
+        dictation_->history.flush();
+    });
     later(untilOverlayIsPrepared, [this] { windows_->prepareOverlay(); });
     later(untilRecovery, [this] { reportTroubles(); });
     later(untilLawCheck, [this] { legalUpdates_->checkIfDue(); });
@@ -210,10 +215,19 @@ void Program::later(Duration delay, Work work) {
 void Program::reportTroubles() {
     CrashRecovery::rescueLeftBehind(RecordingFolder(places_.paths.recordings), dictation_->rescueFolder,
                                     dictation_->notifier);
-    if (const auto trouble = preferences_->trouble()) {
-        windows_->showEnhancementFailureNotice(*trouble);
-        dictation_->notifier.post("Einstellungen", *trouble);
-    }
+    if (const auto& trouble = preferences_->readingTrouble()) report("Einstellungen", *trouble);
+    const auto reportLater = [this](std::string title, const Published<std::optional<std::string>>& trouble) {
+        troubles_.push_back(trouble.subscribe([this, title = std::move(title)](const auto& text) {
+            if (text) report(title, *text);
+        }));
+    };
+    reportLater("Einstellungen", preferences_->writingTrouble());
+    reportLater("Verlauf", dictation_->history.trouble());
+}
+
+void Program::report(const std::string& title, const std::string& trouble) {
+    windows_->showEnhancementFailureNotice(trouble);
+    dictation_->notifier.post(title, trouble);
 }
 
 std::vector<SetupFinding> Program::findings() {

@@ -46,6 +46,7 @@ private:
     void startListening();
     void later(Duration delay, Work work);
     void reportTroubles();
+    void report(const std::string& title, const std::string& trouble);
     std::vector<SetupFinding> findings();
 
     Machine& machine_;
@@ -67,6 +68,8 @@ private:
     ApplicationService attention_;
     ColorScheme colors_;
     std::vector<Registration> delayed_;
+    std::vector<Registration> troubles_;
+    Registration flushing_;
     Lifetime lifetime_;
 };
 

@@ -50,9 +50,9 @@ private:
     int number_;
 };
 
-Descriptor openForReading(const fs::path& file) {
+int openToRead(const fs::path& file) {
     // Non-blocking: opening a pipe in place of a file must not hang.
-    return Descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    return ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
 }
 
 bool writeAll(int descriptor, std::string_view bytes) {
@@ -139,7 +139,7 @@ fs::path unfinishedName(const fs::path& file) {
 }
 
 FileResult<BigText> readBig(const fs::path& file, std::size_t limitInBytes) {
-    const auto in = openForReading(file);
+    const Descriptor in(openToRead(file));
     if (!in) return lastFailure();
     struct stat status{};
     if (::fstat(in.number(), &status) != 0) return lastFailure();
@@ -186,29 +186,52 @@ FileResult<> makeFolder(const fs::path& folder) {
     return failure(ENOTDIR);
 }
 
-FileResult<> copy(const fs::path& from, const fs::path& to) {
-    const auto in = openForReading(from);
-    if (!in) return lastFailure();
+FileResult<OpenFile> OpenFile::open(const fs::path& file) {
+    OpenFile opened(openToRead(file));
+    if (opened.descriptor_ < 0) return lastFailure();
     struct stat status{};
-    if (::fstat(in.number(), &status) != 0) return lastFailure();
+    if (::fstat(opened.descriptor_, &status) != 0) return lastFailure();
     if (!S_ISREG(status.st_mode)) return failure(ENOTSUP);
-    return replace(to, Durability::Synced, [&in](int out) {
+    return opened;
+}
+
+OpenFile::OpenFile(OpenFile&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+OpenFile::~OpenFile() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+FileResult<> OpenFile::copyTo(const fs::path& to) const {
+    return replace(to, Durability::Synced, [in = descriptor_](int out) {
         std::array<char, 64U << 10U> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init)
+        off_t offset = 0;
         while (true) {
-            const auto count = ::read(in.number(), buffer.data(), buffer.size());
+            const auto count = ::pread(in, buffer.data(), buffer.size(), offset);
             if (count < 0 && errno == EINTR) continue;
             if (count <= 0) return count == 0;
             if (!writeAll(out, {buffer.data(), static_cast<std::size_t>(count)})) return false;
+            offset += count;
         }
     });
 }
 
-FileResult<> linkOrCopy(const fs::path& from, const fs::path& to) {
+FileResult<> copy(const fs::path& from, const fs::path& to) {
+    const auto in = OpenFile::open(from);
+    if (!in) return std::unexpected(in.error());
+    return in->copyTo(to);
+}
+
+FileResult<> link(const fs::path& from, const fs::path& to) {
     std::error_code ignored;
-    const bool isLinked = fs::is_regular_file(from, ignored) && ::link(from.c_str(), to.c_str()) == 0;
-    if (!isLinked) return Files::copy(from, to);
-    syncFolder(folderOf(to));
+    if (!fs::is_regular_file(from, ignored)) return failure(ENOTSUP);
+    if (::link(from.c_str(), to.c_str()) != 0) return lastFailure();
     return {};
+}
+
+void makeDurable(const fs::path& file) {
+    const Descriptor open(openToRead(file));
+    if (open) ::fsync(open.number());
+    syncFolder(folderOf(file));
 }
 
 FileResult<> move(const fs::path& from, const fs::path& to) {

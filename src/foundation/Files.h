@@ -57,9 +57,30 @@ FileResult<> move(const std::filesystem::path& from, const std::filesystem::path
 /// Copies a regular file, completely or not at all.
 FileResult<> copy(const std::filesystem::path& from, const std::filesystem::path& to);
 
-/// Makes a regular file that no longer changes available at a second place: by a hard link, or by a copy
-/// where no link is possible.
-FileResult<> linkOrCopy(const std::filesystem::path& from, const std::filesystem::path& to);
+/// A regular file that is held open: its content can be copied even when its name has gone.
+class OpenFile {
+public:
+    static FileResult<OpenFile> open(const std::filesystem::path& file);
+    OpenFile(OpenFile&& other) noexcept;
+    OpenFile& operator=(OpenFile&&) = delete;
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    ~OpenFile();
+
+    /// All bytes or none.
+    FileResult<> copyTo(const std::filesystem::path& to) const;
+
+private:
+    explicit OpenFile(int descriptor) : descriptor_(descriptor) {}
+    int descriptor_;
+};
+
+/// Gives a regular file that nobody will change any more a second name, at once and without room; fails where
+/// the file system has no links between the two places. To survive a power cut it needs `makeDurable`.
+FileResult<> link(const std::filesystem::path& from, const std::filesystem::path& to);
+
+/// Waits until a file's content and name would survive a power cut. A failure is ignored.
+void makeDurable(const std::filesystem::path& file);
 
 /// Deletes a file; a missing one counts as deleted. False if it still exists.
 bool remove(const std::filesystem::path& file);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foundation/MainQueue.h"
+#include "foundation/Executor.h"
 
 #include <memory>
 
@@ -10,15 +10,15 @@ namespace querlin {
 ///
 /// It never holds up the end of the process: the destructor gives pending work up to two seconds, then
 /// abandons the thread and what it still holds.
-class SerialQueue {
+class SerialQueue final : public Executor {
 public:
     SerialQueue();
-    ~SerialQueue();
+    ~SerialQueue() override;
     SerialQueue(const SerialQueue&) = delete;
     SerialQueue& operator=(const SerialQueue&) = delete;
 
     /// From any thread.
-    void run(Work work);
+    void run(Work work) override;
 
     /// Waits until everything handed over before this call has run, but not longer than `limit`.
     /// True if it has. Not to be called from the queue's own work.

@@ -12,8 +12,8 @@ namespace querlin {
 class LegalLookup {
 public:
     virtual ~LegalLookup() = default;
-    /// Ends as soon as the laws can be looked up: at once as a rule, later while they are being loaded for the
-    /// first time, and after a few seconds in any case. Await it before the first look. Main thread.
+    /// Ends as soon as the laws can be looked up: at once as a rule, later while they are being loaded for
+    /// the first time, and after a few seconds in any case. Await it before the first look. Main thread.
     virtual Task<> ready() { co_return; }
     /// By the section's id and the law's abbreviation; case counts in neither. Of two sections with one id it
     /// is the later.

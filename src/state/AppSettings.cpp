@@ -37,7 +37,6 @@ bool AppSettings::suiteHintIsDue(Date now) const {
 }
 
 void AppSettings::recordSuiteLinkOpened() {
-    const PreferencesStore::Batch together(store_);
     suiteLinkOpened.set(true);
     suiteHintDismissals.set(0);
 }

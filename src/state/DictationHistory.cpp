@@ -74,37 +74,54 @@ std::optional<DictationEntry> readJson(const JsonValue& json, const DictationEnt
         std::move(audio),        *wordCount};
 }
 
-DictationHistory::DictationHistory(fs::path folder, const Clock& clock) :
-    folder_(std::move(folder)), clock_(clock) {
+/// The index file. Used by one thread at a time.
+struct DictationHistory::Index {
+    fs::path file;
+    const Clock& clock;
+    /// The file holds something that has not been read and must be moved out of the way first.
+    bool isForeign = false;
+
+    std::vector<DictationEntry> read() {
+        const auto content = Files::read(file);
+        isForeign = content || !content.error().isMissing();
+        const auto json = content ? Json::parse(*content) : std::unexpected(JsonError());
+        auto entries = json ? fromJson<std::vector<DictationEntry>>(*json) : std::nullopt;
+        if (!entries) return {};
+        isForeign = false;
+        return std::move(*entries);
+    }
+
+    FileResult<> write(const std::vector<DictationEntry>& entries) {
+        if (isForeign) {
+            const auto place = Files::setAside(file, clock.now());
+            // Rather no write than one over dictations that someone may still need.
+            if (!place) return std::unexpected(place.error());
+            isForeign = false;
+            DiagnosticsLog::note("history", fmt::format("Verlauf war nicht lesbar – beiseitegelegt als {}.",
+                                                        place->filename().string()));
+        }
+        if (auto folder = Files::makeFolder(file.parent_path()); !folder) return folder;
+        return Files::writeAtomically(file, Json::pretty(toJson(entries)));
+    }
+};
+
+DictationHistory::DictationHistory(fs::path folder, Runtime runtime) :
+    folder_(std::move(folder)),
+    runtime_(runtime),
+    index_(std::make_shared<Index>(folder_ / "Verlauf.json", runtime.clock)),
+    entries_(index_->read()),
+    writer_(runtime, {.delay = {}, .subject = "Verlauf", .logCategory = "history", .prepare = [this] {
+                          return [index = index_, copy = entries()] { return index->write(copy); };
+                      }}) {
     (void)Files::makeFolder(folder_);
     Files::removeUnfinishedWrites(folder_);
-    load();
 }
 
-void DictationHistory::load() {
-    const auto content = Files::read(indexFile());
-    if (!content) {
-        indexIsForeign_ = !content.error().isMissing();
-        return;
-    }
-    const auto json = Json::parse(*content);
-    if (auto decoded = json ? fromJson<std::vector<DictationEntry>>(*json) : std::nullopt) {
-        entries_.set(std::move(*decoded));
-    } else {
-        indexIsForeign_ = true;
-    }
-}
+DictationHistory::~DictationHistory() = default;
 
-void DictationHistory::save() {
-    if (indexIsForeign_) {
-        const auto place = Files::setAside(indexFile(), clock_.now());
-        if (!place) return; // Rather no write than one over dictations that someone may still need.
-        indexIsForeign_ = false;
-        DiagnosticsLog::note("history", fmt::format("Verlauf war nicht lesbar – beiseitegelegt als {}.",
-                                                    place->filename().string()));
-    }
-    if (Files::makeFolder(folder_))
-        (void)Files::writeAtomically(indexFile(), Json::pretty(toJson(entries())));
+void DictationHistory::change(std::vector<DictationEntry> entries) {
+    entries_.set(std::move(entries));
+    writer_.changed();
 }
 
 void DictationHistory::setRetentionDays(std::int64_t days) {
@@ -114,16 +131,15 @@ void DictationHistory::setRetentionDays(std::int64_t days) {
 
 void DictationHistory::pruneExpired() {
     if (retentionDays_ < 1) return;
-    const auto limit = daysBefore(clock_.now(), retentionDays_).value_or(Date::min());
+    const auto limit = daysBefore(runtime_.clock.now(), retentionDays_).value_or(Date::min());
     const auto isExpired = [limit](const DictationEntry& entry) { return entry.date < limit; };
     auto kept = entries();
     const auto expired = std::ranges::stable_partition(kept, std::not_fn(isExpired));
     if (expired.empty()) return;
-    for (const auto& entry : expired) removeAudio(entry);
+    removeAudio(expired);
     const auto count = expired.size();
     kept.erase(expired.begin(), expired.end());
-    entries_.set(std::move(kept));
-    save();
+    change(std::move(kept));
     DiagnosticsLog::note("history", fmt::format("{} abgelaufene Einträge entfernt.", count));
 }
 
@@ -133,29 +149,57 @@ void DictationHistory::record(std::string_view text, std::string_view appName, s
     auto extended = entries();
     extended.insert(extended.begin(),
                     DictationEntry{.id = newUuid(),
-                                   .date = std::chrono::floor<std::chrono::seconds>(clock_.now()),
+                                   .date = std::chrono::floor<std::chrono::seconds>(runtime_.clock.now()),
                                    .text = validUtf8(text),
                                    .appName = validUtf8(appName),
                                    .engine = std::string(engine),
-                                   .audioFileName = audioSource ? storeAudio(*audioSource) : std::nullopt,
+                                   .audioFileName = audioSource ? keepAudio(*audioSource) : std::nullopt,
                                    .wordCount = static_cast<std::int64_t>(countWords(text))});
-    entries_.set(std::move(extended));
+    change(std::move(extended));
     pruneExpired();
-    save();
 }
 
-std::optional<std::string> DictationHistory::storeAudio(const fs::path& source) const {
+// The source may be gone after this: it is linked here and now, or held open for a copy in the background.
+std::optional<std::string> DictationHistory::keepAudio(const fs::path& source) {
     (void)Files::makeFolder(audioFolder());
     auto name = newUuid() + ".caf";
-    if (const auto stored = Files::linkOrCopy(source, audioFolder() / name); !stored) {
-        DiagnosticsLog::note("history", "Aufnahme nicht gesichert: " + stored.error().description());
+    const auto place = audioFolder() / name;
+    if (Files::link(source, place)) {
+        runtime_.background.run([place] { Files::makeDurable(place); });
+        return name;
+    }
+    auto opened = Files::OpenFile::open(source);
+    if (!opened) {
+        audioLost(name, opened.error());
         return std::nullopt;
     }
+    auto failed = lifetime_.onMain(runtime_.mainQueue,
+                                   [this, name](const FileError& error) { audioLost(name, error); });
+    runtime_.background.run([file = std::move(*opened), place, failed] {
+        if (const auto copied = file.copyTo(place); !copied) failed(copied.error());
+    });
     return name;
 }
 
-void DictationHistory::removeAudio(const DictationEntry& entry) const {
-    if (entry.audioFileName) Files::remove(audioFolder() / *entry.audioFileName);
+void DictationHistory::audioLost(const std::string& name, const FileError& error) {
+    DiagnosticsLog::note("history", "Aufnahme nicht gesichert: " + error.description());
+    auto corrected = entries();
+    const auto entry = std::ranges::find(corrected, name, &DictationEntry::audioFileName);
+    if (entry == corrected.end()) return;
+    entry->audioFileName.reset();
+    change(std::move(corrected));
+}
+
+// In the background, after a copy that may still be under way.
+void DictationHistory::removeAudio(std::span<const DictationEntry> entries) {
+    std::vector<fs::path> files;
+    for (const auto& entry : entries) {
+        if (entry.audioFileName) files.push_back(audioFolder() / *entry.audioFileName);
+    }
+    if (files.empty()) return;
+    runtime_.background.run([files = std::move(files)] {
+        for (const auto& file : files) Files::remove(file);
+    });
 }
 
 std::vector<DictationEntry> DictationHistory::search(std::string_view query) const {
@@ -170,17 +214,15 @@ std::vector<DictationEntry> DictationHistory::search(std::string_view query) con
 
 void DictationHistory::remove(const DictationEntry& entry) {
     const auto id = entry.id; // The entry may be one of the list that is about to change.
-    removeAudio(entry);
+    removeAudio({&entry, 1});
     auto kept = entries();
     std::erase_if(kept, [&id](const DictationEntry& other) { return other.id == id; });
-    entries_.set(std::move(kept));
-    save();
+    change(std::move(kept));
 }
 
 void DictationHistory::removeAll() {
-    for (const auto& entry : entries()) removeAudio(entry);
-    entries_.set({});
-    save();
+    removeAudio(entries());
+    change({});
     DiagnosticsLog::note("history", "Verlauf vollständig gelöscht.");
 }
 

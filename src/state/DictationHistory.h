@@ -1,11 +1,13 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "foundation/Json.h"
-#include "foundation/Published.h"
+#include "foundation/Lifetime.h"
+#include "state/CoalescedWriter.h"
 
 #include <filesystem>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,16 +38,20 @@ struct DictationEntry {
 JsonValue toJson(const DictationEntry& entry);
 std::optional<DictationEntry> readJson(const JsonValue& json, const DictationEntry*);
 
-/// The finished dictations, newest first, for as long as the retention says: one JSON file that is
-/// rewritten whole at each change, and a folder of recordings.
+/// The finished dictations, newest first, for as long as the retention says: one JSON file that is rewritten
+/// whole after changes, and a folder of recordings.
 ///
-/// Memory is always right; a write that fails is silent and made good by the next one. An index that
-/// can't be decoded is set aside under a dated name before the first write, so that nothing in it is
-/// lost. Main thread only; all file work is synchronous.
+/// Memory is always right. The file follows in the background at once, and at the latest in the destructor; a
+/// write that fails is reported through `trouble` and made good by the next one. An index that can't be
+/// decoded is set aside under a dated name before the first write, so that nothing in it is lost. Main thread
+/// only.
 class DictationHistory {
 public:
-    /// Loads the index; makes the folder.
-    DictationHistory(std::filesystem::path folder, const Clock& clock);
+    /// Loads the index; makes the folder. `runtime.background` does the file work and must keep its order.
+    DictationHistory(std::filesystem::path folder, Runtime runtime);
+    ~DictationHistory();
+    DictationHistory(const DictationHistory&) = delete;
+    DictationHistory& operator=(const DictationHistory&) = delete;
 
     const std::vector<DictationEntry>& entries() const { return entries_.get(); }
     Registration subscribe(Published<std::vector<DictationEntry>>::Subscriber subscriber,
@@ -56,8 +62,9 @@ public:
     /// How many calendar days an entry is kept; below 1 for ever. Setting it removes what has expired.
     void setRetentionDays(std::int64_t days);
 
-    /// Adds an entry for a text; a blank one is no entry. `audioSource`, which nobody changes any
-    /// more, is kept with it; an entry whose recording can't be kept is made without.
+    /// Adds an entry for a text; a blank one is no entry. `audioSource`, which nobody changes any more and
+    /// which may be deleted after the call, is kept with it; an entry whose recording can't be kept goes
+    /// without.
     void record(std::string_view text, std::string_view appName, std::string_view engine,
                 const std::optional<std::filesystem::path>& audioSource);
 
@@ -71,24 +78,31 @@ public:
     std::optional<std::filesystem::path> audioFile(const DictationEntry& entry) const;
 
     std::int64_t totalWords() const;
+
+    /// Writes here and now what isn't in the file yet.
+    void flush() { writer_.flush(); }
+    /// Why the entries aren't saved, in German for the user; nothing as a rule.
+    const Published<std::optional<std::string>>& trouble() const { return writer_.trouble(); }
     /// Where the history lies, for people.
     std::string storageDescription() const { return folder_.string(); }
 
 private:
-    void load();
-    void save();
+    struct Index;
+
+    void change(std::vector<DictationEntry> entries);
     void pruneExpired();
-    std::optional<std::string> storeAudio(const std::filesystem::path& source) const;
-    void removeAudio(const DictationEntry& entry) const;
-    std::filesystem::path indexFile() const { return folder_ / "Verlauf.json"; }
+    std::optional<std::string> keepAudio(const std::filesystem::path& source);
+    void audioLost(const std::string& name, const FileError& error);
+    void removeAudio(std::span<const DictationEntry> entries);
     std::filesystem::path audioFolder() const { return folder_ / "Aufnahmen"; }
 
     std::filesystem::path folder_;
-    const Clock& clock_;
+    Runtime runtime_;
+    std::shared_ptr<Index> index_; ///< shared with the writes
     Published<std::vector<DictationEntry>> entries_;
     std::int64_t retentionDays_ = 30;
-    /// The file holds something that isn't in `entries_` and must be moved out of the way first.
-    bool indexIsForeign_ = false;
+    CoalescedWriter writer_; ///< after the above: its end writes them
+    Lifetime lifetime_;
 };
 
 } // namespace querlin

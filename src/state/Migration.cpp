@@ -55,15 +55,12 @@ bool runIfNeeded(PreferencesStore& store, std::string_view legacyDomain,
     const auto legacy = PreferenceDomain::read(legacyFile).value_or(PreferenceDomain());
 
     int copied = 0;
-    {
-        const PreferencesStore::Batch together(store);
-        for (const auto key : copiedKeys) {
-            if (!legacy.contains(key) || store.contains(key)) continue;
-            store.copyFrom(legacy, key);
-            ++copied;
-        }
-        store.set(marker, true);
+    for (const auto key : copiedKeys) {
+        if (!legacy.contains(key) || store.contains(key)) continue;
+        store.copyFrom(legacy, key);
+        ++copied;
     }
+    store.set(marker, true);
     if (copied == 0) {
         DiagnosticsLog::note("migration", "Nichts zu übernehmen – Neuinstallation.");
     } else {

@@ -1,20 +1,32 @@
 #include "state/PreferencesStore.h"
 
-#include "foundation/Files.h"
 #include "state/DiagnosticsLog.h"
 
 #include <fmt/format.h>
 
 namespace querlin {
 
-PreferencesStore::PreferencesStore(std::filesystem::path file, const Clock& clock) : file_(std::move(file)) {
+namespace {
+
+FileResult<> write(const std::filesystem::path& file, const PreferenceDomain& domain) {
+    if (auto folder = Files::makeFolder(file.parent_path()); !folder) return folder;
+    return Files::writeAtomically(file, domain.text());
+}
+
+} // namespace
+
+PreferencesStore::PreferencesStore(std::filesystem::path file, Runtime runtime) :
+    file_(std::move(file)),
+    writer_(runtime, {.delay = delay, .subject = "Einstellungen", .logCategory = "app", .prepare = [this] {
+                          return [file = file_, domain = domain_] { return write(file, domain); };
+                      }}) {
     auto read = PreferenceDomain::read(file_);
     if (read) {
         domain_ = std::move(*read);
         return;
     }
     if (read.error() == DomainFault::NotThere) return;
-    if (const auto place = Files::setAside(file_, clock.now())) {
+    if (const auto place = Files::setAside(file_, runtime.clock.now())) {
         readingTrouble_ =
             fmt::format("Einstellungen nicht lesbar – beiseitegelegt als {}.", place->filename().string());
     } else {
@@ -26,7 +38,7 @@ PreferencesStore::PreferencesStore(std::filesystem::path file, const Clock& cloc
 }
 
 std::optional<std::string> PreferencesStore::trouble() const {
-    return readingTrouble_ ? readingTrouble_ : writingTrouble_;
+    return readingTrouble_ ? readingTrouble_ : writingTrouble().get();
 }
 
 void PreferencesStore::set(std::string_view key, PreferenceValue value) {
@@ -45,21 +57,7 @@ void PreferencesStore::copyFrom(const PreferenceDomain& other, std::string_view 
 }
 
 void PreferencesStore::changed() {
-    unsaved_ = true;
-    if (openBatches_ == 0) save();
-}
-
-void PreferencesStore::save() {
-    if (!mayWrite_) return;
-    auto result = Files::makeFolder(file_.parent_path());
-    if (result) result = Files::writeAtomically(file_, domain_.text());
-    if (result) {
-        unsaved_ = false;
-        writingTrouble_.reset();
-    } else if (!writingTrouble_) {
-        writingTrouble_ = "Einstellungen nicht gespeichert: " + result.error().description();
-        DiagnosticsLog::note("app", *writingTrouble_);
-    }
+    if (mayWrite_) writer_.changed();
 }
 
 } // namespace querlin

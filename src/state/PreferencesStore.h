@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foundation/Clock.h"
+#include "state/CoalescedWriter.h"
 #include "state/PreferenceDomain.h"
 
 #include <filesystem>
@@ -9,15 +9,19 @@
 
 namespace querlin {
 
-/// A preferences domain that lives in a file of its own. Every change is in memory at once and in
-/// the file before the call returns. Main thread only.
+/// A preferences domain that lives in a file of its own. Every change is in memory at once and in the file
+/// less than a second later; the destructor writes what is still missing. Main thread only.
 ///
-/// No failure reaches the caller. A damaged file is set aside under a dated name and the log says so;
-/// a file that can neither be read nor set aside is never written over; a write that fails is noted
-/// once and tried again with the next change.
+/// No failure reaches the caller. A damaged file is set aside under a dated name and the log says so; a file
+/// that can neither be read nor set aside is never written over; a write that fails is reported through
+/// `writingTrouble` and tried again with the next change.
 class PreferencesStore {
 public:
-    PreferencesStore(std::filesystem::path file, const Clock& clock);
+    /// Changes within this time are written together.
+    static constexpr Duration delay = std::chrono::milliseconds(500);
+
+    /// Writes run on `runtime.background`.
+    PreferencesStore(std::filesystem::path file, Runtime runtime);
     PreferencesStore(const PreferencesStore&) = delete;
     PreferencesStore& operator=(const PreferencesStore&) = delete;
 
@@ -31,34 +35,24 @@ public:
     void remove(std::string_view key);
     void copyFrom(const PreferenceDomain& other, std::string_view key);
 
+    /// Writes here and now what isn't in the file yet.
+    void flush() { writer_.flush(); }
+
     /// What is wrong with the file, in German for the user; nothing as a rule.
     std::optional<std::string> trouble() const;
-
-    /// Puts the changes of a scope into one write at its end.
-    class Batch {
-    public:
-        explicit Batch(PreferencesStore& store) : store_(store) { ++store_.openBatches_; }
-        ~Batch() {
-            if (--store_.openBatches_ == 0 && store_.unsaved_) store_.save();
-        }
-        Batch(const Batch&) = delete;
-        Batch& operator=(const Batch&) = delete;
-
-    private:
-        PreferencesStore& store_;
-    };
+    /// The part of it that was there at the start.
+    const std::optional<std::string>& readingTrouble() const { return readingTrouble_; }
+    /// The part of it that may come at any time.
+    const Published<std::optional<std::string>>& writingTrouble() const { return writer_.trouble(); }
 
 private:
     void changed();
-    void save();
 
     std::filesystem::path file_;
     PreferenceDomain domain_;
-    int openBatches_ = 0;
-    bool unsaved_ = false;
     bool mayWrite_ = true;
     std::optional<std::string> readingTrouble_;
-    std::optional<std::string> writingTrouble_;
+    CoalescedWriter writer_; ///< last: its end writes the above
 };
 
 } // namespace querlin

@@ -71,7 +71,7 @@ struct StoredForm<Record> {
 };
 
 /// One setting: a published value that mirrors a key of the store. It is read once; each assignment
-/// tells the observers and is stored at once. Main thread only.
+/// goes to the observers and to the store. Main thread only.
 template<class Value>
 class Setting {
 public:

@@ -12,7 +12,6 @@ namespace querlin {
 void UsageStatistics::record(std::string_view text, double durationInSeconds) {
     const auto words = static_cast<std::int64_t>(countWords(text));
     if (words == 0) return;
-    const PreferencesStore::Batch together(store_);
     if (!firstUse.get()) firstUse.set(clock_.now());
     dictationCount.set(dictationCount.get() + 1);
     wordCount.set(wordCount.get() + words);
@@ -20,7 +19,6 @@ void UsageStatistics::record(std::string_view text, double durationInSeconds) {
 }
 
 void UsageStatistics::reset() {
-    const PreferencesStore::Batch together(store_);
     dictationCount.set(0);
     wordCount.set(0);
     spokenSeconds.set(0);

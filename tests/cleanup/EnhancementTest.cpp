@@ -56,7 +56,7 @@ protected:
     TempFolder folder;
     CapturedLog log;
     ManualTime time;
-    PreferencesStore store{folder.path() / "x.json", time};
+    PreferencesStore store{folder.path() / "x.json", time.runtime()};
     AppSettings settings{store};
     ScriptedModel model;
     RuleBasedEnhancer rules{time.runtime()};

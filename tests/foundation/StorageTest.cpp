@@ -79,14 +79,17 @@ TEST(Files, ReadsOnlyWholeRegularFilesOfReasonableSize) {
 TEST(Files, MovesAndCopiesRegularFilesAloneAlsoToAnotherFileSystem) {
     const TempFolder folder;
     writeFile(folder / "ton", "Ton");
-    ASSERT_EQ(::mkfifo((folder / "rohr").c_str(), 0600), 0);
     const fs::path elsewhere = fs::path("/var/tmp") / ("querlin-" + newUuid());
-    EXPECT_TRUE(Files::linkOrCopy(folder / "ton", folder / "zweite"));
-    EXPECT_TRUE(Files::linkOrCopy(folder / "ton", elsewhere));
-    EXPECT_FALSE(Files::linkOrCopy(folder / "rohr", folder / "dritte"));
-    EXPECT_FALSE(Files::linkOrCopy(folder / "fehlt", folder / "vierte"));
+    ASSERT_EQ(::mkfifo((folder / "rohr").c_str(), 0600), 0);
+    EXPECT_TRUE(Files::link(folder / "ton", folder / "zweite"));
+    const auto open = Files::OpenFile::open(folder / "ton");
+    for (const auto* name : {"rohr", "fehlt"}) {
+        EXPECT_FALSE(Files::link(folder / name, folder / "dritte"));
+        EXPECT_FALSE(Files::OpenFile::open(folder / name));
+    }
     fs::remove(folder / "ton");
     EXPECT_EQ(contentOf(folder / "zweite"), "Ton");
+    EXPECT_TRUE(open->copyTo(elsewhere)) << "its name has gone";
     EXPECT_TRUE(Files::move(elsewhere, folder / "zurück"));
     EXPECT_EQ(contentOf(folder / "zurück"), "Ton");
     EXPECT_FALSE(fs::exists(elsewhere));

@@ -30,7 +30,7 @@ RunningQuerlin::~RunningQuerlin() {
 }
 
 void RunningQuerlin::prepare(const std::function<void(AppSettings&)>& change) const {
-    PreferencesStore store(paths_.preferencesFile(Product::applicationId), clock_);
+    PreferencesStore store(paths_.preferencesFile(Product::applicationId), time_.runtime());
     AppSettings settings(store);
     change(settings);
 }
@@ -78,11 +78,11 @@ bool RunningQuerlin::says(const std::string& line, Duration longest) const {
     return eventually([&] { return has(line); }, longest);
 }
 
-std::vector<DictationEntry> RunningQuerlin::history() const { return DictationHistory(paths_.support, clock_).entries(); }
+std::vector<DictationEntry> RunningQuerlin::history() const { return DictationHistory(paths_.support, time_.runtime()).entries(); }
 
 std::string RunningQuerlin::statistics() const {
-    PreferencesStore store(paths_.preferencesFile(Product::applicationId), clock_);
-    const UsageStatistics statistics(store, clock_);
+    PreferencesStore store(paths_.preferencesFile(Product::applicationId), time_.runtime());
+    const UsageStatistics statistics(store, time_);
     return fmt::format("{} Diktate, {} Wörter", statistics.dictationCount.get(), statistics.wordCount.get());
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "state/AppSettings.h"
 #include "state/ApplicationPaths.h"
 #include "state/DictationHistory.h"
 #include "support/Desktop.h"
+#include "support/ManualTime.h"
 
 #include <functional>
 #include <optional>
@@ -61,7 +61,7 @@ public:
     std::string textSoFar() const;
 
 private:
-    SystemClock clock_;
+    mutable ManualTime time_;
     ApplicationPaths paths_ = ApplicationPaths::fromEnvironment();
     pid_t id_ = -1;
 };

@@ -36,7 +36,7 @@ struct World {
     CapturedLog log;
     LawFolders laws;
     ManualTime time;
-    PreferencesStore preferences{laws.folder / "Einstellungen.json", time};
+    PreferencesStore preferences{laws.folder / "Einstellungen.json", time.runtime()};
     AppSettings settings{preferences};
     LegalCorpus corpus{laws.store, time.runtime()};
     FakePortal portal{time};

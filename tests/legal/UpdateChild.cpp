@@ -44,7 +44,7 @@ int updateForEver(const std::filesystem::path& folder) {
         writeCorpus(folder / "Ressourcen", corpus);
         writeFile(folder / "Ressourcen/LegalManifest.json", Json::compact(toJson(manifest)));
     }
-    PreferencesStore preferences(folder / "Einstellungen.json", time);
+    PreferencesStore preferences(folder / "Einstellungen.json", time.runtime());
     AppSettings settings(preferences);
     LegalCorpus corpus(store, time.runtime());
     FakePortal portal(time);

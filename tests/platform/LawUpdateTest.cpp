@@ -37,7 +37,7 @@ protected:
         writeFile(laws.folder / "Ressourcen/LegalManifest.json", Json::compact(toJson(manifest)));
     }
     LegalUpdateService::Stage check() {
-        PreferencesStore preferences(laws.folder / "Einstellungen.json", clock);
+        PreferencesStore preferences(laws.folder / "Einstellungen.json", runtime);
         AppSettings settings(preferences);
         CurlHttpClient client(loop);
         LegalUpdateService service(settings, laws.store, corpus, client, runtime);
@@ -46,7 +46,7 @@ protected:
                 if (!service.isRunning()) loop.quit();
             },
             FirstValue::Skip);
-        const auto limit = loop.after(std::chrono::minutes(1), [&loop] { loop.quit(); });
+        const auto limit = loop.after(std::chrono::minutes(1), [this] { loop.quit(); });
         loop.post([&service] { service.checkNow(); });
         loop.run();
         return service.stage.get();

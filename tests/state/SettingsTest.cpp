@@ -1,16 +1,19 @@
 // The preferences store, the settings over it and the migration into it.
 
-#include "foundation/Characters.h"
 #include "foundation/IsoDate.h"
 #include "state/AppSettings.h"
+#include "state/DictationHistory.h"
 #include "state/Migration.h"
 #include "state/Product.h"
 #include "support/CapturedLog.h"
 #include "support/HostileDisk.h"
+#include "support/KilledChild.h"
 #include "support/ManualTime.h"
 #include "support/TempFolder.h"
 
+#include <algorithm>
 #include <functional>
+#include <random>
 #include <tuple>
 
 #include <gtest/gtest.h>
@@ -20,27 +23,56 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const Date someDate = *parseIsoDate("2026-03-01T09:30:00.123456789Z");
+const Date someDate = *parseIsoDate("2026-03-01T09:30:00Z");
 
-/// In the order of the properties in `allValues`.
-const auto keys =
-    splitAtWhitespace("hotkeyConfig inputDeviceUID showLevelMeter playStartSound playStopSound maxDictationMinutes dictationLanguage "
-                      "transcriptionEngine onDeviceRecognitionOnly userDictionary contextualLimit legalVocabularyEnabled "
-                      "dictationCommandsEnabled textBlocks writingStyle contextAwareStyle appProfiles cleanupMode cleanupModeChosen "
-                      "learnFromCorrections historyEnabled historyRetentionDays historyKeepAudio hasCompletedOnboarding "
-                      "checkForUpdatesAtLaunch updateLawsAutomatically lawsLastChecked installedAt suiteHintLastShown "
-                      "suiteHintDismissals suiteLinkOpened");
+constexpr std::tuple properties = {&AppSettings::hotkey,
+                                   &AppSettings::inputDeviceUID,
+                                   &AppSettings::showLevelMeter,
+                                   &AppSettings::playStartSound,
+                                   &AppSettings::playStopSound,
+                                   &AppSettings::maxDictationMinutes,
+                                   &AppSettings::language,
+                                   &AppSettings::engine,
+                                   &AppSettings::onDeviceRecognitionOnly,
+                                   &AppSettings::userDictionary,
+                                   &AppSettings::contextualLimit,
+                                   &AppSettings::legalVocabularyEnabled,
+                                   &AppSettings::dictationCommandsEnabled,
+                                   &AppSettings::textBlocks,
+                                   &AppSettings::writingStyle,
+                                   &AppSettings::contextAwareStyle,
+                                   &AppSettings::appProfiles,
+                                   &AppSettings::cleanupMode,
+                                   &AppSettings::hasChosenCleanupMode,
+                                   &AppSettings::learnFromCorrections,
+                                   &AppSettings::historyEnabled,
+                                   &AppSettings::historyRetentionDays,
+                                   &AppSettings::historyKeepAudio,
+                                   &AppSettings::hasCompletedOnboarding,
+                                   &AppSettings::checkForUpdatesAtLaunch,
+                                   &AppSettings::updateLawsAutomatically,
+                                   &AppSettings::lawsLastChecked,
+                                   &AppSettings::installedAt,
+                                   &AppSettings::suiteHintLastShown,
+                                   &AppSettings::suiteHintDismissals,
+                                   &AppSettings::suiteLinkOpened};
 
-auto allValues(const AppSettings& s) {
-    return std::tuple(s.hotkey.get(), s.inputDeviceUID.get(), s.showLevelMeter.get(), s.playStartSound.get(), s.playStopSound.get(),
-                      s.maxDictationMinutes.get(), s.language.get(), s.engine.get(), s.onDeviceRecognitionOnly.get(),
-                      s.userDictionary.get(), s.contextualLimit.get(), s.legalVocabularyEnabled.get(), s.dictationCommandsEnabled.get(),
-                      s.textBlocks.get(), s.writingStyle.get(), s.contextAwareStyle.get(), s.appProfiles.get(), s.cleanupMode.get(),
-                      s.hasChosenCleanupMode.get(), s.learnFromCorrections.get(), s.historyEnabled.get(), s.historyRetentionDays.get(),
-                      s.historyKeepAudio.get(), s.hasCompletedOnboarding.get(), s.checkForUpdatesAtLaunch.get(),
-                      s.updateLawsAutomatically.get(), s.lawsLastChecked.get(), s.installedAt.get(), s.suiteHintLastShown.get(),
-                      s.suiteHintDismissals.get(), s.suiteLinkOpened.get());
+void forEachProperty(auto call) {
+    std::apply([&call](auto... property) { (call(property), ...); }, properties);
 }
+
+/// Every property's key with another value than its default, as it lies in the file. The keys bind other versions.
+constexpr auto everyKey = R"({
+    "hotkeyConfig": {"data": "{\"mode\":\"holdCombo\",\"modifier\":\"fn\",\"combo\":\"commandShiftD\"}"}, "inputDeviceUID": "usb",
+    "showLevelMeter": false, "playStartSound": false, "playStopSound": false, "maxDictationMinutes": -3, "dictationLanguage": "system",
+    "transcriptionEngine": "speechAnalyzer", "onDeviceRecognitionOnly": false, "userDictionary": ["Nießbrauch", "ß"], "contextualLimit": 7,
+    "legalVocabularyEnabled": false, "dictationCommandsEnabled": false,
+    "textBlocks": {"data": "[{\"name\":\"Kurz\",\"content\":\"Zeile 1\\nZeile 2\\t€\"}]"}, "writingStyle": "locker", "contextAwareStyle": false,
+    "appProfiles": {"data": "[{\"bundleIdentifier\":\"org.example\",\"appName\":\"„x“\",\"style\":\"brief\",\"polishEnabled\":false}]"},
+    "cleanupMode": "none", "cleanupModeChosen": true, "learnFromCorrections": true, "historyEnabled": false, "historyRetentionDays": 0,
+    "historyKeepAudio": true, "hasCompletedOnboarding": true, "checkForUpdatesAtLaunch": false, "updateLawsAutomatically": false,
+    "lawsLastChecked": {"date": "2026-03-01T09:30:00Z"}, "installedAt": {"date": "2026-03-02T09:30:00Z"},
+    "suiteHintLastShown": {"date": "2026-03-03T09:30:00Z"}, "suiteHintDismissals": 4, "suiteLinkOpened": true})";
 
 class SettingsTest : public testing::Test {
 protected:
@@ -49,77 +81,44 @@ protected:
     ManualTime time;
     fs::path file = folder / "domain.json";
 
-    void givenFile(std::string_view content) { writeFile(file, content); }
-
-    /// What a fresh start reads of a setting after `content` was in the file.
-    template<class Read>
-    auto readWith(std::string_view content, Read read) {
-        givenFile(content);
-        PreferencesStore store(file, time);
-        return read(AppSettings(store));
+    PreferencesStore storeOf(const fs::path& path) { return {path, time.runtime()}; }
+    PreferencesStore givenStore(std::string_view content) {
+        writeFile(file, content);
+        return storeOf(file);
     }
 };
 
-TEST_F(SettingsTest, EveryPropertySurvivesARestart) {
-    const HotkeyConfig hotkey{HotkeyConfig::Mode::holdCombo, ModifierKey::fn, ComboHotkey::superShiftD};
-    const std::vector<AppProfile> profiles = {{"org.example", "Beispiel „x“", WritingStyle::brief, false}};
-    const std::vector<TextBlock> blocks = {{"Kurz", "Zeile 1\nZeile 2\t€"}};
-    const auto assigned = [&] {
-        PreferencesStore store(file, time);
-        AppSettings s(store);
-        s.hotkey.set(hotkey);
-        s.inputDeviceUID.set("usb");
-        s.showLevelMeter.set(false);
-        s.playStartSound.set(false);
-        s.playStopSound.set(false);
-        s.maxDictationMinutes.set(-3);
-        s.language.set(DictationLanguage::system);
-        s.engine.set(TranscriptionEngine::streaming);
-        s.onDeviceRecognitionOnly.set(false);
-        s.userDictionary.set({"Nießbrauch", "ß"});
-        s.contextualLimit.set(7);
-        s.legalVocabularyEnabled.set(false);
-        s.dictationCommandsEnabled.set(false);
-        s.textBlocks.set(blocks);
-        s.writingStyle.set(WritingStyle::locker);
-        s.contextAwareStyle.set(false);
-        s.appProfiles.set(profiles);
-        s.cleanupMode.set(CleanupMode::none);
-        s.hasChosenCleanupMode.set(true);
-        s.learnFromCorrections.set(true);
-        s.historyEnabled.set(false);
-        s.historyRetentionDays.set(0);
-        s.historyKeepAudio.set(true);
-        s.hasCompletedOnboarding.set(true);
-        s.checkForUpdatesAtLaunch.set(false);
-        s.updateLawsAutomatically.set(false);
-        s.lawsLastChecked.set(someDate);
-        s.installedAt.set(someDate);
-        s.suiteHintLastShown.set(someDate);
-        s.suiteHintDismissals.set(4);
-        s.suiteLinkOpened.set(true);
-        return allValues(s);
-    }();
-    // The keys bind other programs and later versions; three differ from the property's name.
-    const auto text = contentOf(file);
-    for (const auto key : keys) {
-        EXPECT_NE(text.find('"' + std::string(key) + '"'), std::string::npos) << key;
+TEST_F(SettingsTest, EveryPropertyIsReadAndWrittenUnderItsKey) {
+    auto from = givenStore(everyKey);
+    const AppSettings read(from);
+    {
+        auto to = storeOf(folder / "zweite.json");
+        AppSettings written(to);
+        forEachProperty([&](auto property) {
+            EXPECT_TRUE((written.*property).get() != (read.*property).get());
+            (written.*property).set((read.*property).get());
+        });
     }
-
-    PreferencesStore store(file, time);
-    EXPECT_EQ(allValues(AppSettings(store)), assigned);
+    const auto sorted = [](const std::string& text) {
+        const auto document = *Json::parse(text);
+        auto members = *document.object();
+        std::ranges::sort(members, {}, &JsonValue::Object::value_type::first);
+        return members;
+    };
+    EXPECT_EQ(sorted(contentOf(folder / "zweite.json")), sorted(everyKey));
 }
 
 TEST_F(SettingsTest, EveryPropertyFallsBackWhereItsValueIsOfAnotherType) {
-    PreferencesStore empty(folder / "leer.json", time);
-    const auto fallbacks = allValues(AppSettings(empty));
+    auto empty = storeOf(folder / "leer.json");
+    const AppSettings fallbacks(empty);
+    const auto document = *Json::parse(everyKey);
     for (const auto* wrong : {"null", "{}", "[[]]", R"({"data":"["})", R"({"date":"gestern"})", "1.5"}) {
         std::string content = "{";
-        for (const auto key : keys) content += '"' + std::string(key) + "\":" + wrong + ',';
+        for (const auto& [key, value] : *document.object()) content += '"' + key + "\":" + wrong + ',';
         content.back() = '}';
-        givenFile(content);
-        PreferencesStore store(file, time);
-        EXPECT_EQ(allValues(AppSettings(store)), fallbacks) << wrong;
+        auto store = givenStore(content);
+        const AppSettings read(store);
+        forEachProperty([&](auto property) { EXPECT_TRUE((read.*property).get() == (fallbacks.*property).get()) << wrong; });
     }
 }
 
@@ -166,118 +165,135 @@ TEST_F(SettingsTest, AbsentAndUnusableValuesGiveTheFallback) {
          "one sound has its own key"},
         {R"({"playFeedbackSounds":"nein"})", [](auto& s) { return s.playStartSound.get(); }, "former switch of another type"},
     };
-    for (const auto& row : rows) EXPECT_TRUE(readWith(row.content, row.holds)) << row.reason;
+    for (const auto& row : rows) {
+        auto store = givenStore(row.content);
+        EXPECT_TRUE(row.holds(AppSettings(store))) << row.reason;
+    }
     EXPECT_EQ(contentOf(file), rows.back().content) << "a fallback is not written";
 }
 
 TEST_F(SettingsTest, UnknownKeysAndUndecodableValuesStayInTheFile) {
-    givenFile(R"({"hotkeyConfig":{"data":"kaputt"},"ausDerZukunft":{"x":[1,null,{"y":2.0}]},"showLevelMeter":"ja"})");
-    PreferencesStore store(file, time);
-    AppSettings settings(store);
-    settings.maxDictationMinutes.set(5);
-    const auto saved = Json::parse(contentOf(file));
-    ASSERT_TRUE(saved);
-    EXPECT_EQ(*saved->member("hotkeyConfig")->member("data")->string(), "kaputt");
-    EXPECT_EQ(*saved->member("ausDerZukunft"), *Json::parse(R"({"x":[1,null,{"y":2.0}]})"));
-    EXPECT_EQ(*saved->member("showLevelMeter")->string(), "ja");
+    constexpr auto strange =
+        R"({"ausDerZukunft":{"x":[1,null,{"y":2.0}]},"contextualLimit":5,"hotkeyConfig":{"data":"kaputt"},"showLevelMeter":"ja"})";
+    {
+        auto store = givenStore(strange);
+        AppSettings(store).contextualLimit.set(6);
+        store.set("contextualLimit", std::int64_t{5});
+    }
+    EXPECT_EQ(*Json::parse(contentOf(file)), *Json::parse(strange));
 }
 
 TEST_F(SettingsTest, DamagedFilesAreSetAsideAndSaidSo) {
-    const std::vector<std::pair<std::string, const char*>> damages = {{"", "empty"},
-                                                                      {R"({"a":1)", "truncated"},
-                                                                      {"[1,2]", "no object"},
-                                                                      {std::string("\x7f\0\xff", 3), "random bytes"},
-                                                                      {std::string(4096, '\0'), "zeros"}};
-    for (const auto& [content, reason] : damages) {
-        givenFile(content);
+    for (const auto& content :
+         {std::string(), std::string(R"({"a":1)"), std::string("[1,2]"), std::string("\x7f\0\xff", 3), std::string(4096, '\0')}) {
         const auto before = fileNames(folder.path()).size();
-        PreferencesStore store(file, time);
-        AppSettings settings(store);
-        EXPECT_EQ(settings.maxDictationMinutes.get(), 15) << reason;
-        settings.maxDictationMinutes.set(9);
-        EXPECT_EQ(PreferencesStore(file, time).get<std::int64_t>("maxDictationMinutes"), 9) << reason;
-        EXPECT_EQ(fileNames(folder.path()).size(), before + 1) << reason << ": nothing is thrown away";
+        {
+            auto store = givenStore(content);
+            EXPECT_TRUE(store.trouble());
+            AppSettings(store).maxDictationMinutes.set(9);
+        }
+        EXPECT_EQ(storeOf(file).get<std::int64_t>("maxDictationMinutes"), 9) << content;
+        EXPECT_EQ(fileNames(folder.path()).size(), std::max(before, 1UL) + 1) << content << ": nothing is thrown away";
         time.advance(seconds(1));
     }
     EXPECT_EQ(log.countOf("[app] Einstellungen nicht lesbar – beiseitegelegt als domain beschädigt 2026-03-14 09-30-"), 5U);
 }
 
-TEST_F(SettingsTest, AFullDiskLeavesFileAndMemoryRightAndTheNextChangeTriesAgain) {
-    givenFile(R"({"contextualLimit":3})");
-    const auto before = contentOf(file);
-    PreferencesStore store(file, time);
+TEST_F(SettingsTest, ChangesAreWrittenTogetherInTheBackgroundWithinASecond) {
+    auto store = givenStore("{}");
     AppSettings settings(store);
+    const auto written = [&] { return PreferenceDomain::read(file)->get<std::int64_t>("contextualLimit").value_or(0); };
+    for (int i = 1; i <= 100; ++i) settings.contextualLimit.set(i);
+    EXPECT_EQ(written(), 0) << "not on the main thread";
+    time.advance(PreferencesStore::delay);
+    EXPECT_EQ(written(), 100);
+    EXPECT_EQ(time.pendingTimers(), 0U) << "one write";
+
+    time.holdBackground = true; // A slow disk.
+    settings.contextualLimit.set(101);
+    time.advance(PreferencesStore::delay);
+    settings.contextualLimit.set(102); // While the write is under way.
+    store.flush();
+    EXPECT_EQ(written(), 102);
+    time.holdBackground = false;
+    time.advance(seconds(5));
+    EXPECT_EQ(written(), 102) << "the older version comes too late";
+    settings.contextualLimit.set(103);
+    time.advance(PreferencesStore::delay);
+    EXPECT_EQ(written(), 103);
+}
+
+TEST_F(SettingsTest, AFullDiskIsReportedOnceAndTheNextChangeTriesAgain) {
+    auto store = givenStore(R"({"contextualLimit":3})");
+    AppSettings settings(store);
+    std::vector<std::optional<std::string>> troubles;
+    const auto following = store.writingTrouble().subscribe([&](const auto& text) { troubles.push_back(text); }, FirstValue::Skip);
     {
         const FullDisk full;
-        settings.maxDictationMinutes.set(9);
-        settings.showLevelMeter.set(false);
+        for (const int minutes : {8, 9}) {
+            settings.maxDictationMinutes.set(minutes);
+            time.advance(seconds(1));
+        }
     }
-    EXPECT_EQ(settings.maxDictationMinutes.get(), 9);
-    EXPECT_EQ(contentOf(file), before);
-    EXPECT_EQ(log.countOf("Einstellungen nicht gespeichert"), 1U) << "said once";
+    const std::string text = "Einstellungen nicht gespeichert: Die Datei ist zu groß";
+    EXPECT_EQ(troubles, std::vector<std::optional<std::string>>{text});
+    EXPECT_TRUE(log.has("[app] " + text));
+    EXPECT_EQ(contentOf(file), R"({"contextualLimit":3})") << "the old file is whole";
     settings.contextualLimit.set(4);
-    const PreferencesStore reread(file, time);
-    EXPECT_EQ(reread.get<std::int64_t>("maxDictationMinutes"), 9);
-    EXPECT_EQ(reread.get<std::int64_t>("contextualLimit"), 4);
+    time.advance(seconds(1));
+    EXPECT_EQ(storeOf(file).get<std::int64_t>("maxDictationMinutes"), 9);
+    EXPECT_FALSE(store.trouble());
 }
 
 TEST_F(SettingsTest, AFileThatCanNeitherBeReadNorMovedIsNeverWrittenOver) {
-    for (const auto* content : {R"({"contextualLimit":3})", "{kaputt"}) {
+    for (const std::string content : {R"({"contextualLimit":3})", "{kaputt"}) {
         writeFile(folder / "zu/domain.json", content);
-        const bool damaged = *content == '{' && content[1] == 'k';
         {
             const ReadOnlyFolder locked(folder / "zu");
-            PreferencesStore store(folder / "zu/domain.json", time);
-            AppSettings settings(store);
-            EXPECT_EQ(settings.contextualLimit.get(), damaged ? 250 : 3);
-            settings.contextualLimit.set(7);
-            EXPECT_EQ(settings.contextualLimit.get(), 7);
+            auto store = storeOf(folder / "zu/domain.json");
+            store.set("contextualLimit", std::int64_t{7});
+            store.flush();
+            EXPECT_TRUE(store.trouble());
         }
         EXPECT_EQ(contentOf(folder / "zu/domain.json"), content);
-        EXPECT_EQ(log.countOf("Einstellungen nicht lesbar, Änderungen gelten nur bis zum Ende"), damaged ? 1U : 0U);
     }
+    EXPECT_EQ(log.countOf("Einstellungen nicht lesbar, Änderungen gelten nur bis zum Ende"), 1U);
 }
 
-TEST_F(SettingsTest, AssigningTellsObserversAndTheFileAtOnce) {
-    PreferencesStore store(file, time);
+TEST_F(SettingsTest, AssigningReachesObserversAndTheStore) {
+    auto store = givenStore("{}");
     AppSettings settings(store);
     std::vector<std::optional<std::string>> heard;
     const auto subscription = settings.inputDeviceUID.subscribe([&](const auto& uid) { heard.push_back(uid); });
-    settings.inputDeviceUID.set("usb");
-    settings.inputDeviceUID.set("usb");
-    settings.inputDeviceUID.set(std::nullopt);
-    EXPECT_EQ(heard, (std::vector<std::optional<std::string>>{std::nullopt, "usb", "usb", std::nullopt}));
-    EXPECT_FALSE(PreferencesStore(file, time).contains("inputDeviceUID")) << "none removes the key";
+    for (const auto& uid : {std::optional<std::string>("usb"), std::optional<std::string>()}) settings.inputDeviceUID.set(uid);
+    EXPECT_EQ(heard, (std::vector<std::optional<std::string>>{std::nullopt, "usb", std::nullopt}));
+    EXPECT_FALSE(store.contains("inputDeviceUID")) << "none removes the key";
 
     const auto clamp = settings.contextualLimit.subscribe([&](std::int64_t limit) {
         if (limit > 500) settings.contextualLimit.set(500);
     });
     settings.contextualLimit.set(900);
-    EXPECT_EQ(PreferencesStore(file, time).get<std::int64_t>("contextualLimit"), 500) << "an observer's correction is what is kept";
+    EXPECT_EQ(store.get<std::int64_t>("contextualLimit"), 500) << "an observer's correction is what is kept";
 }
 
 TEST_F(SettingsTest, UserTermsAreTrimmedUniqueAndSorted) {
-    PreferencesStore store(file, time);
+    auto store = givenStore("{}");
     AppSettings settings(store);
-    for (const auto* term : {"  Zwangsgeld\n", "ärztlich", "", " \t ", "ÄRZTLICH", "Amtsgericht", "betreuung", "a\u0308rztlich"}) {
+    for (const auto* term : {"  Zwangsgeld\n", "ärztlich", "", " \t ", "ÄRZTLICH", "Amtsgericht", "betreuung", "a\u0308rztlich"})
         settings.addUserTerm(term);
-    }
+    settings.removeUserTerm("BETREUUNG"); // Removing compares case.
     EXPECT_EQ(settings.userDictionary.get(), (std::vector<std::string>{"Amtsgericht", "ärztlich", "betreuung", "Zwangsgeld"}));
-    settings.removeUserTerm("Betreuung");
-    EXPECT_EQ(settings.userDictionary.get().size(), 4U) << "removing compares case";
     settings.removeUserTerm("betreuung");
-    EXPECT_EQ(PreferencesStore(file, time).get<std::vector<std::string>>("userDictionary"),
-              (std::vector<std::string>{"Amtsgericht", "ärztlich", "Zwangsgeld"}));
+    EXPECT_EQ(settings.userDictionary.get().size(), 3U);
 }
 
 TEST_F(SettingsTest, MarkersOfLaunchAndHint) {
     using std::chrono::days;
-    PreferencesStore store(file, time);
+    auto store = givenStore("{}");
     AppSettings settings(store);
     EXPECT_FALSE(settings.suiteHintIsDue(someDate)) << "not installed yet";
     settings.recordLaunch(someDate);
     settings.recordLaunch(someDate + days(1));
-    EXPECT_EQ(settings.installedAt.get(), someDate);
     EXPECT_FALSE(settings.suiteHintIsDue(someDate + days(14) - seconds(1)));
     EXPECT_TRUE(settings.suiteHintIsDue(someDate + days(14)));
     settings.markSuiteHintShown(someDate + days(14));
@@ -285,43 +301,50 @@ TEST_F(SettingsTest, MarkersOfLaunchAndHint) {
     EXPECT_FALSE(settings.suiteHintIsDue(someDate + days(28))) << "put off three times";
     EXPECT_TRUE(settings.suiteHintIsDue(someDate + days(14 + 60)));
     settings.recordSuiteLinkOpened();
-    EXPECT_EQ(settings.suiteHintDismissals.get(), 0);
     EXPECT_TRUE(settings.suiteHintIsDue(someDate + days(28)));
 }
 
-class MigrationTest : public SettingsTest {
-protected:
-    fs::path legacyFile = folder / "local.tiktalon.json";
-    bool migrate() {
-        PreferencesStore store(file, time);
-        return Migration::runIfNeeded(store, Product::legacyDomain, legacyFile);
-    }
-};
-
-TEST_F(MigrationTest, CopiesWhatIsMissingOnceAndUnchanged) {
-    writeFile(legacyFile, R"({"formality":"casual","contextualLimit":"viele","showLevelMeter":false,
-                             "lawsLastChecked":{"date":"2026-01-01T00:00:00Z"},"fremd":1})");
-    givenFile(R"({"showLevelMeter":true})");
-    EXPECT_TRUE(migrate());
-    EXPECT_TRUE(log.has("[migration] Übernommen aus local.tiktalon: 2 Einstellungen."));
-    PreferencesStore store(file, time);
+TEST_F(SettingsTest, TheFormerProductsSettingsAreTakenOverOnceAndUnchanged) {
+    const auto legacy = folder / "local.tiktalon.json";
+    const auto migrate = [&](PreferencesStore& store) { return Migration::runIfNeeded(store, Product::legacyDomain, legacy); };
+    writeFile(legacy, R"({"formality":"casual","contextualLimit":"viele","showLevelMeter":false,
+                          "lawsLastChecked":{"date":"2026-01-01T00:00:00Z"},"fremd":1})");
+    auto store = givenStore(R"({"showLevelMeter":true})");
+    EXPECT_TRUE(migrate(store));
     EXPECT_EQ(store.get<std::string>("contextualLimit"), "viele") << "whatever its type";
     EXPECT_EQ(store.get<bool>("showLevelMeter"), true) << "the target's value stays";
-    EXPECT_FALSE(store.contains("lawsLastChecked"));
-    EXPECT_FALSE(store.contains("fremd"));
+    EXPECT_FALSE(store.contains("lawsLastChecked") || store.contains("fremd"));
     EXPECT_EQ(AppSettings(store).writingStyle.get(), WritingStyle::locker);
-    EXPECT_FALSE(migrate());
-    EXPECT_EQ(log.countOf("[migration]"), 1U) << "the second start says nothing";
+    EXPECT_FALSE(migrate(store));
+
+    writeFile(legacy, "{kaputt");
+    auto fresh = storeOf(folder / "neu.json");
+    EXPECT_FALSE(migrate(fresh));
+    EXPECT_EQ(contentOf(legacy), "{kaputt") << "not ours to set aside";
+    EXPECT_EQ(fresh.get<bool>("migratedFromTiktalon"), true);
 }
 
-TEST_F(MigrationTest, ADomainThatCannotBeReadCountsAsEmptyAndStaysAsItIs) {
-    for (const auto* content : {"", "{kaputt"}) {
-        writeFile(legacyFile, content);
-        fs::remove(file);
-        EXPECT_FALSE(migrate());
-        EXPECT_EQ(contentOf(legacyFile), content);
+/// What the child has reported last of a kind, as a number.
+int lastReported(const std::string& reports, char kind) {
+    const auto at = reports.rfind(kind);
+    return at == std::string::npos ? 0 : std::stoi(reports.substr(at + 1));
+}
+
+TEST_F(SettingsTest, WhatIsOldEnoughIsOnDiskWheneverTheProgramIsKilled) {
+    constexpr int kills = 30;
+    std::mt19937 random(16);
+    std::uniform_int_distribution<int> microseconds(0, 1'200'000);
+    for (int i = 0; i < kills; ++i) {
+        const TempFolder place;
+        const auto reports = killedAfter(';', {QUERLIN_STORE_CHILD, place.path()}, std::chrono::microseconds(microseconds(random)));
+        ASSERT_TRUE(reports.starts_with('h'));
+        const auto store = storeOf(place / "Einstellungen.json");
+        EXPECT_FALSE(store.trouble()) << "whole, the old file or the new one";
+        EXPECT_GE(store.get<std::int64_t>("contextualLimit").value_or(0), lastReported(reports, 's'));
+        const DictationHistory history(place.path(), time.runtime());
+        ASSERT_FALSE(history.entries().empty());
+        EXPECT_GE(std::stoi(history.entries().front().text.substr(7)), lastReported(reports, 'h'));
     }
-    EXPECT_EQ(log.countOf("[migration] Nichts zu übernehmen – Neuinstallation."), 2U);
 }
 
 } // namespace

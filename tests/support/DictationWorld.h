@@ -199,9 +199,9 @@ struct FakeSurroundings {
                      TextWork textWork = TextWork::marked) :
         work(textWork),
         recordingsPath(base / "Aufnahme"),
-        store(base / "Einstellungen.json", runtime.clock),
+        store(base / "Einstellungen.json", runtime),
         statistics(store, runtime.clock),
-        history(base / "Verlauf", runtime.clock),
+        history(base / "Verlauf", runtime),
         services(runtime.mainQueue),
         recorder({runtime.mainQueue, recordingClock, audio, audioFiles, RecordingFolder(recordingsPath)}),
         vocabulary(base, runtime.background),

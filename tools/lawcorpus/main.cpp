@@ -114,7 +114,7 @@ int make(const fs::path& manifestFile, const fs::path& folder, HttpClient& clien
     if (makeEmpty(manifestFile, work.path()) != EXIT_SUCCESS) return EXIT_FAILURE;
     SystemClock clock;
     const Runtime runtime{loop, clock, pool};
-    PreferencesStore preferences(work.path() / "Einstellungen.json", clock);
+    PreferencesStore preferences(work.path() / "Einstellungen.json", runtime);
     AppSettings settings(preferences);
     const LegalCorpusStore store(fs::absolute(folder), work.path());
     LegalCorpus corpus(store, runtime);
