@@ -23,7 +23,7 @@ using Compressor = std::unique_ptr<libdeflate_compressor, Release<libdeflate_fre
 bool inflateInto(std::string_view stream, char* bytes, std::size_t lengthInBytes) {
     const Decompressor decompressor(libdeflate_alloc_decompressor());
     if (!decompressor) throw std::bad_alloc();
-    // Told no place for the true count, the library fails unless it is the length that was asked for.
+    // Without a place for the true count the library fails unless that is the length asked for.
     return libdeflate_deflate_decompress(decompressor.get(), stream.data(), stream.size(), bytes,
                                          lengthInBytes, nullptr) == LIBDEFLATE_SUCCESS;
 }
@@ -60,5 +60,7 @@ std::string deflate(std::string_view bytes) {
                                               stream.size()));
     return stream;
 }
+
+std::uint32_t crc32(std::string_view bytes) { return libdeflate_crc32(0, bytes.data(), bytes.size()); }
 
 } // namespace querlin::RawDeflate

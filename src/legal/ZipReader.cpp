@@ -41,6 +41,7 @@ namespace CentralEntry {
 constexpr std::string_view signature = "PK\x01\x02";
 constexpr std::size_t length = 46;
 constexpr std::size_t method = 10;
+constexpr std::size_t checkSum = 16;
 constexpr std::size_t compressedSize = 20;
 constexpr std::size_t uncompressedSize = 24;
 constexpr std::size_t nameLength = 28;
@@ -89,7 +90,8 @@ std::optional<std::string_view> endRecord(std::string_view archive) {
     return offset == std::string_view::npos ? std::nullopt : std::optional(furthest.substr(offset));
 }
 
-Result extract(std::string_view archive, std::string_view entry) {
+/// The bytes of an entry, whatever its check sum.
+Result unpack(std::string_view archive, std::string_view entry) {
     const auto localOffset = number32(entry, CentralEntry::localOffset);
     const auto local = record(archive, localOffset, LocalHeader::signature, LocalHeader::length);
     if (!local) return corrupt("Lokaler Dateikopf nicht gefunden");
@@ -110,6 +112,13 @@ Result extract(std::string_view archive, std::string_view entry) {
     auto unpacked = RawDeflate::inflate(bytes, uncompressedSize);
     if (!unpacked) return corrupt("Entpacken fehlgeschlagen");
     return std::move(*unpacked);
+}
+
+Result extract(std::string_view archive, std::string_view entry) {
+    auto file = unpack(archive, entry);
+    if (file && RawDeflate::crc32(*file) != number32(entry, CentralEntry::checkSum))
+        return corrupt("Prüfsumme stimmt nicht");
+    return file;
 }
 
 } // namespace

@@ -24,13 +24,13 @@ struct ZipError {
 };
 
 /// Reads the small archives in which the law portal delivers a law (PKWARE APPNOTE): from memory, stored or
-/// deflated. Sizes come from the central directory. ZIP64, encryption and several disks are not known; check
-/// sums are not compared. Any thread.
+/// deflated. Sizes and check sums come from the central directory. ZIP64, encryption and several disks are
+/// not known. Any thread.
 namespace ZipReader {
 
 /// The bytes of the first file, in the order of the central directory, whose name ends so; case doesn't
-/// count. Whatever the bytes claim, nothing beyond them is read and no more memory is taken than they can
-/// unpack to.
+/// count. A file whose CRC-32 is another than the directory's is an error. Whatever the bytes claim, nothing
+/// beyond them is read and no more memory is taken than they can unpack to.
 std::expected<std::string, ZipError> firstFile(std::string_view archive, std::string_view suffix);
 
 } // namespace ZipReader
