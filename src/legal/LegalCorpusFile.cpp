@@ -8,6 +8,7 @@
 #include <array>
 #include <memory>
 #include <span>
+#include <utility>
 
 #include <fmt/format.h>
 #include <rapidjson/error/en.h>
@@ -39,7 +40,7 @@ constexpr auto sectionFields =
                                         {"path", &LegalSection::path},
                                         {"text", &LegalSection::text, Check::later},
                                         {"priority", &LegalSection::priority}});
-/// Besides its sections, which come behind.
+/// Besides its sections, which come last.
 constexpr auto lawFields = std::to_array<Field<LegalLaw>>({{"abbr", &LegalLaw::abbr},
                                                            {"name", &LegalLaw::name},
                                                            {"tier", &LegalLaw::tier},
@@ -132,7 +133,10 @@ public:
     bool Int(int value) { return put(std::int64_t{value}); }
     bool Uint(unsigned value) { return put(std::int64_t{value}); }
     bool Int64(std::int64_t value) { return put(value); }
-    bool Uint64(std::uint64_t) { return Null(); } // No field of ours holds so much.
+    /// Called for what is greater than 32 bits hold; no field takes more than 63.
+    bool Uint64(std::uint64_t value) {
+        return std::in_range<std::int64_t>(value) ? put(static_cast<std::int64_t>(value)) : Null();
+    }
     bool Double(double) { return Null(); }
     bool RawNumber(const char*, rapidjson::SizeType, bool) { return false; }
     bool String(const char* text, rapidjson::SizeType length, bool) {
@@ -240,7 +244,7 @@ private:
         return plain([value](auto& reader) { return reader.put(value); });
     }
 
-    /// An object or a list that isn't ours may only stand behind a key that isn't known.
+    /// An object or a list that isn't ours may only be the value of a key that isn't known.
     bool beginUnknown() {
         if (!visit([](auto& reader) { return !reader.isKnown(); })) return false;
         unknownDepth_ = 1;

@@ -51,23 +51,38 @@ std::optional<LegalManifest> LegalCorpusStore::bundledManifest() const {
 }
 
 std::expected<void, std::string> LegalCorpusStore::write(LegalPair pair, Date now) const {
-    const auto failed = [](const FileError& error) { return std::unexpected(error.description()); };
-    if (const auto prepared = prepareDirectory(); !prepared) return failed(prepared.error());
-    Files::removeUnfinishedWrites(directory_);
-
+    using Kind = LegalUpdateError::Kind;
+    const auto failed = [](Kind kind) { return std::unexpected(LegalUpdateError{kind, {}}.description()); };
+    const auto discarded = [this](const FileError& error) {
+        discardUpdated();
+        return std::unexpected(error.description());
+    };
     const auto container = CorpusContainer::deflate(pair.corpus.toJson());
-    if (!container)
-        return std::unexpected(LegalUpdateError{LegalUpdateError::Kind::compressionFailed, {}}.description());
-    if (const auto written = Files::writeAtomically(updatedCorpusURL(), *container); !written)
-        return failed(written.error());
-
+    if (!container) return failed(Kind::compressionFailed);
+    const auto fresh = Files::unfinishedName(updatedCorpusURL());
+    if (const auto written = writeFresh(fresh, *container); !written) return discarded(written.error());
+    if (loadCorpus(fresh) != pair.corpus) {
+        Files::remove(fresh);
+        return failed(Kind::notReadable);
+    }
+    if (const auto moved = Files::move(fresh, updatedCorpusURL()); !moved) {
+        Files::remove(fresh);
+        return discarded(moved.error());
+    }
     constexpr std::size_t dayInCharacters = 10;
     pair.manifest.generated = isoDate(now).substr(0, dayInCharacters);
     if (const auto written =
             Files::writeAtomically(updatedManifestURL(), Json::pretty(toJson(pair.manifest)));
         !written)
-        return failed(written.error());
+        return discarded(written.error());
     return {};
+}
+
+FileResult<> LegalCorpusStore::writeFresh(const std::filesystem::path& file,
+                                          const std::string& container) const {
+    if (auto prepared = prepareDirectory(); !prepared) return prepared;
+    Files::removeUnfinishedWrites(directory_);
+    return Files::writeAtomically(file, container);
 }
 
 } // namespace querlin

@@ -41,10 +41,14 @@ public:
 
     /// Stores a pair; the manifest gets the day as its own. At any moment of it, be it the last of the
     /// process, each of the two files is whole, the old one or the new, and the manifest is never newer than
-    /// the corpus: what it doesn't know of yet is fetched once more. The error is a German sentence.
+    /// the corpus: what it doesn't know of yet is fetched once more. The new corpus is read back before it
+    /// replaces the last one, which stays if that fails; on any other failure the stored pair is discarded.
+    /// The error is a German sentence.
     std::expected<void, std::string> write(LegalPair pair, Date now) const;
 
 private:
+    FileResult<> writeFresh(const std::filesystem::path& file, const std::string& container) const;
+
     std::filesystem::path directory_;
     std::filesystem::path resources_;
 };

@@ -12,6 +12,8 @@ std::string LegalUpdateError::description() const {
         return fmt::format("{} enthielt keine Paragraphen.", abbr);
     case Kind::compressionFailed:
         return "Gesetzesbestand ließ sich nicht komprimieren.";
+    case Kind::notReadable:
+        return "Der neue Gesetzesbestand ließ sich nicht zurücklesen; der bisherige bleibt.";
     }
     return {};
 }
