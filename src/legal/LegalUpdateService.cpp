@@ -88,13 +88,8 @@ Task<LegalUpdateService::Stage> LegalUpdateService::update(Initiator initiator) 
     auto manifest = store_.currentManifest();
     if (!manifest) co_return Failed{"Kein Gesetzesmanifest gefunden."};
 
-    auto changed = co_await changedLaws(*manifest);
-    settings_.recordLawCheck(runtime_.clock.now());
-    if (changed.empty()) {
-        note("Alle Gesetzesstände aktuell.");
-        if (initiator == Initiator::user) co_return UpToDate{};
-        co_return Idle{};
-    }
+    auto answers = co_await ask(*manifest);
+    if (answers.changed.empty()) co_return nothingNew(initiator, answers.missing, manifest->laws.size());
 
     auto load = [file = store_.corpusURL()] {
         return file ? loadCorpus(*file) : std::unexpected(std::string());
@@ -103,8 +98,11 @@ Task<LegalUpdateService::Stage> LegalUpdateService::update(Initiator initiator) 
     if (!present) co_return Failed{"Der vorhandene Gesetzesbestand ließ sich nicht lesen."};
     LegalPair pair{std::move(*present), std::move(*manifest)};
 
-    auto updated = co_await download(std::move(changed), pair);
-    if (updated.empty()) co_return Failed{"Keine der neuen Fassungen ließ sich laden."};
+    auto updated = co_await download(answers, pair);
+    if (updated.empty()) {
+        recordIfComplete(answers.missing);
+        co_return Failed{"Keine der neuen Fassungen ließ sich laden."};
+    }
 
     stage.set(Applying{});
     auto rows = pair.manifest.laws;
@@ -112,78 +110,103 @@ Task<LegalUpdateService::Stage> LegalUpdateService::update(Initiator initiator) 
         return store.write(std::move(pair), now);
     };
     const auto written = co_await background(runtime_, std::move(write));
-    if (!written) {
-        store_.discardUpdated();
-        co_return Failed{"Speichern fehlgeschlagen: " + written.error()};
-    }
+    if (!written) co_return Failed{"Speichern fehlgeschlagen: " + written.error()};
     auto reload = [&corpus = corpus_] { return corpus.reload(); };
     co_await background(runtime_, std::move(reload));
+    recordIfComplete(answers.missing);
     laws.set(std::move(rows));
     note(fmt::format("Aktualisiert: {}", fmt::join(updated, ", ")));
     co_return Updated{std::move(updated)};
 }
 
-Task<std::vector<LegalManifestEntry>> LegalUpdateService::changedLaws(const LegalManifest& manifest) {
+Task<LegalUpdateService::Answers> LegalUpdateService::ask(const LegalManifest& manifest) {
     const auto total = manifest.laws.size();
     stage.set(Checking{0, total});
     note(fmt::format("Prüfe {} Gesetze auf neue Fassungen…", total));
-    std::vector<LegalManifestEntry> changed;
+    Answers answers;
     for (std::size_t done = 0; done < total; ++done) {
         const auto& row = manifest.laws[done];
         stage.set(Checking{done, total});
-        const auto value = co_await lastModified(row.source);
+        const auto value = co_await lastModified(row);
         if (!value) {
+            ++answers.missing;
             note(fmt::format("{}: nicht erreichbar – {}", row.abbr, value.error().description));
-        } else if (!value->empty() && *value != row.lastModified) {
+        } else if (*value != row.lastModified) {
             note(fmt::format("{}: neue Fassung ({}).", row.abbr, *value));
-            changed.push_back(row);
+            answers.changed.push_back(row);
         }
     }
-    co_return changed;
+    co_return answers;
 }
 
-Task<std::vector<std::string>> LegalUpdateService::download(std::vector<LegalManifestEntry> changed,
-                                                            LegalPair& pair) {
+LegalUpdateService::Stage LegalUpdateService::nothingNew(Initiator initiator, std::size_t missing,
+                                                         std::size_t total) {
+    recordIfComplete(missing);
+    if (missing > 0 && missing == total) return Failed{"Das Gesetzesportal ist nicht erreichbar."};
+    if (missing > 0)
+        return Failed{fmt::format(
+            "Für {} von {} Gesetzen kam keine Antwort vom Gesetzesportal, die übrigen sind aktuell.", missing,
+            total)};
+    note("Alle Gesetzesstände aktuell.");
+    if (initiator == Initiator::user) return UpToDate{};
+    return Idle{};
+}
+
+void LegalUpdateService::recordIfComplete(std::size_t missing) {
+    if (missing == 0) settings_.recordLawCheck(runtime_.clock.now());
+}
+
+Task<std::vector<std::string>> LegalUpdateService::download(Answers& answers, LegalPair& pair) {
     std::vector<std::string> updated;
-    for (std::size_t done = 0; done < changed.size(); ++done) {
-        const auto& row = changed[done];
-        stage.set(Downloading{row.abbr, done, changed.size()});
-        auto edition = co_await downloadLaw(row);
-        if (!edition) {
-            note(fmt::format("{} fehlgeschlagen: {}", row.abbr, edition.error()));
+    for (std::size_t done = 0; done < answers.changed.size(); ++done) {
+        const auto& row = answers.changed[done];
+        stage.set(Downloading{row.abbr, done, answers.changed.size()});
+        auto response = co_await fetch(row);
+        if (!response) {
+            ++answers.missing;
+            note(fmt::format("{} fehlgeschlagen: {}", row.abbr, response.error().description));
             continue;
         }
-        note(fmt::format("{} erneuert: {} Paragraphen.", row.abbr, edition->law.sections.size()));
+        auto fresh = co_await edition(row, std::move(*response));
+        if (!fresh) {
+            note(fmt::format("{} fehlgeschlagen: {}", row.abbr, fresh.error()));
+            continue;
+        }
+        note(fmt::format("{} erneuert: {} Paragraphen.", row.abbr, fresh->law.sections.size()));
         updated.push_back(row.abbr);
-        pair.put(std::move(*edition));
+        pair.put(std::move(*fresh));
     }
     co_return updated;
 }
 
-Task<std::expected<LawEdition, std::string>> LegalUpdateService::downloadLaw(LegalManifestEntry entry) {
-    if (!isAddress(entry.source)) {
-        const LegalUpdateError error{LegalUpdateError::Kind::badSource, entry.abbr};
-        co_return std::unexpected(error.description());
-    }
-    auto response = co_await client_.send(request(HttpRequest::Method::get, entry.source, getTimeout));
-    if (!response) co_return std::unexpected(std::move(response.error().description));
-    // Whatever the status: an error page is no archive.
-    std::string lastModified(response->header(lastModifiedHeader).value_or(entry.lastModified));
-    auto read = [entry = std::move(entry), archive = std::move(response->body)] {
+Task<std::expected<HttpResponse, HttpError>> LegalUpdateService::fetch(const LegalManifestEntry& entry) {
+    return client_.send(request(HttpRequest::Method::get, entry.source, getTimeout));
+}
+
+/// Whatever the status: an error page is no archive.
+Task<std::expected<LawEdition, std::string>> LegalUpdateService::edition(LegalManifestEntry entry,
+                                                                         HttpResponse response) {
+    std::string lastModified(response.header(lastModifiedHeader).value_or(entry.lastModified));
+    auto read = [entry = std::move(entry), archive = std::move(response.body)] {
         return lawFromArchive(entry, archive);
     };
     auto law = co_await background(runtime_, std::move(read));
     if (!law) co_return std::unexpected(std::move(law.error()));
-    LawEdition edition{std::move(*law), std::move(lastModified)};
-    co_return edition;
+    LawEdition fresh{std::move(*law), std::move(lastModified)};
+    co_return fresh;
 }
 
-Task<std::expected<std::string, HttpError>> LegalUpdateService::lastModified(std::string source) {
-    if (!isAddress(source)) co_return std::string();
+Task<std::expected<std::string, HttpError>>
+LegalUpdateService::lastModified(const LegalManifestEntry& entry) {
+    HttpError fault{LegalUpdateError{LegalUpdateError::Kind::badSource, entry.abbr}.description()};
+    if (!isAddress(entry.source)) co_return std::unexpected(std::move(fault));
     const auto response =
-        co_await client_.send(request(HttpRequest::Method::head, std::move(source), headTimeout));
+        co_await client_.send(request(HttpRequest::Method::head, entry.source, headTimeout));
     if (!response) co_return std::unexpected(response.error());
-    co_return std::string(response->header(lastModifiedHeader).value_or(""));
+    std::string age(response->header(lastModifiedHeader).value_or(""));
+    if (!age.empty()) co_return age;
+    fault.description = fmt::format("Antwort ohne Stand (Status {}).", response->status);
+    co_return std::unexpected(std::move(fault));
 }
 
 } // namespace querlin

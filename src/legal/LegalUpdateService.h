@@ -63,8 +63,10 @@ struct Failed {
 /// those that have changed, and puts them into the user's own pair of files and into the corpus in memory.
 /// Nothing else talks to the portal, and nothing but the requests for archives is sent.
 ///
-/// A law that can't be had stays as it is and is tried again at the next check. Main thread; what takes long
-/// is done in the background. One update at a time.
+/// A law that can't be had stays as it is and is tried again at the next check. The date of the last check
+/// moves only if every law was answered: asked for its age, the portal named one, and where there is a new
+/// version, its archive came. So a check that reached nobody, or not everybody, is due again at the next
+/// start. Main thread; what takes long is done in the background. One update at a time.
 class LegalUpdateService {
 public:
     using Stage =
@@ -91,18 +93,29 @@ public:
 
 private:
     enum class Initiator : std::uint8_t { timer, user };
+    /// What a check has found.
+    struct Answers {
+        /// The rows that the portal has a new version of.
+        std::vector<LegalManifestEntry> changed;
+        /// Laws of which nothing could be learned, or whose archive didn't come.
+        std::size_t missing = 0;
+    };
 
     bool isDue() const;
     void start(Initiator initiator);
     Task<> run(Initiator initiator);
     /// The stage at the end.
     Task<Stage> update(Initiator initiator);
-    /// The rows that the portal has a new version of.
-    Task<std::vector<LegalManifestEntry>> changedLaws(const LegalManifest& manifest);
-    /// Fetches them into the pair; gives the abbreviations of those that worked.
-    Task<std::vector<std::string>> download(std::vector<LegalManifestEntry> changed, LegalPair& pair);
-    Task<std::expected<LawEdition, std::string>> downloadLaw(LegalManifestEntry entry);
-    Task<std::expected<std::string, HttpError>> lastModified(std::string source);
+    Task<Answers> ask(const LegalManifest& manifest);
+    /// The end of a check without new versions.
+    Stage nothingNew(Initiator initiator, std::size_t missing, std::size_t total);
+    void recordIfComplete(std::size_t missing);
+    /// Fetches what has changed into the pair; gives the abbreviations of those that worked.
+    Task<std::vector<std::string>> download(Answers& answers, LegalPair& pair);
+    Task<std::expected<HttpResponse, HttpError>> fetch(const LegalManifestEntry& entry);
+    Task<std::expected<LawEdition, std::string>> edition(LegalManifestEntry entry, HttpResponse response);
+    /// What the portal says of a law's age; an error where it says nothing.
+    Task<std::expected<std::string, HttpError>> lastModified(const LegalManifestEntry& entry);
 
     AppSettings& settings_;
     const LegalCorpusStore& store_;
