@@ -11,6 +11,7 @@
 #include "support/Laws.h"
 #include "support/LoopbackServer.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 namespace querlin {
@@ -26,9 +27,9 @@ protected:
         row.source = server.address("/" + abbr + "/xml.zip");
         return row;
     }
-    void serve(const std::string& abbr, LoopbackServer::Answer answer) {
-        answer.headers.emplace_back("Last-Modified", "Mon, 01 Jan 2024 00:00:00 GMT");
-        server.set("/" + abbr + "/xml.zip", std::move(answer));
+    void serve(const std::string& abbr, LoopbackServer::Answer answer) { server.set("/" + abbr + "/xml.zip", std::move(answer)); }
+    static LoopbackServer::Answer dated(std::string_view body, int status = 200, std::optional<std::size_t> claimedLength = {}) {
+        return LoopbackServer::Answer::of(body, "Last-Modified: Mon, 01 Jan 2024 00:00:00 GMT\r\n", status, claimedLength);
     }
     void deliver(const std::vector<std::string>& abbrs) {
         LegalManifest manifest;
@@ -64,26 +65,27 @@ protected:
 
 TEST_F(LawUpdateTest, SurvivesAllThatAPortalMayDo) {
     const auto archive = archiveOf({{"M.xml", contentOf(fs::path(QUERLIN_TEST_LAWS) / "mbtg.xml")}});
-    serve("gut", {.body = archive});
-    serve("langsam", {.body = archive, .framing = LoopbackServer::Framing::chunks, .pieceInBytes = 200, .pause = std::chrono::milliseconds(2)});
-    server.set("/umgezogen/xml.zip", LoopbackServer::redirect(server.address("/gut/xml.zip"), 301));
-    serve("halb", {.body = archive.substr(0, archive.size() / 2), .claimedLength = archive.size()});
-    serve("kaputt", {.status = 500, .body = "<html>Fehler</html>"});
-    serve("weg", {.fault = LoopbackServer::Fault::close});
+    serve("gut", dated(archive));
+    const auto chunk = fmt::format("{:x}\r\n{}\r\n0\r\n\r\n", archive.size(), archive);
+    const auto head = std::string("HTTP/1.1 200 OK\r\nlast-modified: Montag\r\nTransfer-Encoding: chunked\r\n\r\n");
+    serve("langsam", {.bytes = head + chunk, .pieceInBytes = 200, .pause = std::chrono::milliseconds(2)});
+    serve("umgezogen", LoopbackServer::Answer::redirect(server.address("/gut/xml.zip")));
+    serve("halb", dated(archive.substr(0, archive.size() / 2), 200, archive.size()));
+    serve("kaputt", dated("<html>Fehler</html>", 500));
+    serve("weg", {});
     deliver({"gut", "langsam", "umgezogen", "halb", "kaputt", "fehlt", "weg"});
 
     EXPECT_TRUE(check() == LegalUpdateService::Stage(LegalUpdateStage::Updated{{"gut", "langsam", "umgezogen"}}));
     for (const auto* line : {"[gesetze] gut erneuert: 4 Paragraphen.", "[gesetze] halb fehlgeschlagen: Die Verbindung ist abgebrochen.",
                              "[gesetze] kaputt fehlgeschlagen: Die Antwort ist kein ZIP-Archiv.",
+                             "[gesetze] fehlt: nicht erreichbar – Antwort ohne Stand (Status 404).",
                              "[gesetze] weg: nicht erreichbar – Die Verbindung ist abgebrochen."})
         EXPECT_TRUE(log.has(line)) << line;
     EXPECT_EQ(corpus.section("1a", "umgezogen")->title, "Listen");
-    for (const auto& request : server.requests())
-        EXPECT_EQ(request.header("User-Agent"), std::string("Querlin/") + QUERLIN_VERSION);
 
-    serve("halb", {.body = archive});
-    EXPECT_TRUE(check() == LegalUpdateService::Stage(LegalUpdateStage::Updated{{"halb"}})) << "what failed is tried again, and nothing else";
-    EXPECT_EQ(corpus.laws().size(), 4);
+    serve("halb", dated(archive));
+    EXPECT_TRUE(check() == LegalUpdateService::Stage(LegalUpdateStage::Updated{{"halb"}}))
+        << "what failed is tried again, and nothing else";
 }
 
 TEST_F(LawUpdateTest, LoadsTheRealLaws) {
@@ -92,7 +94,7 @@ TEST_F(LawUpdateTest, LoadsTheRealLaws) {
     std::vector<std::string> slugs;
     for (const auto& folder : fs::directory_iterator(archives)) slugs.push_back(folder.path().filename());
     std::ranges::sort(slugs);
-    for (const auto& slug : slugs) serve(slug, {.body = contentOf(archives / slug / "xml.zip")});
+    for (const auto& slug : slugs) serve(slug, dated(contentOf(archives / slug / "xml.zip")));
     deliver(slugs);
     EXPECT_TRUE(check() == LegalUpdateService::Stage(LegalUpdateStage::Updated{slugs}));
     EXPECT_TRUE(check() == LegalUpdateService::Stage(LegalUpdateStage::UpToDate{}));

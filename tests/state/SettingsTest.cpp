@@ -25,37 +25,18 @@ namespace fs = std::filesystem;
 
 const Date someDate = *parseIsoDate("2026-03-01T09:30:00Z");
 
-constexpr std::tuple properties = {&AppSettings::hotkey,
-                                   &AppSettings::inputDeviceUID,
-                                   &AppSettings::showLevelMeter,
-                                   &AppSettings::playStartSound,
-                                   &AppSettings::playStopSound,
-                                   &AppSettings::maxDictationMinutes,
-                                   &AppSettings::language,
-                                   &AppSettings::engine,
-                                   &AppSettings::onDeviceRecognitionOnly,
-                                   &AppSettings::userDictionary,
-                                   &AppSettings::contextualLimit,
-                                   &AppSettings::legalVocabularyEnabled,
-                                   &AppSettings::dictationCommandsEnabled,
-                                   &AppSettings::textBlocks,
-                                   &AppSettings::writingStyle,
-                                   &AppSettings::contextAwareStyle,
-                                   &AppSettings::appProfiles,
-                                   &AppSettings::cleanupMode,
-                                   &AppSettings::hasChosenCleanupMode,
-                                   &AppSettings::learnFromCorrections,
-                                   &AppSettings::historyEnabled,
-                                   &AppSettings::historyRetentionDays,
-                                   &AppSettings::historyKeepAudio,
-                                   &AppSettings::hasCompletedOnboarding,
-                                   &AppSettings::checkForUpdatesAtLaunch,
-                                   &AppSettings::updateLawsAutomatically,
-                                   &AppSettings::lawsLastChecked,
-                                   &AppSettings::installedAt,
-                                   &AppSettings::suiteHintLastShown,
-                                   &AppSettings::suiteHintDismissals,
-                                   &AppSettings::suiteLinkOpened};
+// clang-format off
+constexpr std::tuple properties = {
+    &AppSettings::hotkey, &AppSettings::inputDeviceUID, &AppSettings::showLevelMeter, &AppSettings::playStartSound,
+    &AppSettings::playStopSound, &AppSettings::maxDictationMinutes, &AppSettings::language, &AppSettings::engine,
+    &AppSettings::onDeviceRecognitionOnly, &AppSettings::userDictionary, &AppSettings::contextualLimit,
+    &AppSettings::legalVocabularyEnabled, &AppSettings::dictationCommandsEnabled, &AppSettings::textBlocks, &AppSettings::writingStyle,
+    &AppSettings::contextAwareStyle, &AppSettings::appProfiles, &AppSettings::cleanupMode, &AppSettings::hasChosenCleanupMode,
+    &AppSettings::learnFromCorrections, &AppSettings::historyEnabled, &AppSettings::historyRetentionDays, &AppSettings::historyKeepAudio,
+    &AppSettings::hasCompletedOnboarding, &AppSettings::checkForUpdatesAtLaunch, &AppSettings::updateLawsAutomatically,
+    &AppSettings::lawsLastChecked, &AppSettings::installedAt, &AppSettings::suiteHintLastShown, &AppSettings::suiteHintDismissals,
+    &AppSettings::suiteLinkOpened};
+// clang-format on
 
 void forEachProperty(auto call) {
     std::apply([&call](auto... property) { (call(property), ...); }, properties);
