@@ -1,7 +1,7 @@
 #include "Cases.h"
-#include "report/Measuring.h"
 #include "QtLawReader.h"
 #include "Zlib.h"
+#include "report/Measuring.h"
 
 #include "foundation/Release.h"
 #include "legal/LawEdition.h"
@@ -53,7 +53,7 @@ PlainLaw readPlainly(const Archive& archive) {
     return readWithQt(inflatedByZlib(stream, length), archive.entry.ranges());
 }
 
-/// As fast as the XML parser can be: it tells its events to nobody.
+/// As fast as the XML parser can be: nobody takes its events.
 int parseBare(const Archive& archive) {
     const auto [stream, length] = packedLaw(archive.bytes);
     const std::unique_ptr<libdeflate_decompressor, Release<libdeflate_free_decompressor>> decompressor(

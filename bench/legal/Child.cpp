@@ -1,8 +1,8 @@
 #include "Child.h"
 
 #include "BenchRuntime.h"
-#include "report/Measuring.h"
 #include "PlainCorpus.h"
+#include "report/Measuring.h"
 
 #include "legal/LegalCorpus.h"
 

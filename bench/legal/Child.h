@@ -7,7 +7,7 @@
 
 namespace querlin::bench {
 
-/// What a fresh process does, and then tells of itself.
+/// What a fresh process does, and then reports of itself.
 enum class ChildWork : unsigned char { nothing, loadOurs, loadPlainly };
 
 struct ChildResult {

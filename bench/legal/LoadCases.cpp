@@ -1,8 +1,8 @@
 #include "BenchRuntime.h"
 #include "Cases.h"
 #include "Child.h"
-#include "report/Measuring.h"
 #include "WorkFolder.h"
+#include "report/Measuring.h"
 
 #include "foundation/Files.h"
 #include "foundation/Release.h"

@@ -37,7 +37,7 @@ struct PlainLaw {
     std::vector<PlainSection> sections;
 };
 
-/// Many texts in small letters, one behind the other.
+/// Many texts in small letters, one after the other.
 struct PlainBlob {
     std::string bytes;
     /// Where each text begins, and the length of all.
@@ -61,7 +61,7 @@ struct PlainCorpus {
 /// ICU's small letters.
 std::string plainLowercase(std::string_view text);
 
-/// With the C library's search, a binary search for the text, and a jump to the next text behind a hit.
+/// With the C library's search, a binary search for the text, and a jump to the next text after a hit.
 template<class Visit>
 void PlainBlob::search(std::string_view term, Visit visit) const {
     const auto* end = bytes.data() + bytes.size();

@@ -1,12 +1,12 @@
 #include "Allocations.h"
 #include "BenchRuntime.h"
 #include "Cases.h"
-#include "report/Measuring.h"
 #include "Queries.h"
 #include "ReadFloor.h"
 #include "Searchers.h"
 #include "SqliteSearch.h"
 #include "WorkFolder.h"
+#include "report/Measuring.h"
 
 #include "foundation/Files.h"
 #include "foundation/Utf8.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-/// The file that holds the corpus: the document's length as eight bytes, little-endian and signed, and behind
+/// The file that holds the corpus: the document's length as eight bytes, little-endian and signed, and after
 /// it the document as one raw DEFLATE stream (RFC 1951). Any thread.
 namespace querlin::CorpusContainer {
 

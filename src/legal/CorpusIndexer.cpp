@@ -4,7 +4,7 @@ namespace querlin {
 
 namespace {
 
-/// So many that waking the thread costs little, and so few that it is never far behind.
+/// So many that waking the thread costs little, and so few that it never lags far.
 constexpr std::size_t sectionsInABatch = 64;
 
 } // namespace

@@ -41,11 +41,12 @@ public:
 
     /// Waits for the index of all that has been read; nothing if one of the texts is ill-formed.
     std::optional<CorpusIndex> finish();
-    /// What `willUnpack` was told.
+    /// As `willUnpack` was given it.
     std::size_t documentLengthInBytes() const { return documentLengthInBytes_; }
 
 private:
-    /// What is handed over at once: the texts of some sections and, behind the last of a law, its sections.
+    /// What is handed over at once: the texts of some sections and, after the last one of a law, its
+    /// sections.
     struct Batch {
         std::vector<SearchIndex::Texts> texts;
         std::optional<std::span<const LegalSection>> law;

@@ -26,7 +26,7 @@ struct LegalPair {
     LegalCorpusFile corpus;
     LegalManifest manifest;
 
-    /// Puts the edition in the place of the law with its abbreviation, or behind all others, and writes in
+    /// Puts the edition in the place of the law with its abbreviation, or after all others, and writes in
     /// its row of the manifest which one it is.
     void put(LawEdition edition);
 };

@@ -25,7 +25,7 @@ struct LegalSection {
     /// The headings above it, joined by " / ". May be empty.
     SharedText path;
     /// Paragraphs with an empty line between them, list items on lines of their own, the cells of a table
-    /// behind a tab each.
+    /// after a tab each.
     SharedText text;
     /// Whether guardians need it more than others.
     bool priority = false;

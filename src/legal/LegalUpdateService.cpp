@@ -24,7 +24,7 @@ constexpr std::string_view lastModifiedHeader = "Last-Modified";
 void note(std::string_view line) { DiagnosticsLog::note("gesetze", line); }
 void trace(std::string_view line) { DiagnosticsLog::trace("gesetze", line); }
 
-/// An absolute http or https address with a host, as far as it can be told without asking for it.
+/// An absolute http or https address with a host, as far as can be seen without asking for it.
 bool isAddress(std::string_view source) {
     for (const std::string_view scheme : {"https://", "http://"}) {
         if (!source.starts_with(scheme)) continue;

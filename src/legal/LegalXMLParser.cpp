@@ -136,7 +136,7 @@ public:
 private:
     static constexpr std::size_t block = 16;
 
-    /// Takes some of the text from a place on, and tells how much.
+    /// Takes some of the text from a place on; returns how much.
     std::size_t step(std::size_t at) {
         if (at > 0 && text_.size() - at >= block && isClean(&text_[at])) {
             end_ += text_.copy(end_, block, at);
@@ -163,7 +163,7 @@ private:
 
     bool endsIn(char byte) const { return end_ > start_ && end_[-1] == byte; }
 
-    /// A block that stays as it is: no line feed, nothing that may begin a no-break space, no blank behind a
+    /// A block that stays as it is: no line feed, nothing that may begin a no-break space, no blank after a
     /// blank of any kind or a line feed. `bytes` has one in front of it.
     static bool isClean(const char* bytes) {
         using Block = char __attribute__((vector_size(block)));
@@ -211,8 +211,8 @@ std::optional<SectionNumber> sectionNumber(const std::string& designation) {
 std::int64_t valueOf(std::string_view digits) {
     std::int64_t value = 0;
     const auto* end = digits.data() + digits.size(); // The pattern has found one at least.
-    const auto [behind, error] = std::from_chars(&digits.front(), end, value);
-    return error == std::errc() && behind == end ? value : 0;
+    const auto [rest, error] = std::from_chars(&digits.front(), end, value);
+    return error == std::errc() && rest == end ? value : 0;
 }
 
 /// Keeps the state between the parser's events, and closes one "norm" at a time.

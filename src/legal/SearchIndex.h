@@ -40,7 +40,7 @@ public:
     /// Takes an entry; false ends the search.
     using Visitor = std::function<bool(const Entry&)>;
 
-    /// The numbers of laws, from and behind the last.
+    /// The numbers of laws, from the first to one past the last.
     struct Laws {
         std::size_t first = 0;
         std::size_t end = 0;

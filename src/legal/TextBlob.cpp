@@ -31,7 +31,7 @@ constexpr auto commonness = [] {
     table.fill(1);
     for (std::size_t i = commonestFirst.size(); i > 0; --i)
         table.at(static_cast<unsigned char>(commonestFirst[i - 1])) = static_cast<unsigned>(1000 / i);
-    // What opens a letter or a sign tells nothing that the next byte doesn't tell better.
+    // The first byte of a letter or a sign says nothing that the next byte doesn't say better.
     for (const std::size_t lead : {0xC2U, 0xC3U, 0xE2U}) table.at(lead) = 1000;
     return table;
 }();
@@ -179,7 +179,7 @@ bool TextBlob::append(std::string_view text) {
 void TextBlob::search(std::string_view bytes, Range range, const Visitor& visit,
                       [[maybe_unused]] Registers registers) const {
     if (bytes.empty() || range.first >= range.end) return;
-    // What begins in the last text may end behind it.
+    // What begins in the last text may end after it.
     const std::string_view text =
         std::string_view(bytes_).substr(0, std::min(bytes_.size(), starts_[range.end] + bytes.size() - 1));
 #if defined(__x86_64__)

@@ -11,7 +11,7 @@
 
 namespace querlin {
 
-/// Many texts in small letters, one behind the other in one stretch of memory, to be searched by bytes.
+/// Many texts in small letters, one after the other in one stretch of memory, to be searched by bytes.
 ///
 /// Each text ends with a line feed. Once filled it never changes; then any thread may search it.
 class TextBlob {
@@ -26,7 +26,7 @@ public:
     bool append(std::string_view text);
     std::size_t count() const { return starts_.size() - 1; }
 
-    /// The numbers of texts, from and behind the last.
+    /// The numbers of texts, from the first to one past the last.
     struct Range {
         std::size_t first = 0;
         std::size_t end = 0;

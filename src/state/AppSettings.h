@@ -12,7 +12,7 @@ namespace querlin {
 /// Every setting of the user and every small marker of the program. Built once over a store that has
 /// been through the migration; the store is not read again.
 ///
-/// A row tells the property, its key in the store and the value that holds while the key is absent or
+/// A row names the property, its key in the store and the value that holds while the key is absent or
 /// can't be decoded; such a fallback is written only when the property is next assigned. Nothing is
 /// clamped here: ranges belong to the controls that assign. Main thread only.
 class AppSettings {

@@ -8,7 +8,7 @@
 namespace querlin {
 
 /// A record with its form as a JSON object beside it: `toJson(record)`, and `readJson(json, tag)`, which
-/// gives nothing for what it can't decode. The tag is a null pointer that tells the type.
+/// gives nothing for what it can't decode. The tag is a null pointer that names the type.
 template<class Record>
 concept JsonRecord = requires(const Record& record, const JsonValue& json) {
     toJson(record);

@@ -9,7 +9,7 @@
 namespace querlin::Migration {
 
 /// Copies each known key that the earlier domain's file holds and the store doesn't, marks the store
-/// as migrated, and tells the log. A domain that can't be read counts as empty and its file is left
+/// as migrated, and logs it. A domain that can't be read counts as empty and its file is left
 /// alone. True if at least one setting was copied. Runs before the settings are built.
 bool runIfNeeded(PreferencesStore& store, std::string_view legacyDomain,
                  const std::filesystem::path& legacyFile);

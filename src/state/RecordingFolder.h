@@ -15,7 +15,7 @@ namespace querlin {
 ///
 /// The owner ends it by `discard` or by `moveAudio`. A recording that just goes out of scope stays on
 /// disk: then its process is about to end, and the next start will find it. While an owner lives, a
-/// lock tells every other process to leave the files alone.
+/// lock keeps every other process away from the files.
 class RecordingFile {
 public:
     RecordingFile(RecordingFile&& other) noexcept;
@@ -26,7 +26,7 @@ public:
 
     const std::filesystem::path& audio() const { return audio_; }
 
-    /// What was recognised so far, as the side file tells; empty if there is none.
+    /// What was recognised so far, as the side file has it; empty if there is none.
     std::string text() const;
     /// Replaces the side file's text. A failure is silent: the audio is there all the same.
     void keepText(std::string_view text) const;

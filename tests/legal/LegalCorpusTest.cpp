@@ -94,7 +94,7 @@ TEST(LegalCorpus, LooksSectionsUp) {
     EXPECT_EQ(world.corpus.sectionInAnyLaw("1")->law, "SGB XI");
     EXPECT_FALSE(world.corpus.sectionInAnyLaw("7"));
     EXPECT_EQ(world.corpus.extent()->laws, 3U);
-    EXPECT_EQ(world.corpus.extent()->sections, 6U);
+    EXPECT_EQ(world.corpus.extent()->sections, 8U);
     EXPECT_EQ(world.corpus.standSummary(),
               (std::vector<std::string>{"BGB: 4 §§, Stand 02.01.2024 – Zuletzt geändert am 1.2.2023",
                                         "SGB XI: 1 §§, Stand ? – Zuletzt geändert am 1.2.2023",
