@@ -19,7 +19,7 @@ std::optional<LoopbackServer::Request> readRequest(int socket) {
     std::string head;
     for (std::array<char, 4096> bytes{}; !head.contains(headEnd);) {
         const auto count = ::recv(socket, bytes.data(), bytes.size(), 0);
-        if (count <= 0) return std::nullopt;
+        if (count <= 0 || bytes[0] == 0x16) return std::nullopt; // It speaks TLS.
         head.append(bytes.data(), static_cast<std::size_t>(count));
     }
     const auto method = head.substr(0, head.find(' '));
