@@ -4,9 +4,11 @@
 
 namespace querlin {
 
-Machine::Machine(const ApplicationPaths& paths, const Installation& own) :
+Machine::Machine(const ApplicationPaths& paths, const Installation& own,
+                 DisplayServers::Maker makeDisplayServer) :
+    display(makeDisplayServer(queue)),
     accessibility([this] {
-        const auto front = workspace.frontmostApplication();
+        const auto front = display->workspace().frontmostApplication();
         return front ? std::optional(front->processIdentifier) : std::nullopt;
     }),
     sounds(own.resources / "Sounds"),
@@ -14,13 +16,12 @@ Machine::Machine(const ApplicationPaths& paths, const Installation& own) :
              .makeConverter = makeSwrConverter,
              .program = own.recogniser}),
     streaming({.models = paths.models(), .libraries = own.recognitionLibraries, .program = own.recogniser}),
-    access(
-        {.hasMicrophone = [this] { return hasMicrophone(); },
-         .canRecognise = [this] { return canRecognise(); },
-         .canListenToKeys = [this] { return capabilities.canListenToKeys() && capabilities.canPressKeys(); },
-         .canLookIntoApplications = [this] { return accessibility.isAvailable(); },
-         .enableAccessibility = [this] { return accessibility.requestEnable(); },
-         .models = paths.models()}) {}
+    access({.hasMicrophone = [this] { return hasMicrophone(); },
+            .canRecognise = [this] { return canRecognise(); },
+            .canListenToKeys = [this] { return display->canListenToKeys() && display->canPressKeys(); },
+            .canLookIntoApplications = [this] { return accessibility.isAvailable(); },
+            .enableAccessibility = [this] { return accessibility.requestEnable(); },
+            .models = paths.models()}) {}
 
 bool Machine::canRecognise() {
     if (streaming.isHere()) return true;

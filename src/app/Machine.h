@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/FocusReturn.h"
+#include "app/DisplayServers.h"
 #include "foundation/Clock.h"
 #include "foundation/Runtime.h"
 #include "foundation/SerialQueue.h"
@@ -20,12 +20,6 @@
 #include "platform/sndfile/SndfileCreator.h"
 #include "platform/system/Installation.h"
 #include "platform/system/SystemPermissions.h"
-#include "platform/x11/X11Capabilities.h"
-#include "platform/x11/X11Clipboard.h"
-#include "platform/x11/X11FocusReturn.h"
-#include "platform/x11/X11HoldKey.h"
-#include "platform/x11/X11PasteKey.h"
-#include "platform/x11/X11Workspace.h"
 #include "speech/AudioDevices.h"
 #include "state/ApplicationPaths.h"
 
@@ -35,7 +29,7 @@ namespace querlin {
 /// they need one another. Nothing here decides anything. Made and destroyed on the main thread, behind the
 /// toolkit's application object.
 struct Machine {
-    Machine(const ApplicationPaths& paths, const Installation& own);
+    Machine(const ApplicationPaths& paths, const Installation& own, DisplayServers::Maker makeDisplayServer);
 
     Runtime runtime() { return {.mainQueue = queue, .clock = clock, .background = pool}; }
     /// For all that takes time with the laws: no dictation waits for a search, a load or an update.
@@ -49,14 +43,9 @@ struct Machine {
     SystemClock clock;
 
     // The desktop
-    X11Workspace workspace;
+    std::unique_ptr<DisplayServer> display;
     /// Early: programs that start from here on show what is in their windows.
     AtspiAccessibility accessibility;
-    X11Capabilities capabilities;
-    X11HoldKey holdKey{queue};
-    X11Clipboard clipboard{queue};
-    X11PasteKey pasteKey{queue};
-    X11FocusReturn focusReturn{queue};
     DBusThread buses;
     DesktopSignals signals{queue, buses};
     DesktopNotifications notifications{buses};

@@ -68,16 +68,16 @@ Program::Dictation::Dictation(Program& app) :
     rules(app.machine_.runtime()),
     enhancement(*app.settings_, rules, modelEnhancer),
     history(app.places_.paths.support, app.machine_.storageRuntime()),
-    hotkey(app.machine_.queue, app.machine_.holdKey, app.permissions_, app.settings_->hotkey.get(),
+    hotkey(app.machine_.queue, app.machine_.display->holdKey(), app.permissions_, app.settings_->hotkey.get(),
            app.places_.executable),
-    contextDetector(app.permissions_, app.machine_.accessibility, app.machine_.workspace),
+    contextDetector(app.permissions_, app.machine_.accessibility, app.machine_.display->workspace()),
     watcher(app.machine_.runtime(), app.permissions_, app.machine_.accessibility),
     inserter({.runtime = app.machine_.runtime(),
               .permissions = app.permissions_,
               .accessibility = app.machine_.accessibility,
-              .workspace = app.machine_.workspace,
-              .clipboard = app.machine_.clipboard,
-              .pasteKey = app.machine_.pasteKey}),
+              .workspace = app.machine_.display->workspace(),
+              .clipboard = app.machine_.display->clipboard(),
+              .pasteKey = app.machine_.display->pasteKey()}),
     notifier(&app.machine_.notifications),
     rescueFolder(app.places_.paths.rescuedDictations(), app.machine_.clock),
     recorder({.mainQueue = app.machine_.queue,
@@ -142,13 +142,15 @@ void Program::start() {
     statistics_ = std::make_unique<UsageStatistics>(*preferences_, machine_.clock);
     legalUpdates_ = std::make_unique<LegalUpdateService>(*settings_, lawFiles_, corpus_, machine_.http,
                                                          machine_.lawRuntime());
-    windows_ = std::make_unique<WindowCoordinator>(WindowSources{.runtime = machine_.runtime(),
-                                                                 .settings = *settings_,
-                                                                 .statistics = *statistics_,
-                                                                 .legalUpdates = *legalUpdates_,
-                                                                 .corpus = corpus_,
-                                                                 .focusReturn = machine_.focusReturn,
-                                                                 .findings = [this] { return findings(); }});
+    windows_ =
+        std::make_unique<WindowCoordinator>(WindowSources{.runtime = machine_.runtime(),
+                                                          .settings = *settings_,
+                                                          .statistics = *statistics_,
+                                                          .legalUpdates = *legalUpdates_,
+                                                          .corpus = corpus_,
+                                                          .focusReturn = machine_.display->focusReturn(),
+                                                          .surfaces = machine_.display->surfaces(),
+                                                          .findings = [this] { return findings(); }});
     dictation_ = std::make_unique<Dictation>(*this);
     windows_->setController(&dictation_->controller);
     makeStatusItem();
@@ -182,7 +184,9 @@ void Program::makeStatusItem() {
                           .legalUpdates = *legalUpdates_,
                           .permissions = permissions_,
                           .inserter = dictation_->inserter,
-                          .focusReturn = machine_.focusReturn,
+                          .focusReturn = machine_.display->focusReturn(),
+                          .surfaces = machine_.display->surfaces(),
+                          .systemTray = machine_.display->systemTray(),
                           .notifierHost = machine_.notifierHost.isThere(),
                           .fileManager = machine_.fileManager,
                           .logFile = places_.paths.log,

@@ -39,7 +39,7 @@ SetupFinding recognition(Machine& machine, const std::filesystem::path& models, 
 }
 
 SetupFinding hotkey(Machine& machine, const std::string& name) {
-    const bool canListen = machine.capabilities.canListenToKeys();
+    const bool canListen = machine.display->canListenToKeys();
     return {.name = "Diktiertaste",
             .state = canListen
                          ? fmt::format("{}, sprechen, loslassen", name)

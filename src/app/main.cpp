@@ -1,5 +1,6 @@
 // The program's entry: one instance for each user, the toolkit's loop, an orderly end.
 
+#include "app/DisplayServers.h"
 #include "app/Machine.h"
 #include "app/Program.h"
 #include "foundation/NoCoreDumps.h"
@@ -7,7 +8,6 @@
 #include "platform/qt/QuitSignals.h"
 #include "platform/system/Installation.h"
 #include "platform/system/InstanceLock.h"
-#include "platform/x11/XcbConnection.h"
 #include "state/DiagnosticsLog.h"
 #include "state/LogFile.h"
 #include "state/Product.h"
@@ -29,12 +29,14 @@ namespace {
 constexpr auto logsLastWait = std::chrono::seconds(2);
 constexpr auto attentionsWait = std::chrono::seconds(3);
 
-/// The toolkit would end the process with a crash.
-bool hasDisplay() {
-    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || XcbConnection::open({})) return true;
+/// Null, after a word to the user, where there is none: the toolkit would end the process with a crash. One
+/// that was told to draw into memory needs none.
+DisplayServers::Maker findDisplayServer() {
+    if (const auto found = DisplayServers::find()) return found;
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return DisplayServers::fallback();
     fmt::print(stderr, "{} braucht eine grafische Sitzung (X11 oder XWayland); es ist keine zu erreichen.\n",
                Product::name);
-    return false;
+    return nullptr;
 }
 
 void setUpToolkit() {
@@ -47,9 +49,9 @@ void setUpToolkit() {
         QCoreApplication::installTranslator(&german);
 }
 
-int run(const ApplicationPaths& paths) {
+int run(const ApplicationPaths& paths, DisplayServers::Maker makeDisplayServer) {
     const auto own = Installation::ofThisProgram();
-    Machine machine(paths, own);
+    Machine machine(paths, own, makeDisplayServer);
     Program delegate(machine,
                      {.executable = Brand::utf8(QApplication::applicationFilePath()),
                       .resources = own.resources,
@@ -77,10 +79,11 @@ int start(int argumentCount, char** arguments) {
         if (!isShown) fmt::print(stderr, "{} läuft schon.\n", Product::name);
         return EXIT_SUCCESS;
     }
-    if (!hasDisplay()) return EXIT_FAILURE;
+    const auto makeDisplayServer = findDisplayServer();
+    if (!makeDisplayServer) return EXIT_FAILURE;
     const QApplication application(argumentCount, arguments);
     setUpToolkit();
-    const int status = run(paths);
+    const int status = run(paths, makeDisplayServer);
     DiagnosticsLog::note("app", "=== Ende ===");
     log.flush(logsLastWait);
     return status;

@@ -2,6 +2,7 @@
 
 #include "support/WindowsWorld.h"
 
+#include "platform/x11/toolkit/X11SystemTray.h"
 #include "ui/menu/StatusItemController.h"
 
 #include <memory>
@@ -12,6 +13,7 @@ namespace querlin {
 struct MenuWorld : WindowsWorld {
     /// The tray of the X server is waited for on this queue.
     void makeItem(MainQueue& queue, const Published<std::optional<bool>>& notifierHost) {
+        systemTray = std::make_unique<X11SystemTray>(queue);
         item = std::make_unique<StatusItemController>(
             StatusItemSources{.runtime = {.mainQueue = queue, .clock = world.time, .background = world.time},
                               .controller = world.controller,
@@ -21,6 +23,8 @@ struct MenuWorld : WindowsWorld {
                               .permissions = world.permissions,
                               .inserter = world.inserter,
                               .focusReturn = focusReturn,
+                              .surfaces = surfaces,
+                              .systemTray = *systemTray,
                               .notifierHost = notifierHost,
                               .fileManager = fileManager,
                               .logFile = world.folder.path() / "Querlin.log",
@@ -33,6 +37,7 @@ struct MenuWorld : WindowsWorld {
     } fileManager;
     Published<std::optional<bool>> noPanel{false};
     int quits = 0;
+    std::unique_ptr<X11SystemTray> systemTray;
     std::unique_ptr<StatusItemController> item;
 };
 

@@ -5,6 +5,7 @@
 #include "support/QtApplication.h"
 
 #include "foundation/Waiting.h"
+#include "platform/x11/toolkit/X11Surfaces.h"
 #include "ui/brand/Brand.h"
 #include "ui/windows/WindowCoordinator.h"
 
@@ -57,6 +58,7 @@ struct WindowsWorld {
     LegalCorpus corpus{laws, world.time.runtime()};
     LegalUpdateService updates{world.settings, laws, corpus, portal, world.time.runtime()};
     SlowFocusReturn focusReturn{world.time};
+    X11Surfaces surfaces;
     std::vector<SetupFinding> findings = {{.name = "Mikrofon", .state = "da", .isFine = true}};
     WindowCoordinator windows{{.runtime = world.time.runtime(),
                                .settings = world.settings,
@@ -64,6 +66,7 @@ struct WindowsWorld {
                                .legalUpdates = updates,
                                .corpus = corpus,
                                .focusReturn = focusReturn,
+                               .surfaces = surfaces,
                                .findings = [this] { return findings; }}};
 };
 

@@ -51,7 +51,8 @@ QWidget* makeSeparator() {
 
 } // namespace
 
-CommandWindow::CommandWindow(std::function<void(MenuCommand)> perform) : perform_(std::move(perform)) {
+CommandWindow::CommandWindow(std::function<void(MenuCommand)> perform, Surfaces& surfaces) :
+    perform_(std::move(perform)), surfaces_(surfaces) {
     setWindowTitle(Brand::text(Brand::productName));
     setWindowIcon(BrandMark::windowIcon());
     auto* outer = new QVBoxLayout(this);
@@ -84,7 +85,7 @@ void CommandWindow::present() {
     isWished_ = true;
     if (!isVisible()) centreInFull();
     setAttribute(Qt::WA_ShowWithoutActivating, false);
-    bringToFront(*this);
+    bringToFront(*this, surfaces_);
 }
 
 void CommandWindow::offer() {

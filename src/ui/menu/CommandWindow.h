@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desktop/Surfaces.h"
 #include "ui/menu/StatusMenu.h"
 
 #include <functional>
@@ -19,7 +20,7 @@ namespace querlin {
 /// The arrow keys move between the commands. Main thread.
 class CommandWindow final : public QWidget {
 public:
-    explicit CommandWindow(std::function<void(MenuCommand)> perform);
+    CommandWindow(std::function<void(MenuCommand)> perform, Surfaces& surfaces);
 
     void setEntries(const std::vector<MenuEntry>& entries, std::string_view symbol);
     /// With a tray the window may be closed; without one, closing minimises it.
@@ -45,6 +46,7 @@ private:
     void addButton(const MenuEntry& entry);
 
     std::function<void(MenuCommand)> perform_;
+    Surfaces& surfaces_;
     std::vector<MenuEntry> entries_;
     std::string symbol_;
     QWidget* column_ = nullptr;

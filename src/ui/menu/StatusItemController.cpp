@@ -4,7 +4,6 @@
 #include "ui/brand/Brand.h"
 #include "ui/brand/Theme.h"
 #include "ui/menu/OpenFile.h"
-#include "ui/menu/SystemTrayWatch.h"
 
 #include <fmt/format.h>
 
@@ -17,8 +16,7 @@ constexpr auto trayPatience = std::chrono::seconds(3);
 
 } // namespace
 
-StatusItemController::StatusItemController(StatusItemSources sources) :
-    sources_(std::move(sources)), systemTray_(std::make_unique<SystemTrayWatch>([this] { lookAtTrays(); })) {
+StatusItemController::StatusItemController(StatusItemSources sources) : sources_(std::move(sources)) {
     subscribe();
     trayWent();
     lookAtTrays();
@@ -32,6 +30,7 @@ void StatusItemController::subscribe() {
             published.subscribe([this, react](const auto&) { (this->*react)(); }, FirstValue::Skip));
     };
     follow(sources_.notifierHost, &StatusItemController::lookAtTrays);
+    follow(sources_.systemTray.isThere(), &StatusItemController::lookAtTrays);
     follow(sources_.controller.phase(), &StatusItemController::showPhase);
     follow(sources_.controller.hotkeyBlocked(), &StatusItemController::rebuildMenu);
     follow(sources_.controller.lastInsertedText(), &StatusItemController::rebuildMenu);
@@ -43,7 +42,7 @@ void StatusItemController::subscribe() {
 // Tray or window
 
 void StatusItemController::lookAtTrays() {
-    const TrayHosts hosts{sources_.notifierHost.get(), systemTray_->isThere()};
+    const TrayHosts hosts{sources_.notifierHost.get(), sources_.systemTray.isThere().get()};
     if (!item_ && hosts.allowIcon()) {
         item_ = std::make_unique<StatusItem>([this](MenuCommand command) { perform(command); });
         showPhase();
@@ -77,7 +76,8 @@ void StatusItemController::trayWent() {
 
 CommandWindow& StatusItemController::window() {
     if (!window_) {
-        window_ = std::make_unique<CommandWindow>([this](MenuCommand command) { perform(command); });
+        window_ = std::make_unique<CommandWindow>([this](MenuCommand command) { perform(command); },
+                                                  sources_.surfaces);
         window_->setHasTray(hasTray_);
         rebuildMenu();
     }

@@ -3,6 +3,8 @@
 #include "desktop/FileManager.h"
 #include "desktop/FocusReturn.h"
 #include "desktop/Permissions.h"
+#include "desktop/Surfaces.h"
+#include "desktop/SystemTray.h"
 #include "desktop/TextInserter.h"
 #include "dictation/DictationController.h"
 #include "foundation/Published.h"
@@ -20,8 +22,6 @@
 
 namespace querlin {
 
-class SystemTrayWatch;
-
 /// What the commands act on. All of it outlives the controller of the menu.
 struct StatusItemSources {
     Runtime runtime;
@@ -32,6 +32,8 @@ struct StatusItemSources {
     PermissionsManager& permissions;
     TextInserter& inserter;
     FocusReturn& focusReturn;
+    Surfaces& surfaces;
+    SystemTray& systemTray;
     /// Whether a panel takes symbols over the session bus; nothing as long as nobody has answered.
     const Published<std::optional<bool>>& notifierHost;
     FileManager& fileManager;
@@ -68,7 +70,6 @@ private:
     bool hasTray_ = false;
     Registration patience_;
     std::vector<Registration> subscriptions_;
-    std::unique_ptr<SystemTrayWatch> systemTray_;
     TaskGroup tasks_;
 };
 

@@ -1,6 +1,5 @@
 #include "ui/overlay/FloatingPanel.h"
 
-#include "ui/display/Compositor.h"
 #include "ui/overlay/OverlayMetrics.h"
 
 #include <algorithm>
@@ -56,8 +55,9 @@ void paintShadow(QPainter& painter, const QRectF& shape, double radius) {
 
 } // namespace
 
-FloatingPanel::FloatingPanel(VisualEffectView* content, Behaviour behaviour, const QString& title) :
-    QWidget(nullptr, flagsFor(behaviour)), content_(content) {
+FloatingPanel::FloatingPanel(VisualEffectView* content, Behaviour behaviour, const QString& title,
+                             Surfaces& surfaces) :
+    QWidget(nullptr, flagsFor(behaviour)), surfaces_(surfaces), content_(content) {
     setWindowTitle(title);
     setAccessibleName(title);
     setAttribute(Qt::WA_ShowWithoutActivating);
@@ -111,7 +111,7 @@ void FloatingPanel::place() {
 }
 
 void FloatingPanel::adaptToCompositor() {
-    const bool composed = Compositor::isRunning();
+    const bool composed = surfaces_.areBlended();
     margin_ = composed ? shadowReach : 0;
     layout()->setContentsMargins(margin_, margin_, margin_, margin_);
     content_->setTranslucent(composed);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desktop/Surfaces.h"
 #include "ui/overlay/VisualEffectView.h"
 
 #include <cstdint>
@@ -22,7 +23,7 @@ public:
     };
 
     /// Takes ownership of the content. `title` is for window lists and screen readers.
-    FloatingPanel(VisualEffectView* content, Behaviour behaviour, const QString& title);
+    FloatingPanel(VisualEffectView* content, Behaviour behaviour, const QString& title, Surfaces& surfaces);
 
     /// Chooses screen and position anew.
     void positionAtBottomCenter();
@@ -39,6 +40,7 @@ private:
     void adaptToCompositor();
     const QPixmap& shadow();
 
+    Surfaces& surfaces_;
     VisualEffectView* content_;
     QRect screenArea_;
     /// Space around the content for the shadow.

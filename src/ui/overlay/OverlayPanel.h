@@ -7,8 +7,8 @@ namespace querlin {
 /// The window of the overlay.
 class OverlayPanel final : public FloatingPanel {
 public:
-    explicit OverlayPanel(VisualEffectView* content) :
-        FloatingPanel(content, Behaviour::onlyShows, QStringLiteral("Querlin Overlay")) {}
+    OverlayPanel(VisualEffectView* content, Surfaces& surfaces) :
+        FloatingPanel(content, Behaviour::onlyShows, QStringLiteral("Querlin Overlay"), surfaces) {}
 };
 
 } // namespace querlin

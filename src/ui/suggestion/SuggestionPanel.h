@@ -7,8 +7,8 @@ namespace querlin {
 /// A floating panel with buttons. It appears without the focus and gets it by a click only.
 class SuggestionPanel final : public FloatingPanel {
 public:
-    explicit SuggestionPanel(VisualEffectView* content) :
-        FloatingPanel(content, Behaviour::asks, QStringLiteral("Querlin Vorschlag")) {}
+    SuggestionPanel(VisualEffectView* content, Surfaces& surfaces) :
+        FloatingPanel(content, Behaviour::asks, QStringLiteral("Querlin Vorschlag"), surfaces) {}
 };
 
 } // namespace querlin

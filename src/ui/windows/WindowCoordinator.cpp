@@ -56,17 +56,20 @@ struct WindowCoordinator::Windows {
 
     /// Brings the window to the front, and makes it first if needed.
     template<class Window, class Make>
-    static void show(std::unique_ptr<Window>& window, const Frame& wanted, Make make) {
+    void show(std::unique_ptr<Window>& window, const Frame& wanted, Make make) {
         if (!window) {
             window = make();
             frame(*window, wanted);
         }
-        bringToFront(*window);
+        bringToFront(*window, surfaces);
     }
-    static void showComingLater(Pointer& window, const Frame& wanted, const std::string& text) {
+    void showComingLater(Pointer& window, const Frame& wanted, const std::string& text) {
         show(window, wanted, [&] { return std::make_unique<ComingLaterView>(text); });
     }
 
+    explicit Windows(Surfaces& ofServer) : surfaces(ofServer) {}
+
+    Surfaces& surfaces;
     Pointer settings;
     Pointer onboarding;
     Pointer about;
@@ -80,7 +83,7 @@ struct WindowCoordinator::Windows {
 };
 
 WindowCoordinator::WindowCoordinator(WindowSources sources) :
-    sources_(std::move(sources)), windows_(std::make_unique<Windows>()) {}
+    sources_(std::move(sources)), windows_(std::make_unique<Windows>(sources_.surfaces)) {}
 
 WindowCoordinator::~WindowCoordinator() = default;
 
@@ -94,16 +97,16 @@ void WindowCoordinator::setController(DictationController* controller) {
 // Windows
 
 void WindowCoordinator::showSettings(SettingsSection /*section*/) {
-    Windows::showComingLater(windows_->settings,
-                             {.title = ofProduct("{} – Einstellungen"), .size = {800, 580}},
-                             fmt::format("Die Einstellungen kommen mit der nächsten Version. Bis dahin "
-                                         "gelten die Vorgaben: gehalten wird {}, "
-                                         "geschrieben im Aktenstil.",
-                                         sources_.settings.hotkey.get().displayName()));
+    windows_->showComingLater(windows_->settings,
+                              {.title = ofProduct("{} – Einstellungen"), .size = {800, 580}},
+                              fmt::format("Die Einstellungen kommen mit der nächsten Version. Bis dahin "
+                                          "gelten die Vorgaben: gehalten wird {}, "
+                                          "geschrieben im Aktenstil.",
+                                          sources_.settings.hotkey.get().displayName()));
 }
 
 void WindowCoordinator::showOnboarding() {
-    Windows::show(windows_->onboarding, {.title = ofProduct("{} einrichten"), .size = {620, 720}}, [this] {
+    windows_->show(windows_->onboarding, {.title = ofProduct("{} einrichten"), .size = {620, 720}}, [this] {
         return std::make_unique<SetupView>(sources_.findings, [this] { finishOnboarding(); });
     });
 }
@@ -117,13 +120,13 @@ void WindowCoordinator::finishOnboarding() {
 }
 
 void WindowCoordinator::showAbout() {
-    Windows::showComingLater(
+    windows_->showComingLater(
         windows_->about, {.title = ofProduct("Über {}"), .size = {400, 320}},
         fmt::format("{} {}\n\nSprechen · Erkennen · Einfügen", Brand::productName, Product::version));
 }
 
 void WindowCoordinator::showLegalLookup() {
-    Windows::show(
+    windows_->show(
         windows_->legal,
         {.title = "Gesetze nachschlagen – BGB und FamFG", .size = {820, 520}, .isResizable = true}, [this] {
             return std::make_unique<LegalLookupView>(LegalLookupSources{.runtime = sources_.runtime,
@@ -137,21 +140,21 @@ void WindowCoordinator::showLegalLookup() {
 
 void WindowCoordinator::showHistory() {
     if (!controller_) return;
-    Windows::showComingLater(
+    windows_->showComingLater(
         windows_->history, {.title = "Diktatverlauf", .size = {780, 520}, .isResizable = true},
         "Das Fenster des Diktatverlaufs kommt mit der nächsten Version. Aufgezeichnet wird er "
         "schon: Was Sie diktieren, geht nicht verloren.");
 }
 
 void WindowCoordinator::showUpdateWindow() {
-    Windows::showComingLater(
+    windows_->showComingLater(
         windows_->update, {.title = ofProduct("{} aktualisieren"), .size = {460, 320}},
         "Die Suche nach neuen Versionen kommt mit der nächsten Version. Bis dahin kommen sie über "
         "die Paketverwaltung.");
 }
 
 void WindowCoordinator::showSuite() {
-    Windows::showComingLater(
+    windows_->showComingLater(
         windows_->suite, {.title = fmt::format("Die {} kennenlernen", Brand::suiteName), .size = {460, 360}},
         fmt::format("{} gehört zur {}: Werkzeuge für dieselbe Arbeit – alle auf dem eigenen Rechner. "
                     "Mehr darüber kommt mit der nächsten Version.",
@@ -159,14 +162,15 @@ void WindowCoordinator::showSuite() {
 }
 
 void WindowCoordinator::showComingLater(const std::string& title, const std::string& text) {
-    Windows::showComingLater(windows_->comingLater[title], {.title = title, .size = {460, 320}}, text);
+    windows_->showComingLater(windows_->comingLater[title], {.title = title, .size = {460, 320}}, text);
 }
 
 // Panels
 
 void WindowCoordinator::prepareOverlay() {
     if (!controller_ || windows_->overlay) return;
-    windows_->overlay = std::make_unique<OverlayPanel>(new OverlayView(*controller_, sources_.settings));
+    windows_->overlay =
+        std::make_unique<OverlayPanel>(new OverlayView(*controller_, sources_.settings), sources_.surfaces);
     windows_->overlay->positionAtBottomCenter();
     windows_->overlay->winId();
     windows_->overlay->grab(); // Loads the fonts and does the layout.
@@ -187,7 +191,7 @@ void WindowCoordinator::showCorrectionSuggestion(const CorrectionSuggestion& sug
     dismissSuggestion();
     auto* view = new CorrectionSuggestionView(
         suggestion, [this, suggestion] { accept(suggestion); }, [this] { dismissSuggestion(); });
-    windows_->suggestion = std::make_unique<SuggestionPanel>(view);
+    windows_->suggestion = std::make_unique<SuggestionPanel>(view, sources_.surfaces);
     windows_->suggestion->positionAtBottomCenter();
     windows_->suggestion->orderFront();
     suggestionTimeout_ = sources_.runtime.mainQueue.after(suggestionTime, [this] { dismissSuggestion(); });

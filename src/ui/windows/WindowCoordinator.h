@@ -1,6 +1,7 @@
 #pragma once
 
 #include "desktop/FocusReturn.h"
+#include "desktop/Surfaces.h"
 #include "dictation/DictationController.h"
 #include "dictation/DictationWindows.h"
 #include "foundation/Published.h"
@@ -41,6 +42,7 @@ struct WindowSources {
     LegalUpdateService& legalUpdates;
     LegalCorpus& corpus;
     FocusReturn& focusReturn;
+    Surfaces& surfaces;
     /// The current state of everything that the program needs.
     std::function<std::vector<SetupFinding>()> findings;
 };

@@ -1,5 +1,6 @@
 #include "ui/overlay/FloatingPanel.h"
 
+#include "platform/x11/toolkit/X11Surfaces.h"
 #include "support/Desktop.h"
 #include "support/QtApplication.h"
 #include "ui/overlay/OverlayMetrics.h"
@@ -66,11 +67,12 @@ protected:
     /// Of the panel on the desktop's one screen of 1280 x 800.
     const QPoint middle{640, 800 - OverlayMetrics::bottomInset - OverlayMetrics::compactHeight / 2};
     const QPoint corner{420, 800 - OverlayMetrics::bottomInset - OverlayMetrics::compactHeight};
+    X11Surfaces surfaces;
     std::optional<Program> editor;
 };
 
 TEST_F(FloatingPanelOnX11Test, the_overlay_takes_neither_focus_nor_clicks) {
-    FloatingPanel panel(new Block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"));
+    FloatingPanel panel(new Block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"), surfaces);
     ASSERT_TRUE(show(panel));
     EXPECT_EQ(activeWindow(), "Ziel");
 
@@ -83,7 +85,7 @@ TEST_F(FloatingPanelOnX11Test, the_overlay_takes_neither_focus_nor_clicks) {
 }
 
 TEST_F(FloatingPanelOnX11Test, the_overlay_is_above_a_window_that_fills_the_screen) {
-    FloatingPanel panel(new Block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"));
+    FloatingPanel panel(new Block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"), surfaces);
     QWidget slides;
     slides.setWindowTitle(QStringLiteral("Voll"));
     slides.setPalette(QPalette(Qt::yellow));
@@ -98,7 +100,7 @@ TEST_F(FloatingPanelOnX11Test, the_overlay_is_above_a_window_that_fills_the_scre
 
 /// What is outside of the rounded corner is what is behind the panel, and never black.
 TEST_F(FloatingPanelOnX11Test, corners_are_round_without_a_compositor) {
-    FloatingPanel panel(new Block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"));
+    FloatingPanel panel(new Block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"), surfaces);
     editor.reset();
     ASSERT_TRUE(show(panel));
     EXPECT_TRUE(until([this] { return onScreen(corner) == QColor(0, 255, 0); }));
@@ -108,7 +110,7 @@ TEST_F(FloatingPanelOnX11Test, corners_are_soft_with_a_compositor) {
     if (!isInstalled("picom")) GTEST_SKIP() << "picom is not installed";
     const Program compositor({"picom", "--backend", "xrender"});
     editor.reset();
-    FloatingPanel panel(new Block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"));
+    FloatingPanel panel(new Block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"), surfaces);
     ASSERT_TRUE(until([&] { return show(panel) && panel.width() > OverlayMetrics::width; })) << "room for the shadow";
     EXPECT_TRUE(until([this] { return onScreen(corner).saturation() < 20 && onScreen(corner).lightness() > 60; }))
         << "a shadow over the compositor's grey background";
@@ -116,7 +118,7 @@ TEST_F(FloatingPanelOnX11Test, corners_are_soft_with_a_compositor) {
 
 /// A question can be answered by a click and by the keyboard, but doesn't take the focus when it comes.
 TEST_F(FloatingPanelOnX11Test, a_question_gets_the_focus_by_a_click_only) {
-    FloatingPanel panel(new Block, FloatingPanel::Behaviour::asks, QStringLiteral("Frage"));
+    FloatingPanel panel(new Block, FloatingPanel::Behaviour::asks, QStringLiteral("Frage"), surfaces);
     ASSERT_TRUE(show(panel));
     EXPECT_EQ(activeWindow(), "Ziel");
     shell(fmt::format("xdotool mousemove {} {} click 1", middle.x(), middle.y()));

@@ -1,7 +1,7 @@
-#include "ui/menu/SystemTrayWatch.h"
+#include "platform/x11/toolkit/X11SystemTray.h"
 
+#include "platform/x11/toolkit/ToolkitConnection.h"
 #include "state/DiagnosticsLog.h"
-#include "ui/display/X11Display.h"
 
 #include <QCoreApplication>
 #include <fmt/format.h>
@@ -11,7 +11,7 @@ namespace querlin {
 
 namespace {
 
-using X11Display::ReplyPointer;
+using ToolkitConnection::ReplyPointer;
 
 /// Of the screen that the environment names (":0.1"); nearly always the first.
 int screenNumber() {
@@ -31,7 +31,7 @@ std::uint8_t followOwner(xcb_connection_t* connection, xcb_atom_t selection) {
         connection, xcb_xfixes_query_version(connection, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION),
         nullptr));
     if (!version) return 0;
-    xcb_xfixes_select_selection_input(connection, X11Display::rootWindow(connection), selection,
+    xcb_xfixes_select_selection_input(connection, ToolkitConnection::rootWindow(connection), selection,
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
@@ -41,35 +41,33 @@ std::uint8_t followOwner(xcb_connection_t* connection, xcb_atom_t selection) {
 
 } // namespace
 
-SystemTrayWatch::SystemTrayWatch(std::function<void()> changed) : changed_(std::move(changed)) {
-    auto* connection = X11Display::connection();
+X11SystemTray::X11SystemTray(MainQueue& queue) :
+    // The toolkit is in the middle of its events when it shows them.
+    publishSoon_(lifetime_.onMain(queue, [this](bool isThere) { isThere_.set(isThere); })) {
+    auto* connection = ToolkitConnection::get();
     if (!connection) return;
-    tellSoon_.setSingleShot(true);
-    tellSoon_.setInterval(0);
-    QObject::connect(&tellSoon_, &QTimer::timeout, &tellSoon_, [this] { changed_(); });
     const auto name = fmt::format("_NET_SYSTEM_TRAY_S{}", screenNumber());
-    selection_ = X11Display::atom(connection, name);
+    selection_ = ToolkitConnection::atom(connection, name);
     notification_ = followOwner(connection, selection_);
     if (notification_ == 0)
         DiagnosticsLog::note("menu", "Der Anzeigeserver meldet keine neuen Leisten (XFixes fehlt).");
-    isThere_ = X11Display::selectionOwner(connection, name) !=
-               XCB_WINDOW_NONE; // Asked last: no gap between the two.
+    // Asked last: no gap between the two.
+    isThere_.set(ToolkitConnection::selectionOwner(connection, name) != XCB_WINDOW_NONE);
     QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
-SystemTrayWatch::~SystemTrayWatch() {
+X11SystemTray::~X11SystemTray() {
     if (auto* application = QCoreApplication::instance()) application->removeNativeEventFilter(this);
 }
 
-bool SystemTrayWatch::nativeEventFilter(const QByteArray& eventType, void* message, qintptr* /*result*/) {
+bool X11SystemTray::nativeEventFilter(const QByteArray& eventType, void* message, qintptr* /*result*/) {
     constexpr int sentByAClient = 0x80;
     if (notification_ == 0 || eventType != "xcb_generic_event_t") return false;
     const auto* event = static_cast<const xcb_generic_event_t*>(message);
     if ((event->response_type & ~sentByAClient) != notification_) return false;
     const auto* change = static_cast<const xcb_xfixes_selection_notify_event_t*>(message);
     if (change->selection != selection_) return false;
-    isThere_ = change->owner != XCB_WINDOW_NONE;
-    tellSoon_.start(); // The toolkit is in the middle of its events.
+    publishSoon_(change->owner != XCB_WINDOW_NONE);
     return false;
 }
 

@@ -1,4 +1,4 @@
-#include "ui/display/X11Display.h"
+#include "platform/x11/toolkit/ToolkitConnection.h"
 
 #include <map>
 #include <string>
@@ -6,9 +6,9 @@
 #include <QGuiApplication>
 #include <qguiapplication_platform.h>
 
-namespace querlin::X11Display {
+namespace querlin::ToolkitConnection {
 
-xcb_connection_t* connection() {
+xcb_connection_t* get() {
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     return x11 ? x11->connection() : nullptr;
 }
@@ -34,4 +34,4 @@ xcb_window_t selectionOwner(xcb_connection_t* connection, std::string_view selec
     return reply ? reply->owner : xcb_window_t(XCB_WINDOW_NONE);
 }
 
-} // namespace querlin::X11Display
+} // namespace querlin::ToolkitConnection
