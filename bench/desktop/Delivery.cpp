@@ -25,6 +25,7 @@ constexpr double fixedWait = 0.050;
 class WatchedPasteKey final : public PasteKey {
 public:
     explicit WatchedPasteKey(MainQueue& queue) : key_(queue) {}
+    Task<> awaitFreeKeyboard() override { return key_.awaitFreeKeyboard(); }
     Task<bool> press(PasteShortcut shortcut) override {
         const bool pressed = co_await key_.press(shortcut);
         onPressed();

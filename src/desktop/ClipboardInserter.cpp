@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 
+#include <fmt/format.h>
+
 namespace querlin {
 
 namespace {
@@ -14,7 +16,7 @@ namespace {
 constexpr Duration beforeTheKey = std::chrono::milliseconds(50);
 constexpr Duration untilTheLook = std::chrono::milliseconds(250);
 constexpr Duration restoreDelay = std::chrono::milliseconds(550);
-/// Behind the key; a program that hasn't begun to read by then isn't waited for.
+/// After the key; a program that hasn't begun to read by then isn't waited for.
 constexpr Duration longestReading = std::chrono::seconds(2);
 constexpr Duration betweenLooks = std::chrono::milliseconds(10);
 
@@ -55,29 +57,31 @@ Task<std::expected<TextInserter::Outcome, InsertError>> ClipboardInserter::inser
     ClipboardSnapshot snapshot = co_await parts_.clipboard.capture();
     const auto offer = parts_.clipboard.writeText(text, ClipboardHistory::skip);
     co_await sleepFor(queue, beforeTheKey);
-    const auto readsBefore = offer->completedReads();
-    co_await parts_.pasteKey.press(target.shortcut);
+    co_await parts_.pasteKey.awaitFreeKeyboard();
+    const auto readsBefore = offer->completedReads(); // By clipboard managers and the like.
+    const bool isPressed = co_await parts_.pasteKey.press(target.shortcut);
+    if (!isPressed) co_return leftOnClipboard("Die Einfügetaste ließ sich nicht drücken");
     const auto key = parts_.runtime.clock.instant();
     co_await sleepFor(queue, untilTheLook);
 
     const auto outcome = compare(target);
-    if (outcome != Outcome::notInserted) {
-        co_await sleepFor(queue, restoreDelay - untilTheLook);
-        co_await letReadersFinish(*offer, readsBefore, key);
-    }
-    // Nobody who could have pasted it has asked for it.
-    const bool isUnread =
-        offer->isCurrent() && offer->completedReads() == readsBefore && !offer->isBeingRead();
-    if (outcome == Outcome::notInserted || (outcome == Outcome::unconfirmed && isUnread)) {
-        DiagnosticsLog::note("insert", "Einfügen nicht angekommen – Text bleibt in der Zwischenablage.");
-        co_return Outcome::notInserted;
-    }
+    if (outcome == Outcome::notInserted) co_return leftOnClipboard("Einfügen nicht angekommen");
+    co_await sleepFor(queue, restoreDelay - untilTheLook);
+    co_await letReadersFinish(*offer, readsBefore, key);
+    // Nobody who could have pasted it has taken it.
+    if (outcome == Outcome::unconfirmed && offer->completedReads() == readsBefore)
+        co_return leftOnClipboard("Einfügen nicht angekommen");
     if (offer->isCurrent()) {
         parts_.clipboard.write(std::move(snapshot));
     } else {
         DiagnosticsLog::note("insert", "Inzwischen wurde etwas kopiert – die Zwischenablage bleibt so.");
     }
     co_return outcome;
+}
+
+TextInserter::Outcome ClipboardInserter::leftOnClipboard(std::string_view reason) {
+    DiagnosticsLog::note("insert", fmt::format("{} – Text bleibt in der Zwischenablage.", reason));
+    return Outcome::notInserted;
 }
 
 TextInserter::Outcome ClipboardInserter::compare(const Target& target) {

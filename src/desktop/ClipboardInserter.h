@@ -23,9 +23,10 @@ struct ClipboardInserterParts {
 /// Inserts by way of the clipboard: saves what the user has there, puts the text there, presses the shortcut
 /// for pasting, looks whether the field has changed, and gives the user's clipboard back.
 ///
-/// What the user has copied is given up in two cases only: the field is as it was before, or there is no
-/// telling and nobody has asked for the text. Then the text stays on the clipboard, to be pasted by hand.
-/// What the user copies while the text is on the clipboard is respected.
+/// What the user has copied is given up in three cases only: the shortcut could not be pressed, the field is
+/// as it was before, or there is no telling and nobody has taken the text after the shortcut. Then the text
+/// stays on the clipboard, to be pasted by hand. Who reads before the shortcut, as clipboard managers do,
+/// proves nothing. What the user copies while the text is on the clipboard is respected.
 class ClipboardInserter final : public TextInserter {
 public:
     explicit ClipboardInserter(ClipboardInserterParts parts) : parts_(parts) {}
@@ -42,6 +43,7 @@ private:
     };
 
     Target look();
+    static Outcome leftOnClipboard(std::string_view reason);
     static Outcome compare(const Target& target);
     Task<> letReadersFinish(const ClipboardOffer& offer, std::uint64_t readsBefore, Instant key);
 

@@ -16,8 +16,10 @@ enum class PasteShortcut : std::uint8_t {
 class PasteKey {
 public:
     virtual ~PasteKey() = default;
-    /// Waits until no modifier key is held, which would make another shortcut of it, and presses and releases
-    /// the shortcut. False if keys can't be pressed here.
+    /// Waits until no modifier key is held, which would make another shortcut of it; a second at most.
+    virtual Task<> awaitFreeKeyboard() = 0;
+    /// Presses and releases the shortcut at once. False if that was not possible: nothing was pressed then,
+    /// as far as anybody knows.
     virtual Task<bool> press(PasteShortcut shortcut) = 0;
 };
 

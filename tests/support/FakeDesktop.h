@@ -122,6 +122,10 @@ public:
 
 class FakePasteKey final : public PasteKey {
 public:
+    Task<> awaitFreeKeyboard() override {
+        beforePress();
+        co_return;
+    }
     Task<bool> press(PasteShortcut shortcut) override {
         pressed.push_back(shortcut);
         if (works) onPress();
@@ -130,6 +134,7 @@ public:
 
     std::vector<PasteShortcut> pressed;
     bool works = true;
+    std::function<void()> beforePress = [] {};
     /// What the program in front does.
     std::function<void()> onPress = [] {};
 };

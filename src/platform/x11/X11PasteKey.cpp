@@ -17,7 +17,7 @@ namespace {
 constexpr Duration longestHold = std::chrono::seconds(1);
 constexpr Duration betweenLooks = std::chrono::milliseconds(5);
 /// A server that takes longer holds up the main thread.
-constexpr Duration longestAnswer = std::chrono::milliseconds(500);
+constexpr Duration longestAnswer = std::chrono::milliseconds(250);
 
 std::vector<std::uint32_t> keysymsOf(const xcb_get_keyboard_mapping_reply_t& reply) {
     const auto* first = xcb_get_keyboard_mapping_keysyms(&reply);
@@ -94,17 +94,20 @@ void X11PasteKey::send(const KeyChord& chord) const {
     for (const auto keyCode : chord.held | std::views::reverse) send(keyCode, false);
 }
 
+Task<> X11PasteKey::awaitFreeKeyboard() {
+    if (!connect()) co_return;
+    const auto before = map();
+    if (!before) co_return;
+    const auto modifiers = before->heldModifiers();
+    const auto deadline = std::chrono::steady_clock::now() + longestHold;
+    while (!heldAmong(modifiers).empty() && std::chrono::steady_clock::now() < deadline)
+        co_await sleepFor(queue_, betweenLooks);
+}
+
 Task<bool> X11PasteKey::press(PasteShortcut shortcut) {
     if (!connect()) co_return false;
-    const auto before = map();
-    const auto modifiers = before ? before->heldModifiers() : std::vector<std::uint8_t>();
-    const auto deadline = std::chrono::steady_clock::now() + longestHold;
-    auto held = heldAmong(modifiers);
-    while (!held.empty() && std::chrono::steady_clock::now() < deadline) {
-        co_await sleepFor(queue_, betweenLooks);
-        held = heldAmong(modifiers);
-    }
     const auto now = map(); // The layout may have been switched by the keys that were held.
+    const auto held = now ? heldAmong(now->heldModifiers()) : std::vector<std::uint8_t>();
     const auto chord = now ? pasteChord(*now, shortcut) : std::nullopt;
     if (!chord) {
         DiagnosticsLog::note("insert", "Auf dieser Tastatur ist keine Taste zum Einfügen zu finden.");
@@ -115,7 +118,7 @@ Task<bool> X11PasteKey::press(PasteShortcut shortcut) {
                              fmt::format("{} gehaltene Tasten wurden zum Einfügen gelöst.", held.size()));
     for (const auto keyCode : held) send(keyCode, false);
     send(*chord);
-    // An answer tells that the server has been through all of it.
+    // An answer means that the server has been through all of it.
     co_return connection_->reply(xcb_get_input_focus_reply, xcb_get_input_focus(connection_->get())) !=
         nullptr;
 }

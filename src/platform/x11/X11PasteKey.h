@@ -18,7 +18,8 @@ public:
     explicit X11PasteKey(MainQueue& queue, std::string display = {}) :
         queue_(queue), display_(std::move(display)) {}
 
-    /// Waits a second at most; what is still held then is released in the user's place.
+    Task<> awaitFreeKeyboard() override;
+    /// What is still held is released in the user's place.
     Task<bool> press(PasteShortcut shortcut) override;
 
 private:
