@@ -3,11 +3,9 @@
 #include "desktop/ClipboardInserter.h"
 #include "desktop/ContextDetector.h"
 #include "desktop/CorrectionWatcher.h"
-#include "desktop/HotkeyManager.h"
 #include "foundation/ThreadPool.h"
 #include "platform/atspi/AtspiAccessibility.h"
 #include "platform/x11/X11Clipboard.h"
-#include "platform/x11/X11HoldKey.h"
 #include "platform/x11/X11PasteKey.h"
 #include "platform/x11/X11Workspace.h"
 #include "support/CapturedLog.h"
@@ -161,23 +159,6 @@ TEST_F(InsertionTest, GivesALateTargetTheTextAndTheUserTheClipboard) {
     }
 }
 
-TEST_F(InsertionTest, WaitsTwoSecondsForATargetThatNeverReads) {
-    user.writeText("alt", ClipboardHistory::keep);
-    const auto target = open({QUERLIN_TARGET, "-1", (folder / "never").string()}, std::nullopt);
-    const auto begun = clock.instant();
-    EXPECT_EQ(insert("Diktat"), Outcome::notInserted) << "nobody has asked for the text";
-    EXPECT_LT(inSeconds(clock.instant() - begun), 4);
-    EXPECT_EQ(copiedText(), "Diktat");
-}
-
-TEST_F(InsertionTest, LeavesWhatTheUserCopiesMeanwhile) {
-    const auto target = open({QUERLIN_TARGET, "5", (folder / "text").string()}, std::nullopt);
-    const auto copies = loop.after(seconds(0.45), [this] { user.writeText("eben kopiert", ClipboardHistory::keep); });
-    EXPECT_EQ(insert("Diktat"), Outcome::unconfirmed);
-    EXPECT_EQ(contentOf(folder / "text"), "Diktat\n");
-    EXPECT_EQ(copiedText(), "eben kopiert");
-}
-
 TEST_F(InsertionTest, LosesNoneOfTwoHundredUnnoticed) {
     ClipboardInserter quick{{Runtime{hasty, clock, pool}, permissions, accessibility, workspace, clipboard, pasteKey}};
     const auto editor = open({"mousepad", "--disable-server"}, FieldKind::multiLine);
@@ -191,14 +172,6 @@ TEST_F(InsertionTest, LosesNoneOfTwoHundredUnnoticed) {
     EXPECT_GE(reported.size(), 190U) << "and hardly one is reported lost";
 }
 
-TEST_F(InsertionTest, LeavesTheTextOnTheClipboardWhereTheFieldStaysAsItIs) {
-    const auto dialog = open({"zenity", "--text-info", "--title=Nur lesen"}, std::nullopt);
-    serveUntil(loop, [&] { return fieldText().has_value(); }, std::chrono::seconds(5));
-    if (!fieldText()) GTEST_SKIP() << "this text view doesn't show its text";
-    EXPECT_EQ(insert("Diktat"), Outcome::notInserted);
-    EXPECT_EQ(copiedText(), "Diktat");
-}
-
 TEST_F(InsertionTest, UsesTheKeysOfATerminal) {
     const auto file = (folder / "typed").string();
     const auto terminal =
@@ -206,11 +179,6 @@ TEST_F(InsertionTest, UsesTheKeysOfATerminal) {
     (void)insert("Guten Tag");
     shell("xdotool key Return");
     EXPECT_TRUE(eventually([&] { return contentOf(file) == "Guten Tag\n"; })) << contentOf(file);
-}
-
-TEST_F(InsertionTest, RecognisesAPasswordDialog) {
-    const auto dialog = open({"zenity", "--password"}, FieldKind::secure);
-    EXPECT_EQ(fieldText(), std::nullopt);
 }
 
 TEST_F(InsertionTest, ProposesAWordThatIsCorrectedInARealEditor) {
@@ -224,24 +192,6 @@ TEST_F(InsertionTest, ProposesAWordThatIsCorrectedInARealEditor) {
     EXPECT_TRUE(serveUntil(loop, [&] { return !suggestions.empty(); })) << fieldText().value_or("");
     serve(loop, seconds(1));
     EXPECT_EQ(suggestions, std::vector<std::string>{"Meier→Mayer"});
-}
-
-TEST_F(InsertionTest, TheKeyReachesItsCallbackFromAnyProgram) {
-    X11HoldKey holdKey(loop);
-    HotkeyManager hotkey(loop, holdKey, permissions, HotkeyConfig(), "/opt/querlin");
-    std::string calls;
-    hotkey.setCallbacks([&] { calls += '+'; }, [&] { calls += '-'; }, [&] { calls += 'x'; });
-    ASSERT_TRUE(hotkey.start());
-    ASSERT_TRUE(serveUntil(loop, [&] { return holdKey.isReady(); }));
-    const auto editor = open({"mousepad", "--disable-server"}, FieldKind::multiLine);
-    shell("xdotool keydown 105");
-    EXPECT_TRUE(serveUntil(loop, [&] { return calls == "+"; }));
-    shell("setxkbmap us; sleep 1; xdotool key a; setxkbmap de");
-    shell("xdotool keyup 105");
-    EXPECT_TRUE(serveUntil(loop, [&] { return calls == "+-"; }));
-    EXPECT_EQ(insert("Text"), Outcome::inserted) << "the key leaves nothing behind";
-    shell("xdotool keydown 105 key a keyup 105");
-    EXPECT_TRUE(serveUntil(loop, [&] { return calls == "+-+x"; })) << "a shortcut: " << calls;
 }
 
 } // namespace

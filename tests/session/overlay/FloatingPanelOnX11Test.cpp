@@ -106,16 +106,6 @@ TEST_F(FloatingPanelOnX11Test, corners_are_round_without_a_compositor) {
     EXPECT_TRUE(until([this] { return onScreen(corner) == QColor(0, 255, 0); }));
 }
 
-TEST_F(FloatingPanelOnX11Test, corners_are_soft_with_a_compositor) {
-    if (!isInstalled("picom")) GTEST_SKIP() << "picom is not installed";
-    const Program compositor({"picom", "--backend", "xrender"});
-    editor.reset();
-    FloatingPanel panel(new Block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"), surfaces);
-    ASSERT_TRUE(until([&] { return show(panel) && panel.width() > OverlayMetrics::width; })) << "room for the shadow";
-    EXPECT_TRUE(until([this] { return onScreen(corner).saturation() < 20 && onScreen(corner).lightness() > 60; }))
-        << "a shadow over the compositor's grey background";
-}
-
 /// A question can be answered by a click and by the keyboard, but doesn't take the focus when it comes.
 TEST_F(FloatingPanelOnX11Test, a_question_gets_the_focus_by_a_click_only) {
     FloatingPanel panel(new Block, FloatingPanel::Behaviour::asks, QStringLiteral("Frage"), surfaces);

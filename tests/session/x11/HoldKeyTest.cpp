@@ -76,7 +76,7 @@ TEST_F(HoldKeyTest, HearsEachKeyThatCanBeChosen) {
           Row{modifier(ModifierKey::leftAlt), "key 108 key 64", "+-"}, Row{modifier(ModifierKey::fn), "key 151", "+-"},
           Row{modifier(ModifierKey::altGr), "keydown 108 key 24 keyup 108", "+o-"},
           Row{combo(ComboHotkey::altSpace), "key 65 keydown 64 keydown 65 keyup 64 keyup 65", "+-"},
-          Row{combo(ComboHotkey::superShiftD), "keydown 133 key 40 keydown 62 key 40 keyup 133 keyup 62", "+-"}}) {
+          Row{combo(ComboHotkey::superShiftD), "key super+shift+d", "+-"}}) {
         listen(holdKey, row.config);
         EXPECT_EQ(holdKey.boundKey(), row.config.displayName());
         shell(std::string("xdotool ") + row.keys);
@@ -112,16 +112,6 @@ TEST_F(HoldKeyTest, LosesNothingInAStorm) {
         wanted += i % 3 == 0 ? "+o-" : "+-";
     }
     EXPECT_TRUE(hears(wanted));
-}
-
-TEST_F(HoldKeyTest, AKeyThatIsHeldAlreadyIsNoPress) {
-    const Keys keys;
-    keys.send(altGr, true);
-    listen(holdKey);
-    keys.tap(space);
-    keys.send(altGr, false);
-    keys.tap(altGr);
-    EXPECT_TRUE(hears("+-")) << heard;
 }
 
 TEST_F(HoldKeyTest, MayEndWithinItsOwnCallAndIsSilentThen) {
