@@ -26,9 +26,9 @@ std::string littleEndian(std::size_t value, int bytes) {
 /// A ZIP archive of one file (PKWARE APPNOTE).
 std::string archiveOf(std::string_view name, std::string_view content) {
     const auto packed = RawDeflate::deflate(content);
-    const auto common = littleEndian(20, 2) + littleEndian(0, 2) + littleEndian(8, 2) + std::string(8, '\0') +
-                        littleEndian(packed.size(), 4) + littleEndian(content.size(), 4) +
-                        littleEndian(name.size(), 2) + littleEndian(0, 2);
+    const auto common = littleEndian(20, 2) + littleEndian(0, 2) + littleEndian(8, 2) + std::string(4, '\0') +
+                        littleEndian(RawDeflate::crc32(content), 4) + littleEndian(packed.size(), 4) +
+                        littleEndian(content.size(), 4) + littleEndian(name.size(), 2) + littleEndian(0, 2);
     auto bytes = "PK\x03\x04" + common + std::string(name) + packed;
     const auto directory = bytes.size();
     bytes += "PK\x01\x02" + littleEndian(20, 2) + common + std::string(14, '\0') + std::string(name);
