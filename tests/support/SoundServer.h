@@ -4,14 +4,15 @@
 #include "support/TempFolder.h"
 
 #include <map>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include <sys/types.h>
-
 namespace querlin {
+
+class Program;
 
 /// A PulseAudio of its own, apart from any other on the machine, with microphones that hear what is played
 /// into them: sample for sample, as long as rate and channels are the same. Gone with all it has at the end.
@@ -28,7 +29,7 @@ public:
     /// Where clients find it.
     std::string address() const;
 
-    /// `places` of the channels in the room are told as the server names them; empty for the usual ones.
+    /// `places` of the channels in the room are given as the server names them; empty for the usual ones.
     void addMicrophone(std::string name, AudioFormat format = {48000, 1}, std::string_view description = "Mikrofon",
                        std::string_view places = {});
     /// An output with its monitor, and no microphone.
@@ -46,11 +47,13 @@ public:
     void resume();
 
 private:
+    /// The number of the module.
+    std::string load(const std::string& module) const;
     std::string control(const std::string& command) const;
     std::string client(std::string_view program) const;
 
     TempFolder folder_;
-    pid_t process_ = -1;
+    std::unique_ptr<Program> process_;                        ///< before its folder
     std::map<std::string, std::vector<std::string>> modules_; ///< of each microphone and loudspeaker
 };
 

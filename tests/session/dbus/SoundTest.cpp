@@ -1,5 +1,3 @@
-#include "Buses.h"
-
 #include "platform/pulse/PulseSoundPlayer.h"
 #include "support/CapturedLog.h"
 #include "support/Desktop.h"
@@ -56,29 +54,19 @@ private:
          "exec parec --device=lautsprecher.monitor --raw --format=s16le --rate=48000 --channels=1 --latency-msec=10 > " + file_.string()}};
 };
 
-TEST(PulseSoundPlayer, EachSoundIsHeard) {
+TEST(PulseSoundPlayer, EachSoundIsHeardAndTwoAtOnceTogether) {
     PulseSoundPlayer player(QUERLIN_SOUNDS);
     const Listener listener;
-    struct Row {
-        FeedbackSound sound;
-        int leastMilliseconds; ///< of which each has sound in it
-    };
     int heard = 0;
-    for (const auto& row : {Row{start, 120}, Row{success, 80}, Row{failure, 280}}) {
-        player.play(row.sound);
-        EXPECT_TRUE(eventually([&] { return listener.loudMilliseconds() > heard + row.leastMilliseconds; }))
-            << static_cast<int>(row.sound) << ": " << listener.loudMilliseconds() - heard;
+    for (const auto& [sound, leastMilliseconds] : {std::pair(start, 120), std::pair(success, 80), std::pair(failure, 280)}) {
+        player.play(sound);
+        EXPECT_TRUE(eventually([&] { return listener.loudMilliseconds() > heard + leastMilliseconds; }))
+            << static_cast<int>(sound) << ": " << listener.loudMilliseconds() - heard;
         heard = listener.loudMilliseconds();
     }
-}
-
-TEST(PulseSoundPlayer, TwoAtOnceAreHeardTogether) {
-    const Listener listener;
-    PulseSoundPlayer player(QUERLIN_SOUNDS);
-    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_LT(listener.loudest(), 0.35);
     player.play(failure);
     player.play(failure);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(20));
     EXPECT_TRUE(eventually([&] { return listener.loudest() > 0.35; })) << "the same sound twice as loud";
 }
 
@@ -105,7 +93,6 @@ TEST(PulseSoundPlayer, PlaysAsASoundOfAnEvent) {
 
 TEST(PulseSoundPlayer, WithoutAServerThereIsSilenceUntilThereIsOne) {
     const CapturedLog log;
-    const OwnBus noBus("DBUS_SESSION_BUS_ADDRESS"); // The desktop's server has its name on the desktop's.
     SoundServer server;
     server.addLoudspeaker("anderer");
     server.pause();
