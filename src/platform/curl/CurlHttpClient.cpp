@@ -39,7 +39,7 @@ struct ErrorText {
     std::string_view text;
 };
 
-/// What users meet; the rest is told in curl's own words.
+/// What users meet; the rest is reported in curl's own words.
 constexpr std::array errorTexts = {
     ErrorText{CURLE_COULDNT_RESOLVE_HOST, "Der Server wurde nicht gefunden."},
     ErrorText{CURLE_COULDNT_RESOLVE_PROXY, "Der Proxy-Server wurde nicht gefunden."},
@@ -131,7 +131,7 @@ std::size_t receiveHeader(const char*, std::size_t, std::size_t count, void* use
     transfer.headersInBytes += count;
     if (transfer.headersInBytes > largestHeadersInBytes) return CURL_WRITEFUNC_ERROR;
     if (!transfer.isHttpsOnly && isHttps(transfer.effectiveAddress())) {
-        // Also behind a redirect that went up from http.
+        // Also after a redirect that went up from http.
         transfer.isHttpsOnly = true;
         const auto result = transfer.curl.easySetopt(transfer.handle, CURLOPT_REDIR_PROTOCOLS_STR, "https");
         if (result != CURLE_OK) return CURL_WRITEFUNC_ERROR;
@@ -139,7 +139,7 @@ std::size_t receiveHeader(const char*, std::size_t, std::size_t count, void* use
     return count;
 }
 
-/// Tells curl what is wanted.
+/// Sets the options of a transfer.
 CURLcode prepare(Transfer& transfer) {
     const auto& request = transfer.order.request;
     CURLcode result = transfer.handle ? CURLE_OK : CURLE_OUT_OF_MEMORY;

@@ -5,7 +5,8 @@
 namespace querlin {
 
 /// What is used of libcurl, each function by its own name. The library is loaded when the first request is
-/// made: with all that it depends on it would take a quarter of the time to the program's first picture.
+/// made: linked plainly, with all that it depends on, it would more than double the time to the program's
+/// icon.
 struct CurlLibrary {
     /// Loads and initialises the library, once for the process; nothing if it isn't here or won't start. Any
     /// thread; whoever comes second waits for the first.

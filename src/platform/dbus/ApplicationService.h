@@ -14,7 +14,7 @@ namespace querlin {
 class DBusThread;
 
 /// The program's name on the session bus, and org.freedesktop.Application (freedesktop.org, Desktop
-/// Entry 1.5, D-Bus Activation) behind it: who starts the program again reaches the one that runs. Main
+/// Entry 1.5, D-Bus Activation) at that name: who starts the program again reaches the one that runs. Main
 /// thread.
 class ApplicationService {
 public:

@@ -44,12 +44,12 @@ public:
             [this](sd_bus_message* signal) {
                 if (portal_.hasSent(signal) && BusCalls::readText(signal) == appearance &&
                     BusCalls::readText(signal) == key)
-                    tell(signal);
+                    report(signal);
             });
         const auto question = BusCalls::message(
             bus, {portal, "/org/freedesktop/portal/desktop", settings, "Read"}, "ss", appearance, key);
         asking_ = BusCalls::send(bus, question, std::chrono::seconds(25), [this](sd_bus_message* answer) {
-            if (BusCalls::errorName(answer).empty()) tell(answer);
+            if (BusCalls::errorName(answer).empty()) report(answer);
         });
     }
 
@@ -61,7 +61,7 @@ public:
     }
 
 private:
-    void tell(sd_bus_message* message) {
+    void report(sd_bus_message* message) {
         constexpr std::uint32_t prefersDark = 1;
         if (const auto scheme = readNumber(message)) changed_(*scheme == prefersDark);
     }

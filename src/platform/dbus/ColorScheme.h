@@ -11,7 +11,7 @@ namespace querlin {
 
 class DBusThread;
 
-/// Whether the user wants dark surfaces, as the desktop's portal tells (org.freedesktop.appearance,
+/// Whether the user wants dark surfaces, as the desktop's portal reports it (org.freedesktop.appearance,
 /// color-scheme). A desktop without the portal says nothing. Main thread.
 class ColorScheme {
 public:

@@ -12,8 +12,8 @@ class DBusThread;
 class NotificationClient;
 
 /// The notifications that the desktop shows, by org.freedesktop.Notifications. Texts may hold anything. A
-/// desktop without the service is noted once; each notification that it misses is told by its failure, also
-/// one that the service doesn't answer in time. Calls return at once, from any thread; answers come on the
+/// desktop without the service is noted once; for each notification that is not shown its failure is called,
+/// also when the service doesn't answer in time. Calls return at once, from any thread; answers come on the
 /// buses' thread, and none after the end.
 class DesktopNotifications final : public NotificationService {
 public:

@@ -14,11 +14,11 @@ namespace querlin {
 class DBusThread;
 
 /// Sleep, shutdown, lock and the end of our own login, from the login service and the screen savers. A
-/// shutdown is told as the end of the login. While somebody observes, sleep and shutdown wait for the hold
-/// that comes with the signal, if the login service allows it: it waits five seconds, as a rule.
+/// shutdown is reported as the end of the login. While somebody observes, sleep and shutdown wait for the
+/// hold that comes with the signal, if the login service allows it: it waits five seconds, as a rule.
 ///
-/// One event is told once, and an observer isn't told of what was before it. Without a bus there are no
-/// signals until it is back. Main thread.
+/// One event is reported once, and an observer hears nothing of what was before it. Without a bus there are
+/// no signals until it is back. Main thread.
 class DesktopSignals final : public SystemSignals {
 public:
     /// Both outlive this.

@@ -23,18 +23,18 @@ constexpr std::string_view sessionInterface = "org.freedesktop.login1.Session";
 /// started belongs to no session by its process; "auto" is then the one on the screen.
 constexpr std::size_t countOfWays = 3;
 
-BusMessage questionForSession(sd_bus* bus, std::size_t way, const std::string& toldByEnvironment) {
+BusMessage questionForSession(sd_bus* bus, std::size_t way, const std::string& nameInEnvironment) {
     const auto ask = [bus](const char* member, const char* types, auto argument) {
         return BusCalls::message(bus, {serviceName, managerPath, managerInterface, member}, types, argument);
     };
     if (way == 0) return ask("GetSessionByPID", "u", static_cast<std::uint32_t>(::getpid()));
     return ask("GetSession", "s",
-               way == 1 && !toldByEnvironment.empty() ? toldByEnvironment.c_str() : "auto");
+               way == 1 && !nameInEnvironment.empty() ? nameInEnvironment.c_str() : "auto");
 }
 
 std::string sessionInEnvironment() {
-    const char* told = std::getenv("XDG_SESSION_ID"); // NOLINT(concurrency-mt-unsafe): on the main thread
-    return told ? told : "";
+    const char* name = std::getenv("XDG_SESSION_ID"); // NOLINT(concurrency-mt-unsafe): on the main thread
+    return name ? name : "";
 }
 
 std::string signalRule(std::string_view path, std::string_view interface, std::string_view member) {
@@ -46,7 +46,7 @@ std::string signalRule(std::string_view path, std::string_view interface, std::s
 
 LoginWatch::LoginWatch(Listener listener) :
     listener_(std::move(listener)),
-    toldByEnvironment_(sessionInEnvironment()),
+    nameInEnvironment_(sessionInEnvironment()),
     service_(serviceName, [this] { ownerChanged(); }) {}
 
 void LoginWatch::connected(sd_bus* bus) {
@@ -111,7 +111,7 @@ void LoginWatch::prepare(sd_bus_message* signal, DelayInhibitor& inhibitor, Syst
 
 void LoginWatch::findSession(std::size_t way) {
     asking_ = BusCalls::send(
-        bus_, questionForSession(bus_, way, toldByEnvironment_), longestWait,
+        bus_, questionForSession(bus_, way, nameInEnvironment_), longestWait,
         [this, way](sd_bus_message* answer) {
             if (BusCalls::errorName(answer).empty()) {
                 watchSession(BusCalls::readText(answer));

@@ -10,9 +10,9 @@
 
 namespace querlin {
 
-/// What the login service tells: sleep and shutdown of the machine, lock and end of our own login. While it
-/// is asked to, it makes the machine wait. The buses' thread, but for its making, which reads the
-/// environment.
+/// What the login service reports: sleep and shutdown of the machine, lock and end of our own login. While it
+/// is asked to, it makes the machine wait. The buses' thread, except for the constructor, which reads the
+/// environment on the main thread.
 class LoginWatch {
 public:
     struct Listener {
@@ -36,7 +36,7 @@ private:
     void propertiesChanged(sd_bus_message* signal) const;
 
     Listener listener_;
-    std::string toldByEnvironment_; ///< our session's name
+    std::string nameInEnvironment_; ///< our session's name
     NameOwner service_;
     sd_bus* bus_ = nullptr;
     bool isHolding_ = false;

@@ -7,8 +7,8 @@
 
 namespace querlin {
 
-/// Follows who owns a well-known name of a bus, and so tells signals of that service from ones that somebody
-/// else sends under its interface. The buses' thread.
+/// Follows who owns a well-known name of a bus, so that signals of that service can be told from those that
+/// somebody else sends under its interface. The buses' thread.
 class NameOwner {
 public:
     /// `changed` is called when an owner is known, when it has gone, and once for a name without an owner.

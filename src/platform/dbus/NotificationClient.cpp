@@ -69,7 +69,8 @@ void NotificationClient::lost(BusKind kind) {
     while (!pending_.empty()) fail(pending_.begin()->first, std::string(noBus));
 }
 
-/// At the end nobody is told any more; what still waits for the abilities is sent as most services read it.
+/// At the end no failure is reported any more; what still waits for the abilities is sent as most services
+/// read it.
 void NotificationClient::leaving() {
     if (!abilities_) abilities_ = {.readsMarkup = true, .makesSound = true};
     sendAll();

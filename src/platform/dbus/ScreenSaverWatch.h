@@ -8,11 +8,11 @@
 
 namespace querlin {
 
-/// The desktops' screen savers: each has a name of its own and tells alike that it has come up or gone. The
-/// buses' thread.
+/// The desktops' screen savers: each has a name of its own, and all report in the same way that they have
+/// come up or gone. The buses' thread.
 class ScreenSaverWatch {
 public:
-    /// `changed` is told whether the screen is covered now.
+    /// `changed` is called with whether the screen is covered now.
     explicit ScreenSaverWatch(std::function<void(bool)> changed);
 
     void connected(sd_bus* bus);

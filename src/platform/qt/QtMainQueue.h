@@ -6,7 +6,7 @@
 
 namespace querlin {
 
-/// The main queue on the toolkit's event loop. Made on the main thread behind the application object, and
+/// The main queue on the toolkit's event loop. Made on the main thread after the application object, and
 /// gone before it; what waits then is dropped.
 class QtMainQueue final : public MainQueue {
 public:
