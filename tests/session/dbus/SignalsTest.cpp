@@ -1,6 +1,7 @@
 #include "Buses.h"
 
 #include "foundation/RunLoop.h"
+#include "platform/dbus/BusFileManager.h"
 #include "platform/dbus/DBusThread.h"
 #include "platform/dbus/DesktopSignals.h"
 #include "platform/dbus/SignalEchoes.h"
@@ -150,6 +151,20 @@ TEST(DesktopSignals, WithoutBusesThereIsNothingToWaitFor) {
     }
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
     EXPECT_EQ(log.lines().size(), 2U);
+}
+
+TEST(BusFileManager, AMissingOneIsReported) {
+    OwnBus session("DBUS_SESSION_BUS_ADDRESS");
+    session.start();
+    RunLoop loop;
+    DBusThread buses{soon};
+    BusFileManager files(loop, buses);
+    int failures = 0;
+    files.show("file:///etc/hosts", [&] { ++failures; });
+    EXPECT_TRUE(serveUntil(loop, [&] { return failures == 1; }));
+    session.kill();
+    files.show("file:///etc/hosts", [&] { ++failures; });
+    EXPECT_TRUE(serveUntil(loop, [&] { return failures == 2; }));
 }
 
 TEST(SignalEchoes, AreTheSameWithinTwoSecondsUnlessForgotten) {
