@@ -23,9 +23,12 @@ public:
     Task<bool> giveBack() override {
         ++wishes;
         co_await sleepFor(queue_, seconds(0.1));
-        co_return true;
+        if (isThere && window) window->hide(); // Another one has the focus now.
+        co_return isThere;
     }
     int wishes = 0;
+    bool isThere = true;
+    QWidget* window = nullptr;
 
 private:
     MainQueue& queue_;

@@ -28,7 +28,7 @@ LegalLookupView::LegalLookupView(LegalLookupSources sources) :
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(new TwoPanes(left_, makeRight(), leftWidth));
-    setController(sources.controller);
+    endInsertion();
     subscribe();
 }
 
@@ -57,11 +57,6 @@ void LegalLookupView::subscribe() {
     keep(search_.copied().subscribe([this](bool isCopied) { section_->setCopied(isCopied); }));
     keep(sources_.updates.stage.subscribe([this](const auto& stage) { stageChanged(stage); },
                                           FirstValue::Skip));
-}
-
-void LegalLookupView::setController(DictationController* controller) {
-    sources_.controller = controller;
-    section_->setCanInsert(controller != nullptr && !isInserting_);
 }
 
 void LegalLookupView::showSelection() {
@@ -95,7 +90,7 @@ Task<> LegalLookupView::insert(std::string text) {
         co_await sleepFor(sources_.runtime.mainQueue, betweenLooks);
     }
     endInsertion();
-    if (isGivenBack && !isActiveWindow() && sources_.controller) {
+    if (isGivenBack && !isActiveWindow()) {
         sources_.controller->insertLegalText(std::move(text));
     } else {
         copy(text);

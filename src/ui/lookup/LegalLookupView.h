@@ -15,8 +15,8 @@
 
 namespace querlin {
 
-/// What the lookup window works with. All of it outlives the window, except the controller, which may be
-/// null.
+/// What the lookup window works with. All of it outlives the window. Without a controller nothing can be
+/// inserted.
 struct LegalLookupSources {
     Runtime runtime;
     AppSettings& settings;
@@ -30,9 +30,6 @@ struct LegalLookupSources {
 class LegalLookupView final : public QWidget {
 public:
     explicit LegalLookupView(LegalLookupSources sources);
-
-    /// With a null controller nothing can be inserted.
-    void setController(DictationController* controller);
 
 protected:
     void showEvent(QShowEvent* event) override;
