@@ -32,7 +32,7 @@ private:
     pid_t id_ = -1;
 };
 
-/// What a command of the shell prints, without line ends behind it; empty where it fails.
+/// The output of a shell command without trailing line ends; empty if it fails.
 std::string shell(const std::string& command);
 bool isInstalled(const std::string& program);
 

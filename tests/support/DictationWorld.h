@@ -85,7 +85,7 @@ public:
     std::string compactAddresses(std::string_view text, URLFormatting::AddressTest test) override;
 
     bool marks = true;
-    /// A stage that breaks in a way nobody expects.
+    /// A stage that throws.
     bool lawStageThrows = false;
 
 private:

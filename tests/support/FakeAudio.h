@@ -12,7 +12,7 @@
 
 namespace querlin {
 
-/// A machine with one microphone, "Headset", and engines that do as they are told.
+/// A machine with one microphone, "Headset", and scripted engines.
 class FakeAudioHardware final : public AudioHardware {
 public:
     class Engine;
@@ -21,7 +21,7 @@ public:
     std::uint32_t defaultInput() override { return standard; }
     std::unique_ptr<AudioEngine> makeEngine() override;
 
-    /// A buffer for whoever listens, as from the audio thread.
+    /// Delivers a buffer, as from the audio thread.
     void deliver(std::span<const float> samples);
     /// The hardware changes: from now on inputs have this format, and the engines stop.
     void change(AudioFormat newFormat);

@@ -6,8 +6,8 @@
 
 namespace querlin {
 
-/// Runs a program in a child process, kills it `delay` after it has told `sign` on its standard output, and
-/// gives all that it had told by then.
+/// Runs a program in a child process, kills it `delay` after it has printed `sign`, and returns its whole
+/// output.
 std::string killedAfter(char sign, std::vector<std::string> command, std::chrono::microseconds delay);
 
 } // namespace querlin

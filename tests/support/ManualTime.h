@@ -10,7 +10,7 @@
 namespace querlin {
 
 /// Main queue, clock and background pool in one, on the test's own thread: nothing happens by itself,
-/// and time moves when it is told to.
+/// and time moves by `advance`.
 class ManualTime final : public MainQueue, public Clock, public Executor {
 public:
     void post(Work work) override;

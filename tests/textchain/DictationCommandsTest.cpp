@@ -1,6 +1,6 @@
 #include "textchain/DictationCommands.h"
 
-#include <gtest/gtest.h>
+#include "Rows.h"
 
 namespace querlin {
 namespace {
@@ -8,18 +8,8 @@ namespace {
 using DictationCommands::Mode;
 using Names = std::vector<std::string>;
 
-struct Row {
-    const char* spoken;
-    const char* written;
-    const char* reason;
-};
-
 void expectAll(Mode mode, const std::vector<Row>& rows) {
-    for (const auto& [spoken, written, reason] : rows) {
-        const auto outcome = DictationCommands::apply(spoken, mode);
-        EXPECT_EQ(outcome.text, written) << reason;
-        EXPECT_FALSE(outcome.discardedEverything) << reason;
-    }
+    querlin::expectAll([mode](const std::string& text) { return DictationCommands::apply(text, mode).text; }, rows);
 }
 
 TEST(DictationCommands, WriteMarksAndLayout) {

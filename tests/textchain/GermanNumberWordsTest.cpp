@@ -48,7 +48,7 @@ TEST(GermanNumberWords, ReadsSpeltAndSpokenVariantsAndNothingElse) {
 }
 
 TEST(GermanNumberWords, TakesAMegabyteInOneWord) {
-    // Scale words one behind the other are a sum; nothing else of this kind is a number.
+    // A sequence of scale words is a sum; nothing else of this kind is a number.
     const std::vector<std::pair<std::string_view, bool>> rows = {
         {"tausend", true}, {"hundert", true}, {"und", false}, {"einund", false}, {"ß", false}};
     for (const auto& [part, isNumber] : rows) {

@@ -2,6 +2,9 @@
 
 #include "textchain/TextStages.h"
 
+#include "Rows.h"
+#include "support/Laws.h"
+
 #include <gtest/gtest.h>
 
 namespace querlin {
@@ -24,14 +27,6 @@ public:
     }
 
 private:
-    static LegalSection sectionOf(const char* id, const char* title, const char* text) {
-        LegalSection section;
-        section.id = id;
-        section.label = std::string("§ ") + id;
-        section.title = title;
-        section.text = text;
-        return section;
-    }
     std::vector<LegalHit> hits_ = {
         {"BGB", sectionOf("1814", "Voraussetzungen", "(1) Erster.\n\n(2) Zweiter\n1.Punkt,\n2.Punkt.\n\n(2a) Dazu.\n\n (3) Dritter.")},
         {"BGB", sectionOf("5", "Titel", "Ohne Absatz.")},
@@ -45,7 +40,7 @@ TEST(LawInsertion, PutsTheWordingInThePlaceOfTheCommand) {
     const std::string whole = "(1) Erster.\n\n(2) Zweiter\n1.Punkt,\n2.Punkt.\n\n(2a) Dazu.\n\n (3) Dritter.";
     const std::string second = "§ 1814 Abs. 2 BGB – Voraussetzungen\n(2) Zweiter\n1.Punkt,\n2.Punkt.\n\n(2a) Dazu.";
     const std::string bgb = "§ 1814 BGB – Voraussetzungen\n" + whole;
-    const std::vector<std::tuple<std::string, std::string, const char*>> rows = {
+    const std::vector<Row> rows = {
         {"füge Paragraph 1814 BGB ein.", bgb + ".", "the plain form keeps its mark"},
         {"Hier: Füge § 1814 Absatz 2 BGB ein, bitte.", "Hier: " + second + ", bitte.", "down to the Absatz, with (2a)"},
         {"Füge § 1814 Absatz 2 ein", second, "from the first law that has it"},
@@ -66,8 +61,7 @@ TEST(LawInsertion, PutsTheWordingInThePlaceOfTheCommand) {
         {"fünf einfügen", "fünf einfügen", "a number alone is no command"},
         {"füge Paragraph 99999 BGB ein", "füge Paragraph 99999 BGB ein", "what can't be served stays"},
         {"füge den Paragraph 5 BGB ein", "füge den Paragraph 5 BGB ein", "a word between"}};
-    for (const auto& [spoken, written, reason] : rows)
-        EXPECT_EQ(SpokenLawReference::applyInsertCommands(spoken, laws), written) << spoken << ": " << reason;
+    expectAll([&laws](const std::string& spoken) { return SpokenLawReference::applyInsertCommands(spoken, laws); }, rows);
 }
 
 TEST(LawInsertion, IsFollowedByTheCitations) {

@@ -1,19 +1,11 @@
 #include "textchain/SpokenLawReference.h"
 
-#include <gtest/gtest.h>
+#include "Rows.h"
 
 namespace querlin {
 namespace {
 
-struct Row {
-    const char* spoken;
-    const char* written;
-    const char* reason;
-};
-
-void expectAll(const std::vector<Row>& rows) {
-    for (const auto& [spoken, written, reason] : rows) EXPECT_EQ(SpokenLawReference::normalizeReferences(spoken), written) << reason;
-}
+void expectAll(const std::vector<Row>& rows) { querlin::expectAll(SpokenLawReference::normalizeReferences, rows); }
 
 TEST(SpokenLawReference, WritesCitations) {
     expectAll(

@@ -6,21 +6,10 @@
 #include "textchain/Transcript.h"
 #include "textchain/URLFormatting.h"
 
-#include <gtest/gtest.h>
+#include "Rows.h"
 
 namespace querlin {
 namespace {
-
-struct Row {
-    std::string text;
-    std::string expected;
-    const char* reason;
-};
-
-template<class Stage>
-void expectAll(Stage stage, const std::vector<Row>& rows) {
-    for (const auto& [text, expected, reason] : rows) EXPECT_EQ(stage(text), expected) << reason;
-}
 
 TEST(Transcript, ComesInOneForm) {
     expectAll(normalizedTranscript, {{"U\u0308ber o\u0308", "Über ö", "composed"},

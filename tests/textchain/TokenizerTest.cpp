@@ -1,8 +1,5 @@
 #include "textchain/Tokenizer.h"
 
-#include <random>
-#include <sstream>
-
 #include <gtest/gtest.h>
 
 namespace querlin {
@@ -27,19 +24,9 @@ TEST(Tokenizer, SplitsIntoRawAndNormalized) {
 }
 
 TEST(Tokenizer, JoinsWhatItSplitAndPartsWhatAStageMade) {
-    std::istringstream parted("a|Ö|,|.|(|„| |  |\n|\r\n|\t|\u00A0|\u2028|\u0308|👩‍⚖️|§|\xFF|–");
-    std::vector<std::string> pieces;
-    for (std::string piece; std::getline(parted, piece, '|');) pieces.push_back(piece);
-    std::mt19937 random(3);
-    for (int round = 0; round < 5000; ++round) {
-        std::string text;
-        for (int i = 0; i < 12; ++i) text += pieces[std::uniform_int_distribution<std::size_t>(0, pieces.size() - 1)(random)];
-        const Tokenizer::Split split(text);
-        ASSERT_EQ(Tokenizer::join(split.tokens()), text);
-    }
     const Token made{"§ 1814 BGB", ""};
     EXPECT_EQ(Tokenizer::join(Tokens{{"siehe", "siehe"}, made, {", ja", "ja"}}), "siehe § 1814 BGB, ja");
-    EXPECT_EQ(Tokenizer::join(Tokens{{"siehe\n", "siehe"}, made}), "siehe\n§ 1814 BGB") << "behind a line break";
+    EXPECT_EQ(Tokenizer::join(Tokens{{"siehe\n", "siehe"}, made}), "siehe\n§ 1814 BGB") << "after a line break";
     EXPECT_EQ(Tokenizer::join(Tokens{{"siehe", "siehe"}, {"\n§ 5", ""}}), "siehe\n§ 5") << "with a gap of its own";
     EXPECT_EQ(Tokenizer::join(Tokens{made}), "§ 1814 BGB") << "at the beginning";
 }

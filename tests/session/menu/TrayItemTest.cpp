@@ -132,7 +132,6 @@ TEST_F(SystemTrayTest, a_menu_that_is_open_stays_and_follows_the_dictation) {
     EXPECT_EQ(openMenu(), nullptr);
 }
 
-/// Without looking again and again: what changes is told.
 TEST_F(SystemTrayTest, trays_come_and_go) {
     makeItem();
     EXPECT_TRUE(until([] { return windowNamed("Querlin") != nullptr; })) << "nobody shows the icon";

@@ -58,17 +58,6 @@ TEST_F(MenuViewTest, whatever_it_was_it_becomes_what_is_wanted) {
     }
 }
 
-/// A panel that has got the menu over the bus knows each line by its action.
-TEST_F(MenuViewTest, a_line_that_stays_is_the_same_action) {
-    view.setEntries({entry("Starten", toggleDictation), entry("Kopieren", copyLastText), entry("Beenden", quit)});
-    const auto before = view.menu().actions();
-    view.setEntries({entry("Stoppen", toggleDictation), entry("Abbrechen", cancelDictation), entry("Beenden", quit, false)});
-    const auto after = view.menu().actions();
-    EXPECT_EQ(after[0], before[0]);
-    EXPECT_EQ(after[2], before[2]);
-    EXPECT_EQ(shown(), (std::vector<std::string>{"Stoppen", "Abbrechen", "(Beenden)"}));
-}
-
 TEST_F(MenuViewTest, a_choice_may_take_its_own_line_away) {
     MenuView own([&](MenuCommand command) {
         chosen.push_back(command);

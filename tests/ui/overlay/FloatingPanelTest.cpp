@@ -12,7 +12,7 @@
 namespace querlin {
 namespace {
 
-/// A content that can be told how large it wishes to be.
+/// A content of adjustable preferred size.
 class Block final : public VisualEffectView {
 public:
     Block() : VisualEffectView(14) {}
