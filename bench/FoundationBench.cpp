@@ -1,4 +1,4 @@
-// The text library's fast paths, each beside ICU doing the same.
+// The text library's fast paths, each compared with ICU.
 
 #include "foundation/Graphemes.h"
 #include "foundation/TextCase.h"

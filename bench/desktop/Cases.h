@@ -28,11 +28,11 @@ struct Eyes {
 
 /// From the key to the callback on the main queue.
 void runPressing(Report& report);
-/// What a look at the field costs, in programs of several toolkits.
+/// The cost of reading the field, in programs of several toolkits.
 void runLooking(Report& report);
-/// Saving and giving back the clipboard.
+/// Saving and restoring the clipboard.
 void runSaving(Report& report);
-/// From letting go of the key to the shortcut that pastes.
+/// From the release of the key to the shortcut that pastes.
 void runDelivery(Report& report);
 
 } // namespace querlin::bench

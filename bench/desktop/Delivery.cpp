@@ -18,10 +18,10 @@ namespace {
 
 constexpr int dictations = 40;
 constexpr double limit = 0.010;
-/// What an insertion waits before it presses.
+/// The time that an insertion waits before it presses.
 constexpr double fixedWait = 0.050;
 
-/// Tells when it was pressed.
+/// Records when it was pressed.
 class WatchedPasteKey final : public PasteKey {
 public:
     explicit WatchedPasteKey(MainQueue& queue) : key_(queue) {}

@@ -1,4 +1,4 @@
-// What the reach into the desktop costs. To be run in a desktop of its own: tools/virtual-desktop --
+// The cost of working with the desktop. To be run in a desktop of its own: tools/virtual-desktop --
 // desktop_bench
 
 #include "Cases.h"

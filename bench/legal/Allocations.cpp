@@ -13,7 +13,7 @@ std::atomic<std::size_t> allocations = 0; // NOLINT(cppcoreguidelines-avoid-non-
 // The other forms call these. The sanitizers have their own, and then nothing is counted.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 void* operator new(std::size_t bytes) {
-    // Not added atomically, which would cost the peers time: whoever counts does so on one thread.
+    // Not an atomic increment, which would cost the peers time: only one thread counts.
     allocations.store(allocations.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     if (auto* memory = std::malloc(bytes == 0 ? 1 : bytes)) return memory; // NOLINT: beneath all owners
     throw std::bad_alloc();

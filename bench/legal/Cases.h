@@ -9,7 +9,7 @@ namespace querlin::bench {
 struct Setting {
     const Corpus& corpus;
     Report& report;
-    /// Everything once and no more, to see whether ours and the peers agree.
+    /// Everything only once, to check that ours and the peers agree.
     bool isQuick = false;
 
     std::size_t repetitions(std::size_t thorough) const { return isQuick ? 1 : thorough; }
@@ -17,7 +17,7 @@ struct Setting {
 
 /// Cold and warm loading, and its memory.
 void runLoadCases(const Setting& setting);
-/// Searches beside memmem, an index and the bare reading of the bytes, and how often they allocate.
+/// Searches compared with memmem, an index and just reading the bytes, and how often they allocate.
 void runSearchCases(const Setting& setting);
 /// The portal's archives and their XML.
 void runArchiveCases(const Setting& setting);

@@ -10,7 +10,7 @@
 namespace querlin::bench {
 
 /// The peer of reading the portal's XML: the same rules over QXmlStreamReader, in Qt's strings. The result
-/// holds UTF-8 like ours. Throws for what is no XML.
+/// is in UTF-8 like ours. Throws if the input is not XML.
 PlainLaw readWithQt(std::string_view document, std::span<const LegalManifestEntry::Range> priorityRanges);
 
 } // namespace querlin::bench

@@ -4,8 +4,8 @@
 
 namespace querlin::bench {
 
-/// Reads all bytes and does next to nothing with them, as fast as this processor can: no search through all
-/// of them takes less.
+/// Reads all bytes and does next to nothing with them, as fast as this processor can: a lower bound for
+/// searches.
 unsigned char orOfAll(std::string_view bytes);
 
 } // namespace querlin::bench

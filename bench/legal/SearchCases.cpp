@@ -92,7 +92,7 @@ void besideSqlite(const Setting& setting, Searchers& searchers, Mixes mixes) {
     setting.report.note(fmt::format("SQLite {} took {} to build its index.", SqliteSearch::version(),
                                     inWords(stopwatch.seconds())));
     for (auto& mix : mixes) {
-        // It knows nothing shorter.
+        // The index has no shorter terms.
         std::erase_if(mix.terms, [](const std::string& term) { return lengthInScalars(term) < 3; });
         for (const auto& term : mix.terms)
             expect(setting, std::ranges::equal(sqlite->search(term), searchers.plainly(term)), term);

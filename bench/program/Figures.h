@@ -6,7 +6,7 @@
 
 namespace querlin::bench {
 
-/// The table, with a memory for what isn't reached.
+/// The table; remembers whether a bar was missed.
 class Figures {
 public:
     void section(std::string_view title) { report_.section(title); }

@@ -18,7 +18,7 @@ private:
     std::chrono::steady_clock::time_point started_ = std::chrono::steady_clock::now();
 };
 
-/// The seconds that a call takes. What it gives ends behind the measurement.
+/// The seconds that a call takes. Its result is destroyed after the measurement.
 template<class Call>
 double secondsOf(Call call) {
     const Stopwatch stopwatch;
@@ -36,7 +36,7 @@ inline double percentile(std::vector<double> values, double part) {
 }
 inline double median(std::vector<double> values) { return percentile(std::move(values), 0.5); }
 
-/// Calls all of them in turn, so often, and gives the median of each. They tell the seconds themselves.
+/// Calls all of them in turn, so often, and gives the median of each. They measure the seconds themselves.
 template<class... Calls>
 std::array<double, sizeof...(Calls)> interleavedMedians(std::size_t repetitions, Calls... calls) {
     std::array<std::vector<double>, sizeof...(Calls)> measured;

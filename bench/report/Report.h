@@ -22,7 +22,7 @@ struct Bar {
 /// The table of all cases.
 class Report {
 public:
-    /// A line that heads the rows behind it.
+    /// A heading for the rows that follow.
     void section(std::string_view title);
     /// Ours and the peer's in words, and their ratio: peer to ours for "at least so many times as fast", and
     /// for what has no bar; ours to peer for "at most so many times".

@@ -8,7 +8,7 @@
 namespace querlin::bench {
 
 /// A dictation as a recogniser delivers it, of so many words: file notes and letters with commands,
-/// citations, dates, hesitations and corrections, one behind the other.
+/// citations, dates, hesitations and corrections in a row.
 inline std::string dictationOf(std::size_t words) {
     constexpr std::string_view source =
         "Aktenvermerk Doppelpunkt heute habe ich die Betreute in ihrer Wohnung aufgesucht Punkt ähm sie war "
