@@ -3,7 +3,6 @@
 #include "support/DictationWorld.h"
 #include "support/QtApplication.h"
 #include "ui/brand/Brand.h"
-#include "ui/brand/Theme.h"
 
 #include <algorithm>
 
@@ -78,16 +77,6 @@ TEST_F(OverlayViewTest, a_screen_reader_gets_the_level_in_words) {
     ASSERT_NE(accessible, nullptr);
     meter()->setLevel(0.429);
     EXPECT_EQ(accessible->text(QAccessible::Name) + accessible->text(QAccessible::Value), QStringLiteral("Eingangspegel42 Prozent"));
-}
-
-/// Every change of the desktop's appearance shows at once, while the overlay is up.
-TEST_F(OverlayViewTest, follows_light_and_dark) {
-    const auto theme = Theme::apply();
-    const auto lightness = [this] { return view.grab().toImage().pixelColor(220, 5).lightness(); };
-    EXPECT_GT(lightness(), 200);
-    Theme::appearance().set(Appearance::dark);
-    EXPECT_LT(lightness(), 80);
-    Theme::appearance().set(Appearance::light);
 }
 
 } // namespace
