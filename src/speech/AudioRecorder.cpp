@@ -72,6 +72,7 @@ std::expected<void, AudioRecorderError> AudioRecorder::start(WriteToDisk file) {
     if (const auto started = engine_->start(); !started) {
         engine_->removeTap();
         closeFile();
+        discardRecording(); // Nothing was recorded, so there is nothing to rescue.
         return std::unexpected(AudioRecorderError{Kind::engineFailed, started.error()});
     }
     configurationObserver_ = engine_->observeConfigurationChange([this] { configurationChanged(); });

@@ -78,7 +78,7 @@ public:
     void setPreferredDeviceUID(std::optional<std::string> uid) { preferredDeviceUID_ = std::move(uid); }
 
     /// Opens the microphone. A recording of before that is still held is discarded. No effect while
-    /// recording. After a failure the recorder may hold a file.
+    /// recording. After a failure there is no recording, and no file is left.
     std::expected<void, AudioRecorderError> start(WriteToDisk file);
     /// Closes the microphone and the file. No effect while idle.
     void stop();

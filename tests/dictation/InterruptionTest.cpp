@@ -168,8 +168,7 @@ TEST(Shutdown, WithoutPartialTextThePlaceholderStandsForTheAudio) {
     afterFailedStart.audio.nextStartError = "belegt";
     afterFailedStart.press();
     afterFailedStart.controller.shutdown();
-    EXPECT_EQ(afterFailedStart.rescuedTexts(), placeholder);
-    EXPECT_EQ(afterFailedStart.rescuedRecordings(), 1U);
+    EXPECT_TRUE(afterFailedStart.rescuedTexts().empty()) << "no file is left to be rescued";
 }
 
 } // namespace
