@@ -51,7 +51,7 @@ void runAppending(Report& report) {
     compare(report, "classic", measure(parts, [&](const AudioBuffer& part) { classic->append(part); }),
             copies);
     (void)services.finish(*classic);
-    if (!services.streaming.isHere()) {
+    if (!services.streaming.isHere("")) {
         report.note("The streaming recogniser's library is not here.");
         return;
     }

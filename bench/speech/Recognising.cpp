@@ -94,12 +94,12 @@ void runRecognising(Report& report) {
                    Bar::atLeast(1));
     };
     shown("classic", TranscriptionEngine::classic);
-    if (services.streaming.isHere()) shown("streaming", TranscriptionEngine::streaming);
+    if (services.streaming.isHere("")) shown("streaming", TranscriptionEngine::streaming);
 
     report.section("memory");
     report.note(fmt::format("helper with the starter model       {:6.0f} MB",
                             memoryOf(services.classic.process().helper())));
-    if (auto* process = services.streaming.process()) {
+    if (const auto process = services.streaming.process()) {
         report.note(
             fmt::format("helper with the streaming test model {:5.0f} MB", memoryOf(process->helper())));
     }

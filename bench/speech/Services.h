@@ -4,8 +4,8 @@
 #include "foundation/TaskGroup.h"
 #include "foundation/ThreadPool.h"
 #include "platform/av/SwrConverter.h"
-#include "platform/pocketsphinx/ClassicService.h"
-#include "platform/sherpa/StreamingService.h"
+#include "platform/pocketsphinx/ClassicEngine.h"
+#include "platform/sherpa/StreamingEngine.h"
 #include "speech/LocalTranscribers.h"
 
 #include <string>
@@ -17,14 +17,15 @@ struct Services {
     RunLoop loop;
     SystemClock clock;
     ThreadPool pool{2};
-    ClassicService classic{{.model = QUERLIN_STARTER_MODEL, .makeConverter = makeSwrConverter}};
-    StreamingService streaming{
-        {.models = QUERLIN_STREAMING_MODELS, .libraries = {StreamingService::libraryOfBuild()}}};
-    LocalTranscribers transcribers{{loop, clock, pool}, classic, streaming, makeSwrConverter};
+    ClassicEngine classic{{.model = QUERLIN_STARTER_MODEL, .makeConverter = makeSwrConverter}};
+    StreamingEngine streaming{{.models = QUERLIN_STREAMING_MODELS,
+                               .libraries = {StreamingEngine::libraryOfBuild()},
+                               .makeConverter = makeSwrConverter}};
+    LocalTranscribers transcribers{{loop, clock, pool}, classic, streaming};
 
     std::shared_ptr<StreamingTranscriber> begin(TranscriptionEngine engine) {
         auto transcriber = transcribers.make(engine);
-        if (!transcriber->begin("de-DE", true)) throw std::runtime_error("no recogniser");
+        if (!transcriber->begin("de-DE")) throw std::runtime_error("no recogniser");
         return transcriber;
     }
     std::string finish(StreamingTranscriber& transcriber) {

@@ -15,7 +15,10 @@ Machine::Machine(const ApplicationPaths& paths, const Installation& own,
     classic({.model = own.resources / "StarterModel",
              .makeConverter = makeSwrConverter,
              .program = own.recogniser}),
-    streaming({.models = paths.models(), .libraries = own.recognitionLibraries, .program = own.recogniser}),
+    streaming({.models = paths.models(),
+               .libraries = own.recognitionLibraries,
+               .makeConverter = makeSwrConverter,
+               .program = own.recogniser}),
     access({.hasMicrophone = [this] { return hasMicrophone(); },
             .canRecognise = [this] { return canRecognise(); },
             .canListenToKeys = [this] { return display->canListenToKeys() && display->canPressKeys(); },
@@ -23,10 +26,6 @@ Machine::Machine(const ApplicationPaths& paths, const Installation& own,
             .enableAccessibility = [this] { return accessibility.requestEnable(); },
             .models = paths.models()}) {}
 
-bool Machine::canRecognise() {
-    if (streaming.isHere()) return true;
-    const auto starter = classic.recognizer("de-DE");
-    return starter && starter->isAvailable();
-}
+bool Machine::canRecognise() { return streaming.isHere("") || classic.isHere("de-DE"); }
 
 } // namespace querlin

@@ -12,11 +12,11 @@
 #include "platform/dbus/DesktopNotifications.h"
 #include "platform/dbus/DesktopSignals.h"
 #include "platform/dbus/NotifierHostWatch.h"
-#include "platform/pocketsphinx/ClassicService.h"
+#include "platform/pocketsphinx/ClassicEngine.h"
 #include "platform/pulse/PulseAudio.h"
 #include "platform/pulse/PulseSoundPlayer.h"
 #include "platform/qt/QtMainQueue.h"
-#include "platform/sherpa/StreamingService.h"
+#include "platform/sherpa/StreamingEngine.h"
 #include "platform/sndfile/SndfileCreator.h"
 #include "platform/system/Installation.h"
 #include "platform/system/SystemPermissions.h"
@@ -57,8 +57,8 @@ struct Machine {
     AudioDevices devices{hardware};
     SndfileCreator audioFiles;
     PulseSoundPlayer sounds;
-    ClassicService classic;
-    StreamingService streaming;
+    ClassicEngine classic;
+    StreamingEngine streaming;
 
     SystemPermissions access;
     CurlHttpClient http{queue};

@@ -5,7 +5,6 @@
 #include "cleanup/RuleBasedEnhancer.h"
 #include "desktop/ClipboardInserter.h"
 #include "dictation/CrashRecovery.h"
-#include "platform/av/SwrConverter.h"
 #include "speech/LocalTranscribers.h"
 #include "state/DiagnosticsLog.h"
 #include "state/Migration.h"
@@ -85,7 +84,7 @@ Program::Dictation::Dictation(Program& app) :
               .hardware = app.machine_.hardware,
               .files = app.machine_.audioFiles,
               .folder = RecordingFolder(app.places_.paths.recordings)}),
-    transcribers(app.machine_.runtime(), app.machine_.classic, app.machine_.streaming, makeSwrConverter),
+    transcribers(app.machine_.runtime(), app.machine_.classic, app.machine_.streaming),
     controller(app.machine_.runtime(), {.settings = *app.settings_,
                                         .statistics = *app.statistics_,
                                         .history = history,
@@ -199,7 +198,7 @@ void Program::preload() {
     vocabulary_.preload();
     if (settings_->cleanupMode.get() == CleanupMode::local)
         dictation_->modelEnhancer.prewarm(settings_->writingStyle.get());
-    if (settings_->engine.get() == TranscriptionEngine::streaming && machine_.streaming.isHere()) {
+    if (settings_->engine.get() == TranscriptionEngine::streaming && machine_.streaming.isHere("")) {
         machine_.streaming.preload();
         return;
     }

@@ -16,7 +16,7 @@ SetupFinding microphone(Machine& machine) {
 }
 
 SetupFinding recognition(Machine& machine, const std::filesystem::path& models, TranscriptionEngine engine) {
-    if (machine.streaming.isHere()) {
+    if (machine.streaming.isHere("")) {
         const bool isChosen = engine == TranscriptionEngine::streaming;
         return {
             .name = "Spracherkennung",

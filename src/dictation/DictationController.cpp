@@ -138,8 +138,7 @@ void DictationController::beginDictation() {
 std::expected<void, std::string> DictationController::beginListening(const RunPointer& run) {
     auto& settings = collaborators_.settings;
     const auto transcriber = makeTranscriber(run);
-    if (const auto begun = transcriber->begin(collaborators_.transcribers.locale(settings.language.get()),
-                                              settings.onDeviceRecognitionOnly.get());
+    if (const auto begun = transcriber->begin(collaborators_.transcribers.locale(settings.language.get()));
         !begun) {
         return std::unexpected(begun.error().description());
     }
@@ -155,9 +154,8 @@ std::expected<void, std::string> DictationController::beginListening(const RunPo
 
 std::shared_ptr<StreamingTranscriber> DictationController::makeTranscriber(const RunPointer& run) {
     auto engine = collaborators_.settings.engine.get();
-    if (engine == TranscriptionEngine::streaming &&
-        collaborators_.transcribers.systemVersion() < streamingRecogniserVersion) {
-        DiagnosticsLog::note("speech", "SpeechAnalyzer nicht verfügbar – nutze Apple Speech.");
+    if (engine == TranscriptionEngine::streaming && !collaborators_.transcribers.hasStreaming()) {
+        DiagnosticsLog::note("speech", "Streaming-Erkenner nicht verfügbar – nutze den klassischen.");
         engine = TranscriptionEngine::classic;
     }
     auto transcriber = collaborators_.transcribers.make(engine);

@@ -80,26 +80,33 @@ void DictationController::shutdown() {
     collaborators_.hotkey.stop();
     interruptionObservers_.reset();
     partialTextKeeper_.drop();
-    cancelRecognition();
     collaborators_.recorder.stop();
     collaborators_.recorder.setOnBuffer({});
     rescueAtShutdown();
+    cancelRecognition();
     tasks_.abandonAll();
 }
 
 /// The recording under way, and every dictation that is still in the pipeline, with the best text that
 /// there is of each.
 void DictationController::rescueAtShutdown() {
-    const auto save = [this](std::string_view text, std::optional<RecordingFile> recording) {
+    const auto save = [this](const DictationRun& run, std::string_view text,
+                             std::optional<RecordingFile> recording) {
+        const bool isSilent = run.transcriber && !run.transcriber->hasHeardVoice();
+        if (text.empty() && isSilent) {
+            if (recording) recording->discard();
+            return;
+        }
         collaborators_.rescue.rescue(text.empty() ? audioOnlyPlaceholder : text, std::move(recording),
                                      shutdownReason);
     };
     for (auto* run : inPipeline_) {
         if (run->isCancelled || (!run->recording && run->text.empty())) continue;
-        save(run->text.empty() ? run->partialText : run->text, std::exchange(run->recording, std::nullopt));
+        save(*run, run->text.empty() ? run->partialText : run->text,
+             std::exchange(run->recording, std::nullopt));
     }
     if (auto recording = collaborators_.recorder.detachRecording())
-        save(livePartialText_.get(), std::move(recording));
+        save(*newest_, livePartialText_.get(), std::move(recording));
 }
 
 } // namespace querlin

@@ -27,14 +27,12 @@ std::string systemLocale(std::string_view lcAll, std::string_view lcMessages, st
     return tag;
 }
 
-SystemVersion LocalTranscribers::systemVersion() const {
-    return streaming_.isHere() ? streamingRecogniserVersion : SystemVersion{14, 0, 0};
-}
+bool LocalTranscribers::hasStreaming() const { return streaming_.isHere(""); }
 
 std::shared_ptr<StreamingTranscriber> LocalTranscribers::make(TranscriptionEngine engine) {
     switch (engine) {
     case TranscriptionEngine::streaming:
-        return std::make_shared<StreamingModelTranscriber>(runtime_, streaming_, makeConverter_);
+        return std::make_shared<StreamingModelTranscriber>(runtime_, streaming_);
     case TranscriptionEngine::classic:
         break;
     }

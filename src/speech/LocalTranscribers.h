@@ -1,9 +1,7 @@
 #pragma once
 
 #include "foundation/Runtime.h"
-#include "speech/AudioConverter.h"
-#include "speech/SpeechAnalyzer.h"
-#include "speech/SpeechRecognizer.h"
+#include "speech/RecognitionSession.h"
 #include "speech/TranscriberFactory.h"
 
 #include <string>
@@ -15,27 +13,21 @@ namespace querlin {
 /// the first that isn't empty counts): "de_AT.UTF-8" -> "de-AT". German where they name none ("C").
 std::string systemLocale(std::string_view lcAll, std::string_view lcMessages, std::string_view lang);
 
-/// Makes transcribers over the machine's two recognition services.
+/// Makes transcribers over the machine's two recognisers.
 class LocalTranscribers final : public TranscriberFactory {
 public:
-    /// The services outlive this and all transcribers.
-    LocalTranscribers(Runtime runtime, SpeechRecognitionService& classic, SpeechAnalysisService& streaming,
-                      MakeAudioConverter makeConverter) :
-        runtime_(runtime),
-        classic_(classic),
-        streaming_(streaming),
-        makeConverter_(std::move(makeConverter)) {}
+    /// The engines outlive this and all transcribers.
+    LocalTranscribers(Runtime runtime, SpeechEngine& classic, SpeechEngine& streaming) :
+        runtime_(runtime), classic_(classic), streaming_(streaming) {}
 
-    /// 26.0.0 where the streaming service is here, else 14.0.0.
-    SystemVersion systemVersion() const override;
+    bool hasStreaming() const override;
     std::shared_ptr<StreamingTranscriber> make(TranscriptionEngine engine) override;
     std::string locale(DictationLanguage language) const override;
 
 private:
     Runtime runtime_;
-    SpeechRecognitionService& classic_;
-    SpeechAnalysisService& streaming_;
-    MakeAudioConverter makeConverter_;
+    SpeechEngine& classic_;
+    SpeechEngine& streaming_;
 };
 
 } // namespace querlin

@@ -2,8 +2,7 @@
 
 #include "foundation/OneShot.h"
 #include "foundation/Runtime.h"
-#include "speech/AudioConverter.h"
-#include "speech/SpeechAnalyzer.h"
+#include "speech/RecognitionSession.h"
 #include "speech/StreamingTranscriber.h"
 
 #include <memory>
@@ -11,42 +10,37 @@
 
 namespace querlin {
 
-/// The streaming recogniser. The analysis starts while the user already speaks: until it has told the
-/// format that it wants, the sound waits in copies, and goes to it in its order. Final pieces of text add
-/// up, a volatile one stands behind them until the next piece comes.
+class Transcription;
+
+/// The streaming recogniser. Its session begins in the background while the user already speaks, because the
+/// model has to be found first: until then the sound waits in copies, and goes to the session in its order.
 class StreamingModelTranscriber final : public StreamingTranscriber {
 public:
-    /// The service outlives the transcriber.
-    StreamingModelTranscriber(Runtime runtime, SpeechAnalysisService& service,
-                              MakeAudioConverter makeConverter);
+    /// The engine outlives the transcriber.
+    StreamingModelTranscriber(Runtime runtime, SpeechEngine& engine);
     ~StreamingModelTranscriber() override;
-
-    /// Whether the service knows the language. Any thread; may take a moment.
-    static bool isAvailable(SpeechAnalysisService& service, const std::string& locale);
-    /// Puts the language's model in place beforehand; true if it is. May take minutes.
-    static bool prepareAssets(SpeechAnalysisService& service, const std::string& locale);
 
     void setOnPartialResult(std::function<void(std::string)> onPartialResult) override;
     void setContextualStrings(std::vector<std::string> strings) override {
         contextualStrings_ = std::move(strings);
     }
-    /// Never fails: what goes wrong at the start comes out of `finish` as an empty text.
-    std::expected<void, TranscriptionError> begin(const std::string& locale, bool onDeviceOnly) override;
+    /// Never fails: what goes wrong at the start or later comes out of `finish` as an empty text.
+    std::expected<void, TranscriptionError> begin(const std::string& locale) override;
     void append(const AudioBuffer& buffer) override;
     Task<std::expected<std::string, TranscriptionError>> finish() override;
     void cancel() override;
     bool wasInterrupted() const override;
+    bool hasHeardVoice() const override;
 
 private:
-    struct State;
+    struct StartUp;
 
     Runtime runtime_;
-    SpeechAnalysisService& service_;
+    SpeechEngine& engine_;
     std::vector<std::string> contextualStrings_;
-    std::shared_ptr<State> state_; ///< shared with the service's callbacks, the start-up and the audio thread
-    // While a recognition is under way
-    std::optional<OneShot<bool>> setup_;            ///< the start-up is over
-    std::optional<OneShot<std::string>> collector_; ///< the results are over; the whole text
+    std::shared_ptr<Transcription> transcription_;
+    std::shared_ptr<StartUp> startUp_;     ///< shared with the background and the audio thread
+    std::optional<OneShot<bool>> started_; ///< the start-up is over; unset before `begin`
 };
 
 } // namespace querlin

@@ -13,7 +13,7 @@ namespace querlin {
 
 /// Why there is no transcript.
 struct TranscriptionError {
-    enum class Kind : std::uint8_t { unavailable, failed, notConfigured, notAuthorized, noSpeechDetected };
+    enum class Kind : std::uint8_t { unavailable, failed };
     Kind kind = Kind::failed;
     std::string detail;
 
@@ -23,8 +23,8 @@ struct TranscriptionError {
     bool operator==(const TranscriptionError&) const = default;
 };
 
-/// One recognition: takes buffers while the user speaks, tells partial texts, gives the final one. An
-/// object serves one dictation.
+/// One recognition: takes buffers while the user speaks, reports partial texts, gives the final one. Where
+/// nobody has spoken there is no text. An object serves one dictation.
 class StreamingTranscriber {
 public:
     virtual ~StreamingTranscriber() = default;
@@ -35,7 +35,7 @@ public:
     virtual void setContextualStrings(std::vector<std::string> strings) = 0;
 
     /// Gets ready to listen to a language ("de-DE"). Main thread.
-    virtual std::expected<void, TranscriptionError> begin(const std::string& locale, bool onDeviceOnly) = 0;
+    virtual std::expected<void, TranscriptionError> begin(const std::string& locale) = 0;
     /// Takes sound. Audio thread; never waits.
     virtual void append(const AudioBuffer& buffer) = 0;
     /// Ends the sound and gives the final text, trimmed; bounds its own wait. Main thread, suspended
@@ -46,6 +46,8 @@ public:
     /// Whether the recogniser gave out before all that was said was recognised: a short or empty text
     /// then doesn't mean that little was said. Main thread, after `finish`.
     virtual bool wasInterrupted() const = 0;
+    /// Whether anybody has spoken so far; noise alone is no reason to keep a recording. Main thread.
+    virtual bool hasHeardVoice() const = 0;
 };
 
 } // namespace querlin

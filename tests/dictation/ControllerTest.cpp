@@ -77,11 +77,10 @@ TEST(Controller, AFailedRecorderCancelsTheRecogniserAFailedRecogniserNot) {
     w.press();
     EXPECT_EQ(w.errorText(), "Audio-Engine konnte nicht starten: belegt");
     EXPECT_TRUE(w.services.transcriber->isCancelled);
-    EXPECT_EQ(w.recordings().size(), 2U) << "the file stays with the recorder";
+    EXPECT_TRUE(w.recordings().empty()) << "neither audio nor lock";
     w.dictate("Weiter");
-    EXPECT_TRUE(w.recordings().empty()) << "until the next start";
 
-    w.services.script.beginError = TranscriptionError{TranscriptionError::Kind::notAuthorized, {}};
+    w.services.script.beginError = TranscriptionError{TranscriptionError::Kind::unavailable, {}};
     w.press();
     EXPECT_FALSE(w.services.transcriber->isCancelled);
 }
@@ -174,7 +173,6 @@ TEST(Controller, ChoosesTheRecogniserAndItsWords) {
     w.dictate("a");
     EXPECT_EQ(w.services.transcriber->contextual.back(), "Betreuungsgericht");
     EXPECT_EQ(w.services.transcriber->begunLocale, "en-US");
-    EXPECT_TRUE(w.services.transcriber->begunOnDeviceOnly);
 
     w.settings.legalVocabularyEnabled.set(false);
     w.settings.contextualLimit.set(2);
@@ -182,9 +180,9 @@ TEST(Controller, ChoosesTheRecogniserAndItsWords) {
     w.access.speech = AuthorizationStatus::denied; // not asked for by the newer recogniser
     w.dictate("b");
     EXPECT_EQ(w.services.transcriber->contextual, (std::vector<std::string>{"Nießbrauch", "Querulanz"}));
-    EXPECT_TRUE(w.log.has("[speech] SpeechAnalyzer nicht verfügbar – nutze Apple Speech."));
+    EXPECT_TRUE(w.log.has("[speech] Streaming-Erkenner nicht verfügbar – nutze den klassischen."));
     w.settings.contextualLimit.set(-1);
-    w.services.version = {26, 0, 0};
+    w.services.streamingIsHere = true;
     w.dictate("c");
     EXPECT_TRUE(w.services.transcriber->contextual.empty());
     EXPECT_EQ(w.services.madeEngines,

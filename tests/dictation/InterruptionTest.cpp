@@ -164,6 +164,13 @@ TEST(Shutdown, WithoutPartialTextThePlaceholderStandsForTheAudio) {
     recording.controller.shutdown();
     EXPECT_EQ(recording.rescuedTexts(), placeholder);
 
+    DictationWorld silent;
+    silent.services.script.isVoice = false;
+    silent.press();
+    silent.controller.shutdown();
+    EXPECT_TRUE(silent.rescuedTexts().empty());
+    EXPECT_TRUE(silent.recordings().empty()) << "nobody has spoken";
+
     DictationWorld afterFailedStart;
     afterFailedStart.audio.nextStartError = "belegt";
     afterFailedStart.press();

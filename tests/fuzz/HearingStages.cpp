@@ -2,6 +2,7 @@
 
 #include "Require.h"
 
+#include "platform/helper/protocol/Frames.h"
 #include "platform/recogniser/protocol/Protocol.h"
 #include "platform/sherpa/OnnxMetadata.h"
 
@@ -17,22 +18,22 @@ namespace Protocol = RecogniserProtocol;
 
 namespace {
 
-void decode(const Protocol::Frame& frame) {
-    require(frame.payload.size() <= Protocol::largestFrameInBytes, "a frame is no larger than the largest");
-    if (const auto request = Protocol::openRequest(frame.payload))
-        require(Protocol::openRequest(Protocol::payloadOf(*request)) == request, "what is written is read");
-    if (const auto words = Protocol::words(frame.payload))
-        require(Protocol::words(Protocol::payloadOf(*words)) == words, "what is written is read");
-    if (const auto piece = Protocol::piece(frame.payload))
-        require(Protocol::piece(Protocol::payloadOf(*piece)) == piece, "what is written is read");
-    (void)Protocol::count(frame.payload);
-    (void)Protocol::samples(frame.payload);
+void decode(const HelperProtocol::Frame& frame) {
+    require(frame.payload.size() <= HelperProtocol::largestFrameInBytes, "a frame is no larger than the largest");
+    if (const auto request = Protocol::openRequestOf(frame.payload))
+        require(Protocol::openRequestOf(Protocol::payloadOf(*request)) == request, "what is written is read");
+    if (const auto words = Protocol::wordsOf(frame.payload))
+        require(Protocol::wordsOf(Protocol::payloadOf(*words)) == words, "what is written is read");
+    if (const auto piece = Protocol::pieceOf(frame.payload))
+        require(Protocol::pieceOf(Protocol::payloadOf(*piece)) == piece, "what is written is read");
+    (void)Protocol::countOf(frame.payload);
+    (void)Protocol::samplesOf(frame.payload);
 }
 
 } // namespace
 
 void frames(std::string_view bytes, unsigned options) {
-    Protocol::Parser parser;
+    HelperProtocol::Parser parser;
     const std::size_t step = 1 + options;
     while (!bytes.empty()) {
         const auto room = parser.room();

@@ -6,7 +6,7 @@
 #include "foundation/ThreadPool.h"
 #include "platform/av/AvFileReader.h"
 #include "platform/av/SwrConverter.h"
-#include "platform/pocketsphinx/ClassicService.h"
+#include "platform/pocketsphinx/ClassicEngine.h"
 #include "platform/pulse/PulseAudio.h"
 #include "platform/sndfile/SndfileCreator.h"
 #include "speech/AudioRecorder.h"
@@ -26,41 +26,35 @@ namespace {
 
 constexpr AudioFormat format{48000, 1};
 
-/// An analysis that takes its time to start, and keeps all that it is given.
-class SlowService final : public SpeechAnalysisService {
+/// An engine that takes its time to begin, and keeps all that it is given.
+class SlowEngine final : public SpeechEngine {
 public:
-    bool isHere() override { return true; }
-    std::vector<std::string> supportedLocales() override { return {"de-DE"}; }
-    AssetStatus assetStatus(const std::string&) override { return AssetStatus::installed; }
-    std::expected<void, std::string> downloadAndInstall(const std::string&) override { return {}; }
-    std::shared_ptr<SpeechAnalyzer> analyzer(const std::string&, SpeechAnalysisObserver given) override {
+    bool isHere(const std::string&) override { return true; }
+    std::expected<std::unique_ptr<RecognitionSession>, std::string> begin(const std::string&, std::vector<std::string>,
+                                                                          RecognitionObserver given) override {
+        std::this_thread::sleep_for(startUp);
         observer = std::move(given);
-        return std::make_shared<Analyzer>(*this);
+        return std::make_unique<Session>(*this);
     }
 
     Duration startUp = seconds(2);
-    SpeechAnalysisObserver observer;
+    RecognitionObserver observer;
     std::mutex lock;
     std::vector<float> heard;
 
 private:
-    class Analyzer final : public SpeechAnalyzer {
+    class Session final : public RecognitionSession {
     public:
-        explicit Analyzer(SlowService& service) : service_(service) {}
-        std::expected<std::optional<AudioFormat>, std::string> prepare(const std::vector<std::string>&) override {
-            std::this_thread::sleep_for(service_.startUp);
-            return format;
+        explicit Session(SlowEngine& engine) : engine_(engine) {}
+        void append(const AudioBuffer& buffer) override {
+            const std::scoped_lock guard(engine_.lock);
+            engine_.heard.insert(engine_.heard.end(), buffer.samples.begin(), buffer.samples.end());
         }
-        std::expected<void, std::string> start() override { return {}; }
-        void analyze(std::vector<float> samples) override {
-            const std::scoped_lock guard(service_.lock);
-            service_.heard.insert(service_.heard.end(), samples.begin(), samples.end());
-        }
-        void finalizeAndFinishThroughEndOfInput() override { service_.observer.onEnd({}); }
-        void cancelAndFinishNow() override {}
+        void finish() override { engine_.observer.onEnd({}); }
+        void cancel() override {}
 
     private:
-        SlowService& service_;
+        SlowEngine& engine_;
     };
 };
 
@@ -73,7 +67,7 @@ struct Hearing : testing::Test {
     PulseAudio hardware{loop, server.address()};
     SndfileCreator files;
     AudioRecorder recorder{{loop, clock, hardware, files, RecordingFolder(folder.path())}};
-    SlowService service;
+    SlowEngine engine;
     TaskGroup tasks;
 
     void SetUp() override {
@@ -82,12 +76,12 @@ struct Hearing : testing::Test {
     }
 
     std::shared_ptr<StreamingTranscriber> listen() {
-        auto transcriber = std::make_shared<StreamingModelTranscriber>(Runtime{loop, clock, pool}, service, makeSwrConverter);
+        auto transcriber = std::make_shared<StreamingModelTranscriber>(Runtime{loop, clock, pool}, engine);
         listen(transcriber);
         return transcriber;
     }
     void listen(const std::shared_ptr<StreamingTranscriber>& transcriber) {
-        EXPECT_TRUE(transcriber->begin("de-DE", true));
+        EXPECT_TRUE(transcriber->begin("de-DE"));
         recorder.setOnBuffer([transcriber](const AudioBuffer& buffer) { transcriber->append(buffer); });
         const auto started = recorder.start(WriteToDisk::Yes);
         EXPECT_TRUE(started) << started.error().description();
@@ -101,8 +95,8 @@ struct Hearing : testing::Test {
     }
     bool hasHeard(std::span<const float> samples) {
         return eventually([&] {
-            const std::scoped_lock guard(service.lock);
-            return !std::ranges::search(service.heard, samples).empty();
+            const std::scoped_lock guard(engine.lock);
+            return !std::ranges::search(engine.heard, samples).empty();
         });
     }
     std::vector<float> recorded() { return AvFileReader().read(recorder.recording()->audio(), format).value().samples; }
@@ -130,11 +124,11 @@ TEST_F(Hearing, EverySampleReachesTheFileAndTheRecogniserThroughAStartUpOfTwoSec
     finish(*transcriber);
     const auto file = recorded();
     EXPECT_FALSE(std::ranges::search(file, played).empty());
-    EXPECT_EQ(service.heard, file) << "the recogniser has heard what the file holds";
+    EXPECT_EQ(engine.heard, file) << "the recogniser has heard what the file holds";
 }
 
 TEST_F(Hearing, WhatIsSaidIntoTheMicrophoneIsUnderstood) {
-    ClassicService classic({.model = QUERLIN_STARTER_MODEL, .makeConverter = makeSwrConverter});
+    ClassicEngine classic({.model = QUERLIN_STARTER_MODEL, .makeConverter = makeSwrConverter});
     const auto transcriber = std::make_shared<ClassicTranscriber>(Runtime{loop, clock, pool}, classic);
     listen(transcriber);
     server.play("mikrofon", spoken("der Antrag auf Wohngeld wurde am Montag bewilligt Punkt").in(format).samples);
@@ -142,7 +136,7 @@ TEST_F(Hearing, WhatIsSaidIntoTheMicrophoneIsUnderstood) {
 }
 
 TEST_F(Hearing, AServerThatRestartsInMidDictationIsRecordedOnBothSides) {
-    service.startUp = {};
+    engine.startUp = {};
     const auto transcriber = listen();
     std::vector<ConfigurationChange> changes;
     recorder.setOnConfigurationChange([&](const ConfigurationChange& change) {
@@ -169,7 +163,7 @@ TEST_F(Hearing, AServerThatRestartsInMidDictationIsRecordedOnBothSides) {
     const auto first = std::ranges::search(file, before);
     ASSERT_FALSE(first.empty());
     EXPECT_FALSE(std::ranges::search(std::ranges::subrange(first.end(), file.end()), after).empty());
-    EXPECT_EQ(service.heard, file);
+    EXPECT_EQ(engine.heard, file);
 }
 
 } // namespace

@@ -70,31 +70,18 @@ Sound silence(double seconds, AudioFormat format) {
     return {format, std::vector<float>(static_cast<std::size_t>(seconds * format.sampleRate) * format.channelCount)};
 }
 
-SpeechRecognitionHandler Listener::classic() {
-    return [state = state_](std::optional<SpeechRecognitionResult> result, std::optional<std::string> error) {
-        state->signal.change([&] {
-            if (result) {
-                state->heard.text = result->text;
-                (result->isFinal ? state->heard.finals : state->heard.partials).push_back(result->text);
-            }
-            if (error) state->heard.error = *error;
-            if (error || result->isFinal) ++state->heard.ends;
-        });
-    };
-}
-
-SpeechAnalysisObserver Listener::streaming() {
-    return {[state = state_](SpeechAnalysisResult result) {
+RecognitionObserver Listener::observer() {
+    return {[state = state_](const std::string& text, bool isFinal) {
                 state->signal.change([&] {
-                    if (result.isFinal) {
-                        state->finalText += result.text;
-                        state->heard.finals.push_back(result.text);
-                    }
-                    state->heard.text = result.isFinal ? state->finalText : state->finalText + result.text;
+                    const bool isJoined = !state->finalText.empty() && !text.empty();
+                    state->heard.text = state->finalText + (isJoined ? " " : "") + text;
                     state->heard.partials.push_back(state->heard.text);
+                    if (!isFinal) return;
+                    state->finalText = state->heard.text;
+                    state->heard.finals.push_back(text);
                 });
             },
-            [state = state_](std::expected<void, std::string> end) {
+            [state = state_](const std::expected<void, std::string>& end) {
                 state->signal.change([&] {
                     if (!end) state->heard.error = end.error();
                     ++state->heard.ends;

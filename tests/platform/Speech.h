@@ -1,8 +1,6 @@
 #pragma once
 
-#include "speech/AudioBuffer.h"
-#include "speech/SpeechAnalyzer.h"
-#include "speech/SpeechRecognizer.h"
+#include "speech/RecognitionSession.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -57,7 +55,7 @@ private:
     std::condition_variable changed_;
 };
 
-/// What came of a recognition of either form.
+/// What came of a recognition.
 struct Heard {
     std::vector<std::string> partials; ///< whole texts so far, the last one included
     std::vector<std::string> finals;
@@ -69,8 +67,7 @@ struct Heard {
 /// The observer of one recognition.
 class Listener {
 public:
-    SpeechRecognitionHandler classic();
-    SpeechAnalysisObserver streaming();
+    RecognitionObserver observer();
 
     /// All of it, when it has ended.
     Heard result();
@@ -88,6 +85,32 @@ private:
     };
     std::shared_ptr<State> state_ = std::make_shared<State>(); // A call may come late.
 };
+
+/// One session, played into by the test.
+struct Recognition {
+    explicit Recognition(const std::function<std::unique_ptr<RecognitionSession>(RecognitionObserver)>& begin) :
+        session(begin(listener.observer())) {}
+    explicit Recognition(SpeechEngine& engine, std::vector<std::string> words = {}) :
+        session(engine.begin("de-DE", std::move(words), listener.observer()).value()) {}
+
+    void play(const Sound& sound, double from = 0, double to = 1e9) {
+        sound.play([this](const AudioBuffer& buffer) { session->append(buffer); }, from, to);
+    }
+    Heard finish() {
+        session->finish();
+        return listener.result();
+    }
+
+    Listener listener;
+    std::unique_ptr<RecognitionSession> session;
+};
+
+/// What an engine makes of a sound.
+inline Heard hear(SpeechEngine& engine, const Sound& sound, std::vector<std::string> words = {}) {
+    Recognition run(engine, std::move(words));
+    run.play(sound);
+    return run.finish();
+}
 
 /// A recording with its transcript beside it, as they lie where real speech is at hand.
 struct Recording {

@@ -1,23 +1,18 @@
-// The streaming recogniser: which models it takes, and what it hears with one, by the real library.
+// What the streaming recogniser has alone: which models it takes, and which library.
 
 #include "Speech.h"
 
-#include "foundation/TextCase.h"
 #include "platform/av/SwrConverter.h"
 #include "platform/sherpa/OnnxMetadata.h"
-#include "platform/sherpa/StreamingService.h"
+#include "platform/sherpa/StreamingEngine.h"
 #include "platform/sherpa/engine/Hotwords.h"
 #include "support/CapturedLog.h"
 #include "support/Desktop.h"
 #include "support/TempFolder.h"
-#include "support/WordErrorRate.h"
 
 #include <algorithm>
-#include <csignal>
-#include <iostream>
 #include <map>
 #include <random>
-#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -187,45 +182,23 @@ TEST_F(StreamingModelsTest, FavouredWordsAreThoseThatTheModelCanWrite) {
 
 class StreamingRecognitionTest : public ::testing::Test {
 protected:
-    struct Run {
-        Run(StreamingService& service, const std::vector<std::string>& words = {}) :
-            analyzer(service.analyzer("de-DE", listener.streaming())) {
-            EXPECT_EQ(analyzer->prepare(words).value(), helperFormat);
-            EXPECT_TRUE(analyzer->start());
-        }
-        void play(const Sound& sound, double from = 0, double to = 1e9) {
-            sound.play([this](const AudioBuffer& buffer) { analyzer->analyze({buffer.samples.begin(), buffer.samples.end()}); }, from, to);
-        }
-        Heard finish() {
-            analyzer->finalizeAndFinishThroughEndOfInput();
-            return listener.result();
-        }
-        Listener listener;
-        std::shared_ptr<SpeechAnalyzer> analyzer;
-    };
-
     void SetUp() override {
         fs::create_directory(folder / "Modelle");
         install("Test");
     }
     void install(const char* name) { fs::copy(QUERLIN_STREAMING_TEST_MODEL, folder / "Modelle" / name); }
-    StreamingService::Setup setup(const fs::path& library) const {
-        return {.models = folder / "Modelle", .libraries = {"", folder / "fehlt", library}};
+    StreamingEngine::Setup setup(const fs::path& library) const {
+        return {.models = folder / "Modelle", .libraries = {"", folder / "fehlt", library}, .makeConverter = makeSwrConverter};
     }
     static fs::path fake(const char* kind) { return fs::path(QUERLIN_FAKE_LIBRARIES) / kind; }
     /// Null where the real library isn't installed.
-    std::unique_ptr<StreamingService> real() {
-        auto service = std::make_unique<StreamingService>(setup(StreamingService::libraryOfBuild()));
+    std::unique_ptr<StreamingEngine> real() {
+        auto service = std::make_unique<StreamingEngine>(setup(StreamingEngine::libraryOfBuild()));
         return service->hasLibrary() ? std::move(service) : nullptr;
     }
-    Heard hear(StreamingService& service, const Sound& sound, const std::vector<std::string>& words = {}) {
-        Run run(service, words);
-        run.play(sound);
-        return run.finish();
-    }
     /// Until the helper has said what it thinks of a model.
-    static bool becomes(bool isHere, StreamingService& service) {
-        return eventually([&] { return service.isHere() == isHere; });
+    static bool becomes(bool isHere, StreamingEngine& service) {
+        return eventually([&] { return service.isHere("") == isHere; });
     }
 
     static constexpr auto said = "ich bitte um Rückmeldung bis Montag";
@@ -235,129 +208,26 @@ protected:
     CapturedLog log;
 };
 
-TEST_F(StreamingRecognitionTest, TellsVolatilePiecesAndFinalOnesAtPauses) {
-    const auto service = real();
-    if (!service) GTEST_SKIP() << noLibrary;
-    auto sound = sentence;
-    sound += silence(2.5);
-    sound += sentence;
-    Run run(*service);
-    run.play(sound, 0, sentence.seconds() + 2.5);
-    ASSERT_TRUE(run.listener.waitFor([](const Heard& heard) { return heard.finals.size() == 1; })) << "the pause ends a piece";
-    run.play(sound, sentence.seconds() + 2.5);
-    const auto heard = run.finish();
-    EXPECT_EQ(heard.error, "");
-    ASSERT_EQ(heard.finals.size(), 2U);
-    EXPECT_FALSE(heard.finals[0].starts_with(' '));
-    EXPECT_TRUE(heard.finals[1].starts_with(' '));
-    EXPECT_TRUE(heard.finals[1].ends_with("montag")) << heard.finals[1] << ": the last word comes out";
-    EXPECT_GT(heard.partials.size(), 12U);
-    for (std::size_t i = 1; i < heard.partials.size(); ++i)
-        EXPECT_TRUE(heard.partials[i] != heard.partials[i - 1] || i + 1 == heard.partials.size() || heard.partials[i] == heard.finals[0]);
-    EXPECT_EQ(heard.ends, 1);
-}
-
-TEST_F(StreamingRecognitionTest, UnderstandsVoices) {
-    const auto service = real();
-    if (!service) GTEST_SKIP() << noLibrary;
-    WordErrorRate rate;
-    for (const auto* voice : {"m3", "f2", "f4", "m6"}) {
-        for (const auto* text : {"sehr geehrte Damen und Herren", said, "das Amtsgericht hat den Antrag auf Betreuung genehmigt"})
-            rate.add(text, hear(*service, spoken(text, voice)).text);
-    }
-    std::cout << "Wortfehlerrate: " << rate.percent() << " % von " << rate.words() << " Wörtern\n";
-    EXPECT_LT(rate.percent(), 65) << "a small model, made for tests";
-    for (const auto& [why, sound] : std::map<const char*, Sound>{{"silence", silence(12)}, {"nothing", {helperFormat, {}}}}) {
-        const auto heard = hear(*service, sound);
-        EXPECT_EQ(heard.text, "") << why;
-        EXPECT_EQ(heard.error, "") << why;
-    }
-}
-
-TEST_F(StreamingRecognitionTest, FavoursTheWordsThatItIsGiven) {
-    const auto service = real();
-    if (!service) GTEST_SKIP() << noLibrary;
-    const std::vector<std::string> names = {"Oberhuber", "Feldkirchner", "Grünwald", "Sterbegeldversicherung"};
-    auto words = names;
-    words.insert(words.end(), {"a/b:c", "", "Ж", "§ 1814 BGB"});
-    int found = 0;
-    int foundWithout = 0;
-    for (const auto& name : names) {
-        for (const auto* voice : {"f4", "m6", "m3"}) {
-            const auto sound = spoken("Telefonat mit Frau " + name + " am Montag", voice);
-            const auto has = [&](const std::vector<std::string>& favoured) {
-                return hear(*service, sound, favoured).text.find(lowercase(name)) != std::string::npos ? 1 : 0;
-            };
-            found += has(words);
-            foundWithout += has({});
-        }
-    }
-    std::cout << "Namen gefunden: " << found << " von 12, ohne Vorgabe " << foundWithout << "\n";
-    EXPECT_GE(found, foundWithout + 2);
-    EXPECT_FALSE(log.has("[speech] Der Spracherkenner ist abgestürzt."));
-}
-
-TEST_F(StreamingRecognitionTest, AnAnalysisOutlivesItsHelper) {
-    const auto service = real();
-    if (!service) GTEST_SKIP() << noLibrary;
-    const auto undisturbed = hear(*service, sentence).text;
-    for (const bool isFinishing : {false, true}) {
-        Run run(*service);
-        run.play(sentence, 0, 2);
-        ASSERT_TRUE(run.listener.waitForText());
-        if (isFinishing) {
-            run.play(sentence, 2);
-            run.analyzer->finalizeAndFinishThroughEndOfInput();
-        }
-        ::kill(service->process()->helper(), SIGKILL);
-        if (!isFinishing) run.play(sentence, 2);
-        EXPECT_EQ(run.finish().text, undisturbed) << isFinishing;
-    }
-}
-
-TEST_F(StreamingRecognitionTest, OneThatHangsEndsWithAnError) {
-    auto patient = setup(StreamingService::libraryOfBuild());
-    patient.longestSilence = seconds(1.5);
-    StreamingService service(patient);
-    if (!service.hasLibrary()) GTEST_SKIP() << noLibrary;
-    Run run(service);
-    run.play(sentence, 0, 2);
-    ASSERT_TRUE(run.listener.waitForText());
-    ::kill(service.process()->helper(), SIGSTOP);
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    run.play(sentence, 2);
-    EXPECT_TRUE(run.finish().error.starts_with("Der Spracherkenner antwortet seit")) << run.finish().error;
-    EXPECT_TRUE(service.isHere()) << "the model isn't to blame";
-    EXPECT_NE(hear(service, sentence).text, "");
-}
-
 TEST_F(StreamingRecognitionTest, IsHereWithALibraryThatWorksAndAModel) {
-    StreamingService without(setup(folder / "fehlt"));
-    EXPECT_FALSE(without.isHere());
-    EXPECT_TRUE(without.supportedLocales().empty());
-    EXPECT_EQ(without.downloadAndInstall("de-DE").error(), "Modelle werden von Hand installiert.");
+    StreamingEngine without(setup(folder / "fehlt"));
+    EXPECT_FALSE(without.isHere(""));
+    EXPECT_EQ(without.begin("de-DE", {}, {}).error(), "Es ist kein Modell für die Streaming-Erkennung installiert.");
 
-    StreamingService old(setup(fake("old")));
-    EXPECT_TRUE(old.isHere()) << "not looked at yet";
+    StreamingEngine old(setup(fake("old")));
+    EXPECT_TRUE(old.isHere("")) << "not looked at yet";
     old.preload();
     EXPECT_TRUE(becomes(false, old));
     EXPECT_EQ(old.models()[0].model.error(), "sherpa-onnx hat die Version 1.12.0, erwartet wird 1.13.8.");
     EXPECT_TRUE(log.has("[speech] Modell „Test“: sherpa-onnx hat die Version 1.12.0, erwartet wird 1.13.8."));
 
-    StreamingService crashing(setup(fake("crashing")));
+    StreamingEngine crashing(setup(fake("crashing")));
     crashing.preload();
     EXPECT_TRUE(becomes(false, crashing));
     EXPECT_EQ(crashing.models()[0].model.error(), "Der Spracherkenner stürzt beim Laden des Modells ab.");
     install("Neu"); // The user tries something else.
-    EXPECT_TRUE(crashing.isHere());
-
-    using Status = SpeechAnalysisService::AssetStatus;
-    EXPECT_EQ(crashing.assetStatus("de-AT"), Status::installed);
-    EXPECT_EQ(crashing.assetStatus("fr-FR"), Status::unsupported);
-    for (const auto* locale : {"de-DE", "de-AT", "de-CH"}) {
-        const auto known = crashing.supportedLocales();
-        EXPECT_EQ(std::ranges::count(known, locale), 1) << locale;
-    }
+    EXPECT_TRUE(crashing.isHere(""));
+    EXPECT_TRUE(crashing.isHere("de-AT"));
+    EXPECT_FALSE(crashing.isHere("fr-FR"));
 }
 
 TEST_F(StreamingRecognitionTest, TakesTheFirstModelThatWorks) {
@@ -375,77 +245,6 @@ TEST_F(StreamingRecognitionTest, TakesTheFirstModelThatWorks) {
     EXPECT_EQ(service->models()[1].model.error(), "Das Modell lässt sich nicht laden.");
     EXPECT_TRUE(hear(*service, sentence).text.ends_with("montag"));
     EXPECT_TRUE(log.has("[speech] Modell „A beschädigt“: encoder.onnx ist unvollständig; bitte neu herunterladen."));
-}
-
-TEST_F(StreamingRecognitionTest, TheEndIsToldOnceHoweverItComes) {
-    const auto service = real();
-    if (!service) GTEST_SKIP() << noLibrary;
-    struct Row {
-        const char* why;
-        std::function<void(std::shared_ptr<SpeechAnalyzer>&)> calls;
-        std::string error;
-    };
-    const auto prepared = [](SpeechAnalyzer& analyzer) {
-        EXPECT_TRUE(analyzer.prepare({}));
-        EXPECT_TRUE(analyzer.start());
-        analyzer.analyze(std::vector<float>(16000));
-    };
-    constexpr auto notPrepared = "Die Spracherkennung ist nicht vorbereitet.";
-    const std::vector<Row> rows = {
-        {"finished",
-         [&](auto& analyzer) {
-             prepared(*analyzer);
-             analyzer->finalizeAndFinishThroughEndOfInput();
-         },
-         ""},
-        {"finished and cancelled",
-         [&](auto& analyzer) {
-             prepared(*analyzer);
-             analyzer->finalizeAndFinishThroughEndOfInput();
-             analyzer->cancelAndFinishNow();
-         },
-         ""},
-        {"cancelled twice",
-         [&](auto& analyzer) {
-             prepared(*analyzer);
-             analyzer->cancelAndFinishNow();
-             analyzer->cancelAndFinishNow();
-         },
-         ""},
-        {"let go",
-         [&](auto& analyzer) {
-             prepared(*analyzer);
-             analyzer.reset();
-         },
-         ""},
-        {"let go at once", [](auto& analyzer) { analyzer.reset(); }, ""},
-        {"cancelled at once",
-         [](auto& analyzer) {
-             analyzer->cancelAndFinishNow();
-             EXPECT_FALSE(analyzer->prepare({}));
-         },
-         ""},
-        {"started unprepared",
-         [](auto& analyzer) {
-             EXPECT_FALSE(analyzer->start());
-             analyzer->analyze({0});
-         },
-         notPrepared},
-        {"finished unprepared", [](auto& analyzer) { analyzer->finalizeAndFinishThroughEndOfInput(); }, notPrepared},
-    };
-    for (const auto& row : rows) {
-        Listener listener;
-        auto analyzer = service->analyzer("de-DE", listener.streaming());
-        row.calls(analyzer);
-        EXPECT_EQ(listener.result().error, row.error) << row.why;
-        analyzer.reset();
-        hear(*service, silence(0.1)); // By then a second call would have been made.
-        EXPECT_EQ(listener.result().ends, 1) << row.why;
-    }
-    Listener listener;
-    const auto french = service->analyzer("fr-FR", listener.streaming());
-    EXPECT_EQ(french->prepare({}).error(), "Es ist kein Modell für die Streaming-Erkennung installiert.");
-    EXPECT_EQ(listener.result().error, "Es ist kein Modell für die Streaming-Erkennung installiert.");
 }
 
 } // namespace

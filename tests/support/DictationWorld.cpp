@@ -8,9 +8,8 @@ namespace querlin {
 
 // FakeTranscriber
 
-std::expected<void, TranscriptionError> FakeTranscriber::begin(const std::string& locale, bool onDeviceOnly) {
+std::expected<void, TranscriptionError> FakeTranscriber::begin(const std::string& locale) {
     begunLocale = locale;
-    begunOnDeviceOnly = onDeviceOnly;
     if (script_.beginError) return std::unexpected(*script_.beginError);
     return {};
 }

@@ -24,6 +24,7 @@ struct RecognitionScript {
     Duration delay = seconds(0.4);
     /// The recogniser gives out on the way.
     bool interrupted = false;
+    bool isVoice = true; ///< what it hears
 };
 
 class FakeTranscriber final : public StreamingTranscriber {
@@ -33,16 +34,16 @@ public:
 
     void setOnPartialResult(std::function<void(std::string)> callback) override { partial = std::move(callback); }
     void setContextualStrings(std::vector<std::string> strings) override { contextual = std::move(strings); }
-    std::expected<void, TranscriptionError> begin(const std::string& locale, bool onDeviceOnly) override;
+    std::expected<void, TranscriptionError> begin(const std::string& locale) override;
     void append(const AudioBuffer&) override { ++appendedBuffers; }
     Task<std::expected<std::string, TranscriptionError>> finish() override;
     void cancel() override;
     bool wasInterrupted() const override { return script_.interrupted; }
+    bool hasHeardVoice() const override { return script_.isVoice; }
 
     std::function<void(std::string)> partial;
     std::vector<std::string> contextual;
     std::string begunLocale;
-    bool begunOnDeviceOnly = false;
     int appendedBuffers = 0;
     bool isCancelled = false;
 
@@ -162,7 +163,7 @@ class FakeServices final : public TranscriberFactory, public SoundPlayer, public
 public:
     explicit FakeServices(MainQueue& queue) : queue_(queue) {}
 
-    SystemVersion systemVersion() const override { return version; }
+    bool hasStreaming() const override { return streamingIsHere; }
     std::shared_ptr<StreamingTranscriber> make(TranscriptionEngine engine) override;
     std::string locale(DictationLanguage language) const override { return std::string(rawValue(language)); }
     void play(FeedbackSound sound) override { sounds.push_back(sound); }
@@ -172,7 +173,7 @@ public:
     }
     void post(std::string title, std::string body, Failure) override { notifications.push_back(title + ": " + body); }
 
-    SystemVersion version{14, 0, 0};
+    bool streamingIsHere = false;
     RecognitionScript script;
     std::shared_ptr<FakeTranscriber> transcriber; ///< the last one made
     std::vector<TranscriptionEngine> madeEngines;

@@ -10,9 +10,9 @@
 #include "foundation/ThreadPool.h"
 #include "platform/av/AvFileReader.h"
 #include "platform/av/SwrConverter.h"
-#include "platform/pocketsphinx/ClassicService.h"
+#include "platform/pocketsphinx/ClassicEngine.h"
 #include "platform/pulse/PulseAudio.h"
-#include "platform/sherpa/StreamingService.h"
+#include "platform/sherpa/StreamingEngine.h"
 #include "platform/sndfile/SndfileCreator.h"
 #include "speech/AudioRecorder.h"
 #include "speech/LocalTranscribers.h"
@@ -140,9 +140,8 @@ public:
             fmt::print("  {} {}   --device={}\n", device == standard ? "*" : " ", device.name, device.uid);
         }
         fmt::print("Erkenner:\n");
-        const auto recognizer = classic_.recognizer("de-DE");
-        fmt::print("  classic    {}\n", recognizer && recognizer->isAvailable() ? "bereit" : "nicht bereit");
-        fmt::print("  streaming  {}\n", streaming_.isHere() ? "bereit" : "nicht da");
+        fmt::print("  classic    {}\n", classic_.isHere("de-DE") ? "bereit" : "nicht bereit");
+        fmt::print("  streaming  {}\n", streaming_.isHere("") ? "bereit" : "nicht da");
         for (const auto& model : streaming_.models()) {
             fmt::print("    {}: {}\n", model.name, model.model ? "brauchbar" : model.model.error());
         }
@@ -173,7 +172,7 @@ private:
         transcriber->setContextualStrings(
             options_.vocabulary > 0 ? vocabulary_.contextualStrings(options_.words, options_.vocabulary)
                                     : options_.words);
-        if (const auto ready = transcriber->begin("de-DE", true); !ready) {
+        if (const auto ready = transcriber->begin("de-DE"); !ready) {
             fmt::print(stderr, "{}\n", ready.error().description());
             co_return false;
         }
@@ -206,11 +205,12 @@ private:
     SndfileCreator files_;
     AudioRecorder recorder_{{loop_, clock_, hardware_, files_, RecordingFolder(paths_.recordings)}};
     VocabularyProvider vocabulary_{QUERLIN_RESOURCES, pool_};
-    ClassicService classic_{
+    ClassicEngine classic_{
         {.model = fs::path(QUERLIN_RESOURCES) / "StarterModel", .makeConverter = makeSwrConverter}};
-    StreamingService streaming_{{.models = options_.models.value_or(paths_.models()),
-                                 .libraries = {StreamingService::libraryOfBuild()}}};
-    LocalTranscribers transcribers_{{loop_, clock_, pool_}, classic_, streaming_, makeSwrConverter};
+    StreamingEngine streaming_{{.models = options_.models.value_or(paths_.models()),
+                                .libraries = {StreamingEngine::libraryOfBuild()},
+                                .makeConverter = makeSwrConverter}};
+    LocalTranscribers transcribers_{{loop_, clock_, pool_}, classic_, streaming_};
     TaskGroup tasks_;
     Lifetime lifetime_;
 };

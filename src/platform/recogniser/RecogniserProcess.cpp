@@ -1,6 +1,7 @@
 #include "platform/recogniser/RecogniserProcess.h"
 
-#include "platform/recogniser/HelperLoop.h"
+#include "platform/helper/Helper.h"
+#include "platform/recogniser/RecogniserClient.h"
 
 #include <utility>
 
@@ -8,40 +9,83 @@ namespace querlin {
 
 namespace fs = std::filesystem;
 
-RecogniserSession::RecogniserSession(std::shared_ptr<Mailbox<RecogniserOrder>> mailbox, std::uint32_t number,
-                                     std::shared_ptr<std::atomic<bool>> isSilent) :
-    mailbox_(std::move(mailbox)), number_(number), isSilent_(std::move(isSilent)) {}
+namespace {
 
-void RecogniserSession::append(AudioFormat format, std::vector<float> samples) {
-    mailbox_->send({number_, RecogniserOrder::Sound{format, std::move(samples)}});
+/// A session as its owner holds it: orders for the helper's thread.
+class OrderedSession final : public RecognitionSession {
+public:
+    OrderedSession(std::shared_ptr<Helper::Orders> orders, RecogniserClient* client, std::uint32_t number,
+                   std::shared_ptr<std::atomic<bool>> isSilent) :
+        orders_(std::move(orders)), client_(client), number_(number), isSilent_(std::move(isSilent)) {}
+    ~OrderedSession() override { giveUp(); }
+    OrderedSession(const OrderedSession&) = delete;
+    OrderedSession& operator=(const OrderedSession&) = delete;
+
+    void append(const AudioBuffer& buffer) override {
+        orders_->send([client = client_, number = number_, format = buffer.format,
+                       samples = std::vector<float>(buffer.samples.begin(), buffer.samples.end())] {
+            client->append(number, {format, samples});
+            return false;
+        });
+    }
+    void finish() override {
+        orders_->send([client = client_, number = number_] {
+            client->finish(number);
+            return false;
+        });
+    }
+    void cancel() override { giveUp(); }
+
+private:
+    void giveUp() {
+        if (isSilent_->exchange(true)) return;
+        orders_->send([client = client_, number = number_] {
+            client->cancel(number);
+            return false;
+        });
+    }
+
+    std::shared_ptr<Helper::Orders> orders_;
+    RecogniserClient* client_; ///< touched by orders alone, which run as long as it lives
+    std::uint32_t number_;
+    std::shared_ptr<std::atomic<bool>> isSilent_;
+};
+
+} // namespace
+
+RecogniserProcess::RecogniserProcess(Setup setup) {
+    auto client =
+        std::make_unique<RecogniserClient>(std::move(setup.makeConverter), std::move(setup.onOpened));
+    client_ = client.get();
+    helper_ = std::make_unique<Helper>(HelperSetup{.program = std::move(setup.program),
+                                                   .openRequest = RecogniserProtocol::payloadOf(setup.model),
+                                                   .name = RecogniserClient::name,
+                                                   .logCategory = "speech",
+                                                   .longestSilence = setup.longestSilence},
+                                       std::move(client));
 }
-
-void RecogniserSession::finish() { mailbox_->send({number_, RecogniserOrder::Finish{}}); }
-
-void RecogniserSession::cancel() {
-    if (!isSilent_->exchange(true)) mailbox_->send({number_, RecogniserOrder::Cancel{}});
-}
-
-RecogniserProcess::RecogniserProcess(Setup setup) :
-    mailbox_(std::make_shared<Mailbox<RecogniserOrder>>()),
-    thread_([loop = std::make_unique<HelperLoop>(std::move(setup), mailbox_, helper_)] { loop->run(); }) {}
-
-RecogniserProcess::~RecogniserProcess() {
-    mailbox_->send({0, RecogniserOrder::Quit{}});
-    if (thread_.get_id() == std::this_thread::get_id()) thread_.detach();
-}
+RecogniserProcess::~RecogniserProcess() = default;
 
 void RecogniserProcess::preload(std::vector<std::string> words) {
-    mailbox_->send({0, RecogniserOrder::Prepare{std::move(words)}});
+    helper_->orders()->send([client = client_, words = std::move(words)]() mutable {
+        client->prepare(std::move(words));
+        return true;
+    });
 }
 
-std::unique_ptr<RecogniserSession> RecogniserProcess::begin(std::vector<std::string> words,
-                                                            RecognitionObserver observer) {
+std::unique_ptr<RecognitionSession> RecogniserProcess::begin(std::vector<std::string> words,
+                                                             RecognitionObserver observer) {
     const auto number = ++lastNumber_;
     auto isSilent = std::make_shared<std::atomic<bool>>(false);
-    mailbox_->send({number, RecogniserOrder::Begin{std::move(words), std::move(observer), isSilent}});
-    return std::make_unique<RecogniserSession>(mailbox_, number, std::move(isSilent));
+    helper_->orders()->send([client = client_, number, words = std::move(words),
+                             observer = std::move(observer), isSilent]() mutable {
+        client->begin(number, std::move(words), std::move(observer), std::move(isSilent));
+        return true;
+    });
+    return std::make_unique<OrderedSession>(helper_->orders(), client_, number, std::move(isSilent));
 }
+
+pid_t RecogniserProcess::helper() const { return helper_->process(); }
 
 fs::path RecogniserProcess::defaultProgram() {
     std::error_code failure;

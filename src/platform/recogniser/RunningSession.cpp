@@ -1,6 +1,7 @@
 #include "platform/recogniser/RunningSession.h"
 
 #include "foundation/Utf8.h"
+#include "platform/helper/protocol/Frames.h"
 
 #include <algorithm>
 #include <utility>
@@ -28,18 +29,18 @@ RunningSession::RunningSession(std::uint32_t number, std::vector<std::string> wo
 
 bool RunningSession::appendNextFrame(std::string& bytes) {
     if (!isBegun_) {
-        Protocol::append(bytes, Protocol::Kind::begin, number_, Protocol::payloadOf(words_));
+        HelperProtocol::append(bytes, Protocol::Kind::begin, number_, Protocol::payloadOf(words_));
         isBegun_ = true;
         return true;
     }
     if (const auto next = sound_.from(sent_, mostSamplesInFrame); !next.empty()) {
         if (sent_ - consumed_ >= mostSamplesAhead) return false;
-        Protocol::append(bytes, Protocol::Kind::audio, number_, Protocol::payloadOf(next));
+        HelperProtocol::append(bytes, Protocol::Kind::audio, number_, Protocol::payloadOf(next));
         sent_ += next.size();
         return true;
     }
     if (!isComplete_ || isEndSent_) return false;
-    Protocol::append(bytes, Protocol::Kind::end, number_);
+    HelperProtocol::append(bytes, Protocol::Kind::end, number_);
     isEndSent_ = true;
     return true;
 }

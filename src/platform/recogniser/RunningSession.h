@@ -1,7 +1,9 @@
 #pragma once
 
-#include "platform/recogniser/RecogniserProcess.h"
 #include "platform/recogniser/SessionSound.h"
+#include "platform/recogniser/protocol/Protocol.h"
+
+#include "speech/RecognitionSession.h"
 
 #include <atomic>
 #include <cstdint>
@@ -11,7 +13,7 @@
 
 namespace querlin {
 
-/// A session as the process's thread sees it: what the helper has been sent of it and has said about it.
+/// A session as the helper's thread sees it: what the helper has been sent of it and has said about it.
 ///
 /// Places count samples from the session's beginning; the helper counts from `origin_`, where it came in.
 class RunningSession {
@@ -19,9 +21,7 @@ public:
     RunningSession(std::uint32_t number, std::vector<std::string> words, RecognitionObserver observer,
                    std::shared_ptr<std::atomic<bool>> isSilent, MakeAudioConverter makeConverter);
 
-    std::expected<void, std::string> add(AudioFormat format, std::span<const float> samples) {
-        return sound_.add(format, samples);
-    }
+    std::expected<void, std::string> add(const AudioBuffer& buffer) { return sound_.add(buffer); }
     void finish() { isComplete_ = true; }
     const std::vector<std::string>& words() const { return words_; }
 
@@ -30,11 +30,11 @@ public:
     /// Whether the helper owes it something.
     bool isWaiting() const { return isBegun_ && (!isAccepted_ || consumed_ < sent_ || isEndSent_); }
 
-    // What the helper says; false if it can't be.
+    // What the helper says; false if that can't be.
     bool consumed(std::uint64_t count);
     bool piece(const RecogniserProtocol::Piece& piece);
 
-    /// Begins again behind the last final piece, in a new helper. False the second time.
+    /// Begins again after the last final piece, in a new helper. False the second time.
     bool beginAgain();
     /// Whether the helper has heard of it.
     bool isBegun() const { return isBegun_; }
@@ -50,7 +50,7 @@ private:
     std::uint64_t origin_ = 0;
     std::uint64_t sent_ = 0;
     std::uint64_t consumed_ = 0;
-    /// Up to here volatile pieces tell less than the observer knows already.
+    /// Up to here volatile pieces hold less than the observer knows already.
     std::uint64_t knownUpTo_ = 0;
 
     bool isBegun_ = false;

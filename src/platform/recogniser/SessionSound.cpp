@@ -20,12 +20,13 @@ std::int16_t inSixteenBits(float sample) {
 
 } // namespace
 
-std::expected<void, std::string> SessionSound::add(AudioFormat format, std::span<const float> samples) {
+std::expected<void, std::string> SessionSound::add(const AudioBuffer& buffer) {
     std::vector<float> converted;
-    if (format != wanted) {
-        if (!converter_ || converterInput_ != format) {
-            converter_ = makeConverter_ ? makeConverter_(format, wanted) : nullptr;
-            converterInput_ = format;
+    auto samples = buffer.samples;
+    if (buffer.format != wanted) {
+        if (!converter_ || converterInput_ != buffer.format) {
+            converter_ = makeConverter_ ? makeConverter_(buffer.format, wanted) : nullptr;
+            converterInput_ = buffer.format;
         }
         if (!converter_) return std::unexpected("Das Tonformat lässt sich nicht umwandeln.");
         auto result = converter_->convert(samples);

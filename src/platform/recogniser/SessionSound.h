@@ -19,7 +19,7 @@ public:
     explicit SessionSound(MakeAudioConverter makeConverter) : makeConverter_(std::move(makeConverter)) {}
 
     /// Adds captured sound; the error is a German text.
-    std::expected<void, std::string> add(AudioFormat format, std::span<const float> samples);
+    std::expected<void, std::string> add(const AudioBuffer& buffer);
 
     std::uint64_t begin() const { return begin_; }
     std::uint64_t end() const { return begin_ + samples_.size() - forgotten_; }

@@ -22,7 +22,7 @@ public:
     virtual ~EngineSession() = default;
     /// The next samples (16 kHz, mono), a fraction of a second.
     virtual void accept(std::span<const std::int16_t> samples, const PieceSink& sink) = 0;
-    /// Tells the rest as final. The last call.
+    /// Hands over the rest as final. The last call.
     virtual void finish(const PieceSink& sink) = 0;
 };
 
@@ -41,7 +41,7 @@ public:
     begin(const std::vector<std::string>& words) = 0;
 };
 
-/// The engine of a name; null if there is none. `note` takes lines for the log, which tell nothing that
+/// The engine of a name; null if there is none. `note` takes lines for the log, which hold nothing that
 /// was dictated.
 using MakeEngine = std::function<std::unique_ptr<RecognitionEngine>(
     const std::string& name, const std::function<void(std::string)>& note)>;

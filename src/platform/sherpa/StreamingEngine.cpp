@@ -1,6 +1,4 @@
-#include "platform/sherpa/StreamingService.h"
-
-#include "platform/sherpa/StreamingAnalyzer.h"
+#include "platform/sherpa/StreamingEngine.h"
 
 #include "state/DiagnosticsLog.h"
 
@@ -17,8 +15,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr auto libraryName = "libsherpa-onnx-c-api.so";
-constexpr auto noModel = "Es ist kein Modell für die Streaming-Erkennung installiert.";
-constexpr auto noDownload = "Modelle werden von Hand installiert.";
 
 /// Changes with every file in the folder and its folders.
 std::string stampOf(const fs::path& folder) {
@@ -36,10 +32,25 @@ std::string stampOf(const fs::path& folder) {
     return fmt::format("{}", fmt::join(rows, "\n"));
 }
 
+/// Keeps its model's process, also when another model has taken over.
+class ModelSession final : public RecognitionSession {
+public:
+    ModelSession(std::shared_ptr<RecogniserProcess> process, std::unique_ptr<RecognitionSession> session) :
+        process_(std::move(process)), session_(std::move(session)) {}
+
+    void append(const AudioBuffer& buffer) override { session_->append(buffer); }
+    void finish() override { session_->finish(); }
+    void cancel() override { session_->cancel(); }
+
+private:
+    std::shared_ptr<RecogniserProcess> process_;
+    std::unique_ptr<RecognitionSession> session_;
+};
+
 } // namespace
 
 /// What lies in the models' folder, with what the helper has found out about it.
-struct StreamingService::Found {
+struct StreamingEngine::Found {
     std::mutex lock;
     std::string stamp = "-"; ///< of no folder
     std::vector<ModelReport> reports;
@@ -70,22 +81,21 @@ struct StreamingService::Found {
     }
 };
 
-StreamingService::StreamingService(Setup setup) :
-    setup_(std::move(setup)), found_(std::make_shared<Found>()), ends_(std::make_shared<SerialQueue>()) {}
-StreamingService::~StreamingService() = default;
+StreamingEngine::StreamingEngine(Setup setup) : setup_(std::move(setup)), found_(std::make_shared<Found>()) {}
+StreamingEngine::~StreamingEngine() = default;
 
-void StreamingService::preload() {
+void StreamingEngine::preload() {
     const auto request = requestFor("");
     if (request) processFor(*request)->preload();
 }
 
-std::vector<ModelReport> StreamingService::models() {
+std::vector<ModelReport> StreamingEngine::models() {
     found_->lookAgain(setup_.models, library());
     const std::scoped_lock guard(found_->lock);
     return found_->reports;
 }
 
-std::optional<fs::path> StreamingService::library() const {
+std::optional<fs::path> StreamingEngine::library() const {
     for (const auto& folder : setup_.libraries) {
         std::error_code failure;
         if (!folder.empty() && fs::is_regular_file(folder / libraryName, failure))
@@ -95,7 +105,7 @@ std::optional<fs::path> StreamingService::library() const {
 }
 
 /// For any language if the locale is empty.
-std::optional<RecogniserProtocol::OpenRequest> StreamingService::requestFor(const std::string& locale) {
+std::optional<RecogniserProtocol::OpenRequest> StreamingEngine::requestFor(const std::string& locale) {
     const auto file = library();
     if (!file) return std::nullopt;
     for (auto& report : models()) {
@@ -108,52 +118,43 @@ std::optional<RecogniserProtocol::OpenRequest> StreamingService::requestFor(cons
 }
 
 std::shared_ptr<RecogniserProcess>
-StreamingService::processFor(const RecogniserProtocol::OpenRequest& request) {
+StreamingEngine::processFor(const RecogniserProtocol::OpenRequest& request) {
+    std::shared_ptr<RecogniserProcess> former; // Goes when the lock is free again.
+    const std::scoped_lock guard(lock_);
     if (process_ && openRequest_ == request) return process_;
     openRequest_ = request;
-    process_ = std::make_shared<RecogniserProcess>(RecogniserProcess::Setup{
-        .program = setup_.program,
-        .model = request,
-        .longestSilence = setup_.longestSilence,
-        .onOpened =
-            [weak = std::weak_ptr(found_), request](const std::expected<void, std::string>& result) {
-                const auto found = weak.lock();
-                if (found && !result) found->reject(request, result.error());
-            },
-    });
+    former = std::exchange(process_, std::make_shared<RecogniserProcess>(RecogniserProcess::Setup{
+                                         .program = setup_.program,
+                                         .model = request,
+                                         .makeConverter = setup_.makeConverter,
+                                         .longestSilence = setup_.longestSilence,
+                                         .onOpened =
+                                             [weak = std::weak_ptr(found_),
+                                              request](const std::expected<void, std::string>& result) {
+                                                 const auto found = weak.lock();
+                                                 if (found && !result) found->reject(request, result.error());
+                                             },
+                                     }));
     return process_;
 }
 
-bool StreamingService::isHere() { return requestFor("").has_value(); }
-
-std::vector<std::string> StreamingService::supportedLocales() {
-    std::set<std::string> locales;
-    if (!hasLibrary()) return {};
-    for (const auto& report : models()) {
-        if (!report.model) continue;
-        locales.insert(report.model->language);
-        for (const auto* locale : {"de-DE", "de-AT", "de-CH", "en-US", "en-GB"}) {
-            if (report.model->serves(locale)) locales.insert(locale);
-        }
-    }
-    return {locales.begin(), locales.end()};
+std::shared_ptr<RecogniserProcess> StreamingEngine::process() {
+    const std::scoped_lock guard(lock_);
+    return process_;
 }
 
-SpeechAnalysisService::AssetStatus StreamingService::assetStatus(const std::string& locale) {
-    return requestFor(locale) ? AssetStatus::installed : AssetStatus::unsupported;
-}
+bool StreamingEngine::isHere(const std::string& locale) { return requestFor(locale).has_value(); }
 
-std::expected<void, std::string> StreamingService::downloadAndInstall(const std::string&) {
-    return std::unexpected(noDownload);
-}
-
-std::shared_ptr<SpeechAnalyzer> StreamingService::analyzer(const std::string& locale,
-                                                           SpeechAnalysisObserver observer) {
+std::expected<std::unique_ptr<RecognitionSession>, std::string>
+StreamingEngine::begin(const std::string& locale, std::vector<std::string> words,
+                       RecognitionObserver observer) {
     const auto request = requestFor(locale);
-    return std::make_shared<StreamingAnalyzer>(request ? processFor(*request) : nullptr, noModel, ends_,
-                                               std::move(observer));
+    if (!request) return std::unexpected("Es ist kein Modell für die Streaming-Erkennung installiert.");
+    auto process = processFor(*request);
+    auto session = process->begin(std::move(words), std::move(observer));
+    return std::make_unique<ModelSession>(std::move(process), std::move(session));
 }
 
-fs::path StreamingService::libraryOfBuild() { return QUERLIN_SHERPA_LIBRARY; }
+fs::path StreamingEngine::libraryOfBuild() { return QUERLIN_SHERPA_LIBRARY; }
 
 } // namespace querlin

@@ -8,11 +8,11 @@
 
 namespace querlin {
 
-/// A running recognition helper and the socket to it. It gets no descriptor but that one, and no place to
+/// A running helper and the socket to it. It gets no descriptor but that one, and no place to
 /// print to. Its end ends the helper at once. Belongs to one thread, with which the helper dies too.
 class HelperProcess {
 public:
-    /// The error is a German text.
+    /// The error says in German why the system refuses.
     static std::expected<HelperProcess, std::string> start(const std::filesystem::path& program);
 
     HelperProcess(HelperProcess&& other) noexcept;

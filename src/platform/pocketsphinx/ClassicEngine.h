@@ -2,10 +2,9 @@
 
 #include "platform/recogniser/RecogniserProcess.h"
 
-#include "speech/SpeechRecognizer.h"
+#include "speech/RecognitionSession.h"
 
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,7 +12,7 @@ namespace querlin {
 
 /// German recognition by PocketSphinx with a model that the program is delivered with. The first recognition
 /// starts the helper, unless `preload` has; it is kept then, with the list of words that it was last given.
-class ClassicService final : public SpeechRecognitionService {
+class ClassicEngine final : public SpeechEngine {
 public:
     struct Setup {
         std::filesystem::path model; ///< its folder
@@ -22,22 +21,22 @@ public:
         Duration longestSilence = std::chrono::seconds(12);
     };
 
-    explicit ClassicService(Setup setup);
-    ~ClassicService() override;
+    explicit ClassicEngine(Setup setup);
 
     /// Gets ready for a recognition with these words, so that it begins at once.
-    void preload(std::vector<std::string> words = {});
+    void preload(std::vector<std::string> words = {}) { process_.preload(std::move(words)); }
 
-    bool isAuthorized() override { return true; }
-    /// For German of any country.
-    std::shared_ptr<SpeechRecognizer> recognizer(const std::string& locale) override;
+    bool isHere(const std::string& locale) override;
+    std::expected<std::unique_ptr<RecognitionSession>, std::string>
+    begin(const std::string& locale, std::vector<std::string> words, RecognitionObserver observer) override;
 
     /// For tests and benchmarks.
-    RecogniserProcess& process() { return *process_; }
+    const RecogniserProcess& process() const { return process_; }
 
 private:
-    std::shared_ptr<SpeechRecognizer> recognizer_;
-    std::shared_ptr<RecogniserProcess> process_;
+    std::filesystem::path model_;
+    std::filesystem::path program_;
+    RecogniserProcess process_;
 };
 
 } // namespace querlin

@@ -1,4 +1,4 @@
-#include "platform/recogniser/HelperProcess.h"
+#include "platform/helper/HelperProcess.h"
 
 #include "foundation/Files.h"
 
@@ -24,9 +24,8 @@ namespace {
 constexpr int socketInHelper = 3;
 constexpr auto longestReaping = std::chrono::seconds(1);
 
-std::unexpected<std::string> cannotStart(int code) {
-    return std::unexpected("Das Hilfsprogramm der Spracherkennung lässt sich nicht starten: " +
-                           FileError{std::error_code(code, std::generic_category())}.description());
+std::unexpected<std::string> failure(int code) {
+    return std::unexpected(FileError{std::error_code(code, std::generic_category())}.description());
 }
 
 /// What the child does between its birth and the helper's first instruction.
@@ -66,14 +65,14 @@ private:
 
 std::expected<HelperProcess, std::string> HelperProcess::start(const std::filesystem::path& program) {
     std::array<int, 2> sockets{};
-    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets.data()) != 0) return cannotStart(errno);
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets.data()) != 0) return failure(errno);
     ::fcntl(sockets[0], F_SETFL, O_NONBLOCK); // NOLINT(*-vararg)
     pid_t id = -1;
-    const int failure = SpawnPlan(sockets[1]).spawn(id, program.string());
+    const int code = SpawnPlan(sockets[1]).spawn(id, program.string());
     ::close(sockets[1]);
-    if (failure != 0) {
+    if (code != 0) {
         ::close(sockets[0]);
-        return cannotStart(failure);
+        return failure(code);
     }
     return HelperProcess(id, sockets[0]);
 }
@@ -90,7 +89,7 @@ HelperProcess& HelperProcess::operator=(HelperProcess&& other) noexcept {
     return *this;
 }
 
-/// A process that is stuck in the kernel can't be waited for; it is left behind.
+/// A process that is stuck in the kernel can't be waited for; it is left to the system.
 void HelperProcess::end() {
     if (socket_ >= 0) ::close(std::exchange(socket_, -1));
     if (id_ < 0) return;
