@@ -19,9 +19,9 @@ public:
                      std::unique_ptr<SystemTray> systemTray) :
         surfaces_(std::move(surfaces)),
         systemTray_(std::move(systemTray)),
-        holdKey_(queue),
+        holdKey_(queue, ownKeys_),
         clipboard_(queue),
-        pasteKey_(queue),
+        pasteKey_(queue, ownKeys_),
         focusReturn_(queue) {}
 
     bool canListenToKeys() override { return capabilities_.canListenToKeys(); }
@@ -38,6 +38,7 @@ public:
 private:
     std::unique_ptr<Surfaces> surfaces_;
     std::unique_ptr<SystemTray> systemTray_;
+    std::shared_ptr<OwnKeys> ownKeys_ = std::make_shared<OwnKeys>();
     X11Capabilities capabilities_;
     X11Workspace workspace_;
     X11HoldKey holdKey_;

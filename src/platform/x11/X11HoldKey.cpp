@@ -31,18 +31,19 @@ Registration X11HoldKey::listen(const HotkeyConfig& wanted, Handler handler) {
         tell(HoldKeyEvent{kind, std::chrono::steady_clock::now()});
     };
     const auto states = std::make_shared<HoldKeyStates>(wanted); // Of the stream's thread alone.
-    listening->stream.emplace(display_,
-                              KeyStream::Listener{.begun =
-                                                      [states, report](const HoldKeyStates::Keymap& held) {
-                                                          states->begin(held);
-                                                          report(Kind::ready);
-                                                      },
-                                                  .key =
-                                                      [states, report](std::uint8_t key, bool isDown) {
-                                                          const auto kind = states->take(key, isDown);
-                                                          if (kind) report(*kind);
-                                                      },
-                                                  .lost = [report] { report(Kind::lost); }});
+    listening->stream.emplace(
+        display_, KeyStream::Listener{.begun =
+                                          [states, report](const HoldKeyStates::Keymap& held) {
+                                              states->begin(held);
+                                              report(Kind::ready);
+                                          },
+                                      .key =
+                                          [states, report, own = ownKeys_](std::uint8_t key, bool isDown) {
+                                              if (isDown && own->takePress(key)) return;
+                                              const auto kind = states->take(key, isDown);
+                                              if (kind) report(*kind);
+                                          },
+                                      .lost = [report] { report(Kind::lost); }});
     boundKey_ = wanted.displayName();
     return Registration([this, listening = std::move(listening)]() mutable {
         listening.reset();

@@ -2,7 +2,9 @@
 
 #include "desktop/HoldKey.h"
 #include "foundation/MainQueue.h"
+#include "platform/x11/OwnKeys.h"
 
+#include <memory>
 #include <string>
 
 namespace querlin {
@@ -11,9 +13,11 @@ namespace querlin {
 /// stream's thread; the main thread only hears of the hold key. Main thread.
 class X11HoldKey final : public HoldKey {
 public:
-    /// `display` names the server (":1"); empty means that of the environment.
-    explicit X11HoldKey(MainQueue& queue, std::string display = {}) :
-        queue_(queue), display_(std::move(display)) {}
+    /// `ownKeys` are those that the program itself presses. `display` names the server (":1"); empty means
+    /// that of the environment.
+    explicit X11HoldKey(MainQueue& queue, std::shared_ptr<OwnKeys> ownKeys = std::make_shared<OwnKeys>(),
+                        std::string display = {}) :
+        queue_(queue), ownKeys_(std::move(ownKeys)), display_(std::move(display)) {}
 
     Registration listen(const HotkeyConfig& wanted, Handler handler) override;
     bool isReady() const override { return isReady_; }
@@ -22,6 +26,7 @@ public:
 
 private:
     MainQueue& queue_;
+    std::shared_ptr<OwnKeys> ownKeys_;
     const std::string display_;
     bool isReady_ = false;
     std::string boundKey_;

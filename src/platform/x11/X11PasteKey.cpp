@@ -83,6 +83,7 @@ std::vector<std::uint8_t> X11PasteKey::heldAmong(const std::vector<std::uint8_t>
 }
 
 void X11PasteKey::send(std::uint8_t keyCode, bool isDown) const {
+    if (isDown) ownKeys_->willPress(keyCode);
     xcb_test_fake_input(connection_->get(), isDown ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keyCode,
                         XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
 }

@@ -3,6 +3,7 @@
 #include "desktop/PasteKey.h"
 #include "foundation/MainQueue.h"
 #include "platform/x11/KeyboardMap.h"
+#include "platform/x11/OwnKeys.h"
 #include "platform/x11/XcbConnection.h"
 
 #include <memory>
@@ -14,9 +15,11 @@ namespace querlin {
 /// the keys is asked for at each press, so a layout may change at any time. Main thread.
 class X11PasteKey final : public PasteKey {
 public:
-    /// `display` names the server (":1"); empty means that of the environment.
-    explicit X11PasteKey(MainQueue& queue, std::string display = {}) :
-        queue_(queue), display_(std::move(display)) {}
+    /// `ownKeys` gets to know what is pressed. `display` names the server (":1"); empty means that of the
+    /// environment.
+    explicit X11PasteKey(MainQueue& queue, std::shared_ptr<OwnKeys> ownKeys = std::make_shared<OwnKeys>(),
+                         std::string display = {}) :
+        queue_(queue), ownKeys_(std::move(ownKeys)), display_(std::move(display)) {}
 
     Task<> awaitFreeKeyboard() override;
     /// What is still held is released in the user's place.
@@ -30,6 +33,7 @@ private:
     void send(const KeyChord& chord) const;
 
     MainQueue& queue_;
+    std::shared_ptr<OwnKeys> ownKeys_;
     const std::string display_;
     std::unique_ptr<XcbConnection> connection_;
 };

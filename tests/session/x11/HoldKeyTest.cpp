@@ -4,6 +4,7 @@
 
 #include "platform/x11/X11Capabilities.h"
 #include "platform/x11/X11HoldKey.h"
+#include "platform/x11/X11PasteKey.h"
 #include "platform/x11/XcbConnection.h"
 #include "support/CapturedLog.h"
 #include "support/Desktop.h"
@@ -46,7 +47,8 @@ private:
 struct HoldKeyTest : testing::Test {
     CapturedLog log;
     RunLoop loop;
-    X11HoldKey holdKey{loop};
+    std::shared_ptr<OwnKeys> ownKeys = std::make_shared<OwnKeys>();
+    X11HoldKey holdKey{loop, ownKeys};
     std::string heard; ///< "!" ready, "+" pressed, "-" released, "o" another key, "?" lost
     Registration listening;
 
@@ -114,6 +116,17 @@ TEST_F(HoldKeyTest, LosesNothingInAStorm) {
     EXPECT_TRUE(hears(wanted));
 }
 
+TEST_F(HoldKeyTest, APasteOfOursIsNoKeyOfTheUsers) {
+    X11PasteKey pasteKey(loop, ownKeys);
+    listen(holdKey, modifier(ModifierKey::fn));
+    const Keys keys;
+    keys.send(151, true);
+    EXPECT_TRUE(await(loop, pasteKey.press(PasteShortcut::standard)));
+    keys.tap(55); // The user's own V.
+    keys.send(151, false);
+    EXPECT_TRUE(hears("+o-")) << heard;
+}
+
 TEST_F(HoldKeyTest, MayEndWithinItsOwnCallAndIsSilentThen) {
     int calls = 0;
     listening = holdKey.listen(modifier(ModifierKey::altGr), [&](const HoldKeyEvent&) {
@@ -131,7 +144,7 @@ TEST_F(HoldKeyTest, ReportsALostServerOnce) {
     auto server = std::make_unique<OwnServer>();
     X11Capabilities capabilities(server->display());
     EXPECT_TRUE(capabilities.canListenToKeys() && capabilities.canPressKeys());
-    X11HoldKey there(loop, server->display());
+    X11HoldKey there(loop, std::make_shared<OwnKeys>(), server->display());
     listen(there);
     Keys(server->display()).send(altGr, true);
     EXPECT_TRUE(hears("+"));
@@ -145,7 +158,7 @@ TEST_F(HoldKeyTest, ReportsALostServerOnce) {
 
 TEST_F(HoldKeyTest, NeitherListensNorEndsSlowlyWithAStoppedServer) {
     const OwnServer server;
-    X11HoldKey there(loop, server.display());
+    X11HoldKey there(loop, std::make_shared<OwnKeys>(), server.display());
     listen(there);
     server.stop();
     const auto begun = std::chrono::steady_clock::now();
@@ -159,7 +172,7 @@ TEST_F(HoldKeyTest, NeitherListensNorEndsSlowlyWithAStoppedServer) {
 }
 
 TEST_F(HoldKeyTest, IsNeverReadyWithoutAServer) {
-    X11HoldKey nowhere(loop, ":9999");
+    X11HoldKey nowhere(loop, std::make_shared<OwnKeys>(), ":9999");
     listening = nowhere.listen(HotkeyConfig(), [](const HoldKeyEvent&) { FAIL(); });
     EXPECT_TRUE(eventually([this] { return log.countOf("nicht zu hören") == 1; }));
     serve(loop, seconds(0.02));

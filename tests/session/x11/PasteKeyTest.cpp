@@ -125,7 +125,7 @@ TEST_F(PasteKeyTest, ReleasesWhatStaysDownAfterASecond) {
 TEST(NoPasteKeyTest, SaysNoWithoutAServer) {
     RunLoop loop;
     CapturedLog log;
-    X11PasteKey nowhere(loop, ":9999");
+    X11PasteKey nowhere(loop, std::make_shared<OwnKeys>(), ":9999");
     EXPECT_FALSE(await(loop, pressWhenFree(nowhere, PasteShortcut::standard)));
     EXPECT_GE(log.countOf("keine Tasten drücken"), 1U);
 }
