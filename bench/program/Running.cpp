@@ -78,7 +78,7 @@ RunningProgram::RunningProgram() {
 
 bool RunningProgram::comesUp(Tray& tray) const {
     constexpr auto longest = std::chrono::seconds(20);
-    const auto listens = [&] { return contentOf(paths_.log).contains("installHotkey → OK"); };
+    const auto listens = [&] { return contentOf(paths_.log).contains("Die Diktattaste wird gehört"); };
     return tray.awaitSymbol(longest) && eventually(listens, longest);
 }
 

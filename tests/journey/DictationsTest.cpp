@@ -99,7 +99,6 @@ TEST_F(Dictations, TheKeyPressedAgainBeforeTheTextIsThereChangesNothing) {
     release();
     const std::string text = "Das Amtsgericht hat den Antrag auf Betreuung genehmigt.";
     expectDelivered("Textbereich: " + text, text);
-    EXPECT_EQ(querlin.countOf("Hotkey GEDRÜCKT"), 2U);
 }
 
 TEST_F(Dictations, OneAfterTheOther) {
@@ -114,7 +113,7 @@ TEST_F(Dictations, OneAfterTheOther) {
         EXPECT_EQ(clipboard(), copiedBefore);
     }
     EXPECT_EQ(querlin.history().size(), 3U);
-    EXPECT_EQ(querlin.statistics(), "3 Diktate, 9 Wörter");
+    EXPECT_TRUE(eventually([&] { return querlin.statistics() == "3 Diktate, 9 Wörter"; })) << querlin.statistics();
 }
 
 } // namespace

@@ -25,8 +25,7 @@ struct Interruptions : Journey {
 TEST_F(Interruptions, AFieldThatTakesNoText) {
     startQuerlin();
     const auto fields = open({QUERLIN_QT_FIELDS}, "Textfeld: Zeile");
-    for (const auto* field :
-         {"Textfeld (Passwort): -", "Textbereich: erste\nzweite", "Textfeld: Auswahl", "unbekannt: nur lesen"}) {
+    for (const auto* field : {"Textfeld (Passwort): -", "Textbereich: erste\nzweite", "Textfeld: Auswahl", "unbekannt: nur lesen"}) {
         shell("xdotool key Tab");
         ASSERT_TRUE(becomes(field));
     }

@@ -106,7 +106,8 @@ void Journey::expectDelivered(const std::string& field, const std::string& text)
     const auto history = querlin.history();
     ASSERT_EQ(history.size(), 1U);
     EXPECT_EQ(history.front().text, text);
-    EXPECT_EQ(querlin.statistics(), fmt::format("1 Diktate, {} Wörter", countWords(text)));
+    const auto counted = fmt::format("1 Diktate, {} Wörter", countWords(text));
+    EXPECT_TRUE(eventually([&] { return querlin.statistics() == counted; })) << querlin.statistics();
     EXPECT_TRUE(querlin.rescued().empty());
     EXPECT_TRUE(querlin.recordings().empty());
 }

@@ -31,7 +31,7 @@ public:
     /// The log begins anew with it.
     void start();
     /// True if it comes to listen for the hold key.
-    bool listens() const { return says("[controller] installHotkey → OK"); }
+    bool listens() const { return says("[hotkey] Die Diktattaste wird gehört"); }
     bool isRunning() const { return id_ > 0; }
     pid_t id() const { return id_; }
     /// Sends the signal and waits. The exit status; a signal's number, negative, where one has ended it; nothing if it

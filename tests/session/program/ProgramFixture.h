@@ -32,7 +32,7 @@ protected:
     static std::unique_ptr<Program> start() {
         std::filesystem::remove(log());
         auto started = std::make_unique<Program>(std::vector<std::string>{QUERLIN_PROGRAM});
-        EXPECT_TRUE(eventually([] { return logHas("installHotkey → OK"); }));
+        EXPECT_TRUE(eventually([] { return logHas("Die Diktattaste wird gehört"); }));
         return started;
     }
     /// How a command of the shell ends, and what it says.
