@@ -26,7 +26,7 @@
 namespace querlin {
 
 /// All that the program reaches of the machine it runs on: an adapter for each port, in the order in which
-/// they need one another. Nothing here decides anything. Made and destroyed on the main thread, behind the
+/// they need one another. Nothing here decides anything. Made and destroyed on the main thread, after the
 /// toolkit's application object.
 struct Machine {
     Machine(const ApplicationPaths& paths, const Installation& own, DisplayServers::Maker makeDisplayServer);

@@ -93,11 +93,11 @@ void FocusTracker::run() {
     }
 }
 
-/// The bus's address. On the way toolkits are told to show their trees.
+/// The bus's address. Asks toolkits to show their trees as well.
 std::expected<std::string, int> FocusTracker::findBus() const {
     auto session = AtspiBus::openSession(longestCall, end_.descriptor());
     if (!session) return std::unexpected(session.error());
-    // One that can't be told so may still have a bus.
+    // A session that doesn't know this property may still have a bus.
     (void)session->call(launcher(), AtspiInterface::properties, "Set", longestCall, "ssv", "org.a11y.Status",
                         "IsEnabled", "b", 1);
     const auto answer = session->call(launcher(), "org.a11y.Bus", "GetAddress", longestCall);

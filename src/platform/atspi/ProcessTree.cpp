@@ -17,7 +17,7 @@ std::int32_t parentOf(std::int32_t process) {
     std::ifstream file(fmt::format("/proc/{}/stat", process));
     std::string line;
     std::getline(file, line);
-    // The name in brackets may hold anything; the state and the parent stand behind it.
+    // The name in brackets may contain anything; state and parent follow it.
     const auto end = line.rfind(')');
     if (end == std::string::npos || end + 4 > line.size()) return 0;
     return std::atoi(line.c_str() + end + 4); // NOLINT(cert-err34-c): the kernel writes numbers

@@ -6,7 +6,7 @@ namespace querlin {
 
 namespace {
 
-/// Two texts, each with a zero behind it: the instance's name, and the class.
+/// Two zero-terminated texts: the instance's name, and the class.
 std::string classOf(const std::string& bytes) {
     const auto end = bytes.find('\0');
     if (end == std::string::npos) return bytes;

@@ -41,7 +41,7 @@ ClipboardSession::~ClipboardSession() = default;
 void ClipboardSession::handle(const xcb_generic_event_t& event) {
     if (eventType(event) == XCB_PROPERTY_NOTIFY) {
         const auto& change = eventAs<xcb_property_notify_event_t>(event);
-        if (change.window == window_ && change.atom == clock_) told_ = change.time;
+        if (change.window == window_ && change.atom == clock_) reportedTime_ = change.time;
     }
     owner_.handle(event);
     reader_.handle(event);
@@ -67,14 +67,14 @@ bool ClipboardSession::serveUntil(const std::function<bool()>& reached, Duration
     }
 }
 
-/// A change of nothing is told with its time.
+/// The server reports a change of a property with its time, also an empty change.
 std::optional<xcb_timestamp_t> ClipboardSession::serverTime() {
-    told_.reset();
+    reportedTime_.reset();
     xcb_change_property(connection_->get(), XCB_PROP_MODE_APPEND, window_, clock_, XCB_ATOM_STRING, 8, 0,
                         nullptr);
     connection_->flush();
-    serveUntil([this] { return told_.has_value(); }, longestWaitForTime);
-    return told_;
+    serveUntil([this] { return reportedTime_.has_value(); }, longestWaitForTime);
+    return reportedTime_;
 }
 
 ClipboardSnapshot ClipboardSession::capture(const SelectionReader::Serve& serve) {
@@ -86,7 +86,7 @@ ClipboardSnapshot ClipboardSession::capture(const SelectionReader::Serve& serve)
 }
 
 bool ClipboardSession::write(SelectionContents contents) {
-    // The time we were told may lie before that of somebody's who has copied in the same moment.
+    // Another program may have copied something at a later time meanwhile.
     for (int attempt = 0; attempt < 2; ++attempt) {
         const auto time = serverTime();
         if (!time) return false;

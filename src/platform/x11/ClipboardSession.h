@@ -41,7 +41,7 @@ private:
     XcbAtoms atoms_;
     xcb_window_t window_;
     xcb_atom_t clock_;
-    std::optional<xcb_timestamp_t> told_;
+    std::optional<xcb_timestamp_t> reportedTime_;
     SelectionOwner owner_;
     SelectionReader reader_;
 };

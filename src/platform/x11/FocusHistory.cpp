@@ -76,7 +76,7 @@ bool FocusHistory::takeEvents() {
 void FocusHistory::look() {
     const auto active = focus_.active();
     if (active == XCB_WINDOW_NONE) return;
-    // One that has just gone may still be told of, and says nothing of itself any more.
+    // A window that has just gone may still be reported, but has no properties any more.
     if (active != last_ && focus_.isThere(active) && focus_.isOfAnotherProgram(active)) remember(active);
     if (active == last_) answerAll(true);
 }

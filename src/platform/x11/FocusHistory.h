@@ -30,7 +30,7 @@ public:
     bool mustLookByItself() const { return !focus_.isManaged(); }
 
     void add(std::vector<FocusWish> wishes);
-    /// Takes what the server has told, and fulfils what can be.
+    /// Handles the server's events, and fulfils the wishes that can be.
     void serve();
 
 private:

@@ -9,7 +9,7 @@
 
 namespace querlin {
 
-/// What we hand out for as long as we own the clipboard, and to those who have begun to read behind that.
+/// What we hand out while we own the clipboard, and afterwards to those who have begun to read before.
 struct SelectionContents {
     struct Form {
         xcb_atom_t target;

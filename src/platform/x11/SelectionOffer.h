@@ -11,7 +11,7 @@
 
 namespace querlin {
 
-/// What has become of a text on the clipboard: told by the clipboard's thread, read on the main thread.
+/// What has become of a text on the clipboard: written by the clipboard's thread, read by the main thread.
 class SelectionOffer final : public ClipboardOffer {
 public:
     bool isCurrent() const override { return isCurrent_; }

@@ -24,7 +24,7 @@ public:
     /// What is there, in the owner's order; what had to be left out is noted. `time` is the server's present
     /// time.
     ClipboardSnapshot read(xcb_timestamp_t time, const Serve& serve);
-    /// To be told of what happens while `read` serves.
+    /// Must be given every event while `read` runs.
     void handle(const xcb_generic_event_t& event);
 
 private:

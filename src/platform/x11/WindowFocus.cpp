@@ -15,7 +15,7 @@ bool contains(const std::vector<std::uint32_t>& numbers, std::uint32_t wanted) {
 
 } // namespace
 
-/// A manager that has gone leaves its properties behind, but not its window.
+/// A manager that has gone leaves its properties on the root window, but its own window is gone.
 void WindowFocus::lookForManager() {
     const auto check = numbers(connection_.root(), "_NET_SUPPORTING_WM_CHECK");
     isManaged_ = !check.empty() &&

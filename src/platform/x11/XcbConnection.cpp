@@ -68,7 +68,7 @@ std::expected<std::unique_ptr<XcbConnection>, std::string> XcbConnection::open(c
         Handle connection;
         int screen = 0;
     };
-    // A server that is stopped accepts, and never says more. Then this thread is left behind.
+    // A stopped server accepts the connection and never answers. The thread is abandoned then.
     std::promise<Opened> promise;
     auto opened = promise.get_future();
     std::thread([display, promise = std::move(promise)]() mutable {

@@ -21,7 +21,7 @@ template<class Reply>
 using XcbOwned = std::unique_ptr<Reply, FreeXcb>;
 using XcbEvent = XcbOwned<xcb_generic_event_t>;
 
-/// A connection to an X server, of one thread's own. No call waits longer for the server than it is told to.
+/// A connection to an X server, used by one thread. No call waits longer for the server than the limit given.
 /// One that has once not answered in time counts as lost, for its answers would come at the wrong place.
 class XcbConnection {
 public:
