@@ -85,7 +85,7 @@ void runRecognising(Report& report) {
     report.times("the whole way", ours, alone, Bar::atMost(1.5));
     report.row("real time", inWords(ours), inWords(seconds(minute)), seconds(minute) / ours, Bar::atLeast(1));
 
-    report.section("the wait behind a dictation of ten seconds");
+    report.section("the wait after a dictation of ten seconds");
     const auto spoken = dictation(10);
     const auto shown = [&](std::string_view name, TranscriptionEngine engine) {
         std::vector<double> waits;

@@ -36,7 +36,7 @@ struct Machine {
     Runtime lawRuntime() { return {.mainQueue = queue, .clock = clock, .background = lawPool}; }
     /// For files that change often; keeps the order of what it is given.
     Runtime storageRuntime() { return {.mainQueue = queue, .clock = clock, .background = storage}; }
-    bool hasMicrophone() const { return devices.systemDefaultInput().has_value(); }
+    bool hasMicrophone() { return devices.systemDefaultInput().has_value(); }
     bool canRecognise();
 
     QtMainQueue queue;

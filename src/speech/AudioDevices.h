@@ -19,18 +19,20 @@ struct AudioInputDevice {
     bool operator==(const AudioInputDevice&) const = default;
 };
 
-/// The machine's microphones, read afresh at each call. Main thread; blocks for a moment.
+/// The machine's microphones at this moment. Main thread.
 class AudioDevices {
 public:
     explicit AudioDevices(AudioHardware& hardware) : hardware_(hardware) {}
 
     /// All devices with input channels, sorted by name as a German list is.
-    std::vector<AudioInputDevice> inputs() const;
-    std::optional<std::uint32_t> deviceID(std::string_view uid) const;
-    std::optional<AudioInputDevice> systemDefaultInput() const;
+    const std::vector<AudioInputDevice>& inputs();
+    std::optional<std::uint32_t> deviceID(std::string_view uid);
+    std::optional<AudioInputDevice> systemDefaultInput();
 
 private:
     AudioHardware& hardware_;
+    std::shared_ptr<const AudioHardware::Inputs> known_; ///< what `inputs_` was made of
+    std::vector<AudioInputDevice> inputs_;
 };
 
 } // namespace querlin

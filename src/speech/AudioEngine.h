@@ -16,9 +16,10 @@ namespace querlin {
 /// Takes sound from one input. A port; main thread, but for the tap.
 ///
 /// After a change of the hardware that touches the input in use (another default, the device gone, the
-/// sound server restarted) the engine tells its observer once; it may have stopped by itself. Whoever
+/// sound server restarted) the engine calls its observer once; it may have stopped by itself. Whoever
 /// wants to go on reads the format, installs the tap anew and starts. Where the sound goes on in the
-/// same format, nothing of it is lost in between. No call waits longer than two seconds.
+/// same format, nothing of it is lost in between. No call waits for more than a moment: an input that takes
+/// longer to open opens while the program goes on, and the observer is called if it fails.
 class AudioEngine {
 public:
     using Tap = std::function<void(const AudioBuffer&)>;
@@ -36,7 +37,7 @@ public:
     /// From now on `tap` gets the sound in buffers of about `frames` frames, on a thread of the engine
     /// and one at a time. There is one tap at most.
     virtual void installTap(std::uint32_t frames, AudioFormat format, Tap tap) = 0;
-    /// Hands over what hasn't filled a buffer yet (on this thread) and takes the tap away: behind this
+    /// Hands over what hasn't filled a buffer yet (on this thread) and takes the tap away: after this
     /// call it is neither running nor called again. Harmless without a tap. Not from within the tap.
     virtual void removeTap() = 0;
 
@@ -49,8 +50,7 @@ public:
     virtual Registration observeConfigurationChange(std::function<void()> changed) = 0;
 };
 
-/// The inputs of the machine, as the sound server knows them. A port; main thread, and each call blocks
-/// for a moment, two seconds at most.
+/// The inputs of the machine, as the sound server knows them. A port; main thread.
 class AudioHardware {
 public:
     /// A device of any kind. What can't be read of it is unset.
@@ -61,11 +61,14 @@ public:
         std::uint32_t inputChannels = 0; ///< 0 for what is no input
     };
 
+    struct Inputs {
+        std::vector<Device> devices;    ///< all devices; empty without a sound server
+        std::uint32_t defaultInput = 0; ///< the number of the default input, 0 if there is none
+    };
+
     virtual ~AudioHardware() = default;
-    /// All devices; empty without a sound server.
-    virtual std::vector<Device> devices() = 0;
-    /// The number of the default input, 0 if there is none.
-    virtual std::uint32_t defaultInput() = 0;
+    /// What is known at this moment; asks nobody. The same object as long as nothing changes.
+    virtual std::shared_ptr<const Inputs> inputs() = 0;
     /// A capture of its own, apart from all others. Doesn't outlive the hardware.
     virtual std::unique_ptr<AudioEngine> makeEngine() = 0;
 };

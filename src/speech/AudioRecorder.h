@@ -59,7 +59,7 @@ struct AudioRecorderParts {
 };
 
 /// The microphone for the length of one dictation: hands buffers on at once, writes the same sound to a
-/// file, tells a level, and outlives a change of the hardware that keeps the format. Used again from
+/// file, reports a level, and outlives a change of the hardware that keeps the format. Used again from
 /// dictation to dictation. Main thread, but for what is said of the buffers.
 class AudioRecorder {
 public:

@@ -14,7 +14,7 @@
 
 namespace querlin {
 
-/// The professional vocabulary as it lies in the resources. The counts are told as they stand there.
+/// The professional vocabulary as it lies in the resources. The counts are reported as they stand there.
 struct VocabularyFile {
     std::string generated; ///< a date for people
     std::int64_t total = 0;

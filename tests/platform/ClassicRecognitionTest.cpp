@@ -44,7 +44,7 @@ TEST(ContextModelTest, TakesWordsThatCanBeSpoken) {
         const auto phrases = ContextModel::phrases({row.text});
         EXPECT_EQ(phrases.empty() ? std::vector<std::string>() : phrases[0], row.words) << row.why;
     }
-    // Every phrase may begin; behind "im" comes "Alter", nothing else.
+    // Every phrase may begin; after "im" comes "Alter", nothing else.
     EXPECT_EQ(ContextModel::arpa({{"im", "Alter"}, {"Akte"}}),
               "\\data\\\nngram 1=5\nngram 2=1\n\n\\1-grams:\n-1.0 </s> 0\n-99 <s> 0\n-0.3158 Akte 0.0000\n"
               "-1.4771 Alter 0.0000\n-0.3158 im -1.0000\n\n\\2-grams:\n-0.0458 im Alter\n\n\\end\\\n");

@@ -73,6 +73,7 @@ struct Hearing : testing::Test {
     void SetUp() override {
         if (!SoundServer::isInstalled()) GTEST_SKIP() << "PulseAudio is not installed.";
         server.addMicrophone("mikrofon");
+        ASSERT_TRUE(eventually([&] { return hardware.inputs()->defaultInput != 0; }));
     }
 
     std::shared_ptr<StreamingTranscriber> listen() {

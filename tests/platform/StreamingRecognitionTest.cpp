@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 using Properties = std::map<std::string, std::string>;
 
-/// An ONNX file without a use, which says of itself what it is told to.
+/// An ONNX file without a use, which says of itself what a test wants.
 std::string onnxFile(const Properties& properties, std::size_t graphInBytes = 300) {
     const auto length = [](std::size_t size) {
         std::string bytes;
@@ -89,7 +89,7 @@ TEST_F(StreamingModelsTest, TellsWhatIsWrongWithAFolder) {
         {"nothing in a file", with("joiner-99.onnx", ""), "joiner-99.onnx ist keine ONNX-Datei."},
         {"cut off in the graph", with("encoder-99.onnx", encoder.substr(0, 200)),
          "encoder-99.onnx ist unvollständig; bitte neu herunterladen."},
-        {"cut off behind it", with("encoder-99.onnx", encoder.substr(0, encoder.size() - 3)),
+        {"cut off after it", with("encoder-99.onnx", encoder.substr(0, encoder.size() - 3)),
          "encoder-99.onnx ist unvollständig; bitte neu herunterladen."},
         {"cut off in front of it", with("encoder-99.onnx", encoder.substr(0, 11)),
          "encoder-99.onnx ist unvollständig; bitte neu herunterladen."},
@@ -156,7 +156,7 @@ TEST_F(StreamingModelsTest, ChoosesFilesAndWhatTheEngineMayDo) {
     EXPECT_EQ(fs::path(settings["joiner"]).filename(), "joiner-99.onnx");
     EXPECT_EQ(settings["padding"], "0.55") << "as long as a chunk of the model";
     EXPECT_FALSE(settings.contains("modelingUnit")) << "to favour words would end the process";
-    EXPECT_TRUE(usable(files).serves("de-AT")) << "German, where nothing else is told";
+    EXPECT_TRUE(usable(files).serves("de-AT")) << "German, where nothing else is said";
 
     files["MODELL.json"] = R"({"language": "en-US", "modelingUnit": "bpe"})";
     EXPECT_FALSE(usable(files).request.settings.contains("modelingUnit")) << "without its pieces";

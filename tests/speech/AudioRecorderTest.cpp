@@ -114,7 +114,7 @@ TEST_F(Recorder, TheLevelRisesAtOnceAndFallsSlowly) {
     recorder.setOnLevel([&](float level) { levels.push_back(level); });
     ASSERT_TRUE(recorder.start(WriteToDisk::No));
     hardware.deliver(loud);
-    hardware.deliver(silence); // Within the same 0.05 seconds: filtered, not told.
+    hardware.deliver(silence); // Within the same 0.05 seconds: filtered, not reported.
     EXPECT_TRUE(levels.empty()) << "never on the audio thread";
     time.advance(seconds(0.06));
     hardware.deliver(silence);
@@ -123,7 +123,7 @@ TEST_F(Recorder, TheLevelRisesAtOnceAndFallsSlowly) {
     EXPECT_EQ(levels[0], 1);
     EXPECT_FLOAT_EQ(levels[1], 0.82F * 0.82F);
     recorder.stop();
-    EXPECT_EQ(levels.back(), 0) << "told directly";
+    EXPECT_EQ(levels.back(), 0) << "reported directly";
     EXPECT_EQ(levels.size(), 3U);
     recorder.stop();
     EXPECT_EQ(levels.size(), 3U);
@@ -184,7 +184,7 @@ TEST(AudioDevices, ListsInputsByNameAndFindsThem) {
     FakeAudioHardware hardware;
     hardware.list = {{1, "a", "usb-Mikrofon", 1}, {2, "b", "Lautsprecher", 0}, {3, "c", "Ähre", 2},
                      {4, "d", "Axt", 1},          {5, {}, "Namenlos", 1},      {6, "f", {}, 1}};
-    const AudioDevices devices(hardware);
+    AudioDevices devices(hardware);
     const std::vector<AudioInputDevice> expected = {{"c", "Ähre", 3}, {"d", "Axt", 4}, {"a", "usb-Mikrofon", 1}};
     EXPECT_EQ(devices.inputs(), expected);
     EXPECT_EQ(devices.deviceID("d"), 4U);

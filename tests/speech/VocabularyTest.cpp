@@ -37,7 +37,7 @@ TEST_F(Vocabulary, TheUsersWordsComeFirstAndEachWordOnce) {
                                 "trimmed; of one word the first spelling counts; prepared words aren't trimmed"},
                             Row{{"a", "b", "c", "d"}, 3, {"a", "b", "c"}, "the cap is reached before the prepared words"},
                             Row{{}, 2, {"Betreuer", "Betreuung"}, "the cap cuts the prepared words"},
-                            Row{{"a"}, 0, {"a"}, "the cap is looked at behind each word"}}) {
+                            Row{{"a"}, 0, {"a"}, "the cap is looked at after each word"}}) {
         EXPECT_EQ(provider.contextualStrings(row.user, row.limit), row.result) << row.reason;
     }
 }

@@ -17,8 +17,7 @@ class FakeAudioHardware final : public AudioHardware {
 public:
     class Engine;
 
-    std::vector<Device> devices() override { return list; }
-    std::uint32_t defaultInput() override { return standard; }
+    std::shared_ptr<const Inputs> inputs() override { return std::make_shared<Inputs>(list, standard); }
     std::unique_ptr<AudioEngine> makeEngine() override;
 
     /// Delivers a buffer, as from the audio thread.

@@ -133,7 +133,7 @@ public:
     }
 
     void showDevices() {
-        const AudioDevices devices(hardware_);
+        AudioDevices devices(hardware_);
         const auto standard = devices.systemDefaultInput();
         fmt::print("Mikrofone:\n");
         for (const auto& device : devices.inputs()) {

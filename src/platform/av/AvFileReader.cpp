@@ -109,7 +109,7 @@ std::expected<DecodedAudio, std::string> Decoding::decode() {
     return DecodedAudio{wanted_, std::move(samples_)};
 }
 
-/// A damaged packet is passed over: what is behind it may be whole.
+/// A damaged packet is passed over: what follows may be whole.
 bool Decoding::feed(const AVPacket* packet) {
     if (avcodec_send_packet(codec_.get(), packet) < 0) return true;
     while (avcodec_receive_frame(codec_.get(), frame_.get()) >= 0) {

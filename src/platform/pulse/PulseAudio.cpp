@@ -10,21 +10,21 @@ PulseAudio::PulseAudio(MainQueue& queue, std::string server) :
 
 PulseAudio::~PulseAudio() = default;
 
-std::vector<AudioHardware::Device> PulseAudio::devices() {
-    std::vector<Device> devices;
-    for (auto& source : connection_->sources()) {
-        auto& device = devices.emplace_back();
-        device.id = PulseEngine::deviceNumber(source);
-        device.inputChannels = source.isMonitor ? 0 : source.format.channelCount;
-        device.uid = std::move(source.name);
-        device.name = std::move(source.description);
+std::shared_ptr<const AudioHardware::Inputs> PulseAudio::inputs() {
+    const auto now = connection_->inputs();
+    if (now == known_) return inputs_;
+    auto inputs = std::make_shared<Inputs>();
+    for (const auto& source : now->sources) {
+        inputs->devices.push_back({.id = PulseEngine::deviceNumber(source),
+                                   .uid = source.name,
+                                   .name = source.description,
+                                   .inputChannels = source.isMonitor ? 0 : source.format.channelCount});
     }
-    return devices;
-}
-
-std::uint32_t PulseAudio::defaultInput() {
-    const auto source = connection_->defaultMicrophone();
-    return source ? PulseEngine::deviceNumber(*source) : 0;
+    if (const auto* source = now->defaultMicrophone())
+        inputs->defaultInput = PulseEngine::deviceNumber(*source);
+    known_ = now;
+    inputs_ = std::move(inputs);
+    return inputs_;
 }
 
 std::unique_ptr<AudioEngine> PulseAudio::makeEngine() {

@@ -1,16 +1,17 @@
 #include "platform/pulse/PulseConnection.h"
 
-#include <fmt/format.h>
+#include <algorithm>
+#include <utility>
 
 namespace querlin {
 
 namespace {
 
-/// A call of ours waits several times: with the short waits behind the first one it stays below two seconds.
-constexpr pa_usec_t longestWaitInMicroseconds = 1'500'000;
-/// For a server that has just kept us waiting in vain, and how long it counts as one.
-constexpr pa_usec_t shortWaitInMicroseconds = 100'000;
-constexpr pa_usec_t mistrustInMicroseconds = 5'000'000;
+/// Servers answer within milliseconds; one that doesn't mustn't hold the program up.
+constexpr pa_usec_t longestWaitInMicroseconds = 250'000;
+/// Between attempts to reach a server that isn't there: soon at first, then seldom.
+constexpr pa_usec_t firstRetryInMicroseconds = 100'000;
+constexpr pa_usec_t lastRetryInMicroseconds = 5'000'000;
 
 struct FreeProperties {
     void operator()(pa_proplist* properties) const { pa_proplist_free(properties); }
@@ -27,61 +28,90 @@ PulseSource described(const pa_source_info& info) {
 
 } // namespace
 
+const PulseSource* PulseInputs::named(const std::string& name) const {
+    const auto found = std::ranges::find(sources, name, &PulseSource::name);
+    return found == sources.end() ? nullptr : &*found;
+}
+
+const PulseSource* PulseInputs::at(std::uint32_t index) const {
+    const auto found = std::ranges::find(sources, index, &PulseSource::index);
+    return found == sources.end() ? nullptr : &*found;
+}
+
+const PulseSource* PulseInputs::defaultMicrophone() const {
+    const auto* source = named(defaultName);
+    return source && !source->isMonitor ? source : nullptr;
+}
+
 PulseConnection::PulseConnection(std::string server) :
-    server_(std::move(server)), loop_(pa_threaded_mainloop_new()) {
+    server_(std::move(server)), loop_(pa_threaded_mainloop_new()), retryDelay_(firstRetryInMicroseconds) {
     pa_threaded_mainloop_set_name(loop_.get(), "pulse");
     pa_threaded_mainloop_start(loop_.get());
+    const Lock lock(*this);
+    connect();
 }
 
 PulseConnection::~PulseConnection() {
     const Lock lock(*this);
+    if (retry_) pa_threaded_mainloop_get_api(loop_.get())->time_free(retry_);
     context_.reset();
 }
 
-std::expected<pa_context*, std::string> PulseConnection::connect() {
-    if (context_ && pa_context_get_state(context_.get()) == PA_CONTEXT_READY) return context_.get();
+// The connection, on the loop or with its lock held
+
+void PulseConnection::connect() {
     const std::unique_ptr<pa_proplist, FreeProperties> properties(pa_proplist_new());
     pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_NAME, "Querlin");
     pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ICON_NAME, "audio-input-microphone");
     context_.reset(
         pa_context_new_with_proplist(pa_threaded_mainloop_get_api(loop_.get()), nullptr, properties.get()));
-    watchContext();
-    const char* server = server_.empty() ? nullptr : server_.c_str();
-    // No server of our own making: one that waits for its first client is started by connecting to it.
-    pa_context_connect(context_.get(), server, PA_CONTEXT_NOAUTOSPAWN, nullptr);
-    const auto isDecided = [this] {
-        const auto state = pa_context_get_state(context_.get());
-        return state == PA_CONTEXT_READY || !PA_CONTEXT_IS_GOOD(state);
-    };
-    if (!wait(isDecided)) {
-        context_.reset();
-        return std::unexpected("Der Tondienst antwortet nicht.");
-    }
-    if (pa_context_get_state(context_.get()) != PA_CONTEXT_READY) {
-        return std::unexpected(fmt::format("Der Tondienst ist nicht erreichbar ({}).",
-                                           pa_strerror(pa_context_errno(context_.get()))));
-    }
-    constexpr auto events = PA_SUBSCRIPTION_MASK_SOURCE | PA_SUBSCRIPTION_MASK_SERVER;
-    finish(
-        pa_context_subscribe(context_.get(), static_cast<pa_subscription_mask_t>(events), nullptr, nullptr));
-    return context_.get();
-}
-
-void PulseConnection::watchContext() {
+    isAsking_ = isStale_ = false;
     pa_context_set_state_callback(
         context_.get(),
-        [](pa_context* context, void* self) {
-            auto& connection = *static_cast<PulseConnection*>(self);
-            connection.wakeUp();
-            if (!PA_CONTEXT_IS_GOOD(pa_context_get_state(context))) connection.tellListeners();
-        },
-        this);
+        [](pa_context*, void* self) { static_cast<PulseConnection*>(self)->contextChanged(); }, this);
     pa_context_set_subscribe_callback(
         context_.get(),
         [](pa_context*, pa_subscription_event_type_t, std::uint32_t, void* self) {
-            static_cast<PulseConnection*>(self)->tellListeners();
+            static_cast<PulseConnection*>(self)->ask();
         },
         this);
+    const char* server = server_.empty() ? nullptr : server_.c_str();
+    // No server of our own making: one that waits for its first client is started by connecting to it.
+    if (pa_context_connect(context_.get(), server, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) connectLater();
+}
+
+void PulseConnection::contextChanged() {
+    const auto state = pa_context_get_state(context_.get());
+    if (state == PA_CONTEXT_READY) {
+        retryDelay_ = firstRetryInMicroseconds;
+        constexpr auto events = PA_SUBSCRIPTION_MASK_SOURCE | PA_SUBSCRIPTION_MASK_SERVER;
+        if (auto* operation = pa_context_subscribe(
+                context_.get(), static_cast<pa_subscription_mask_t>(events), nullptr, nullptr))
+            pa_operation_unref(operation);
+        ask();
+    } else if (!PA_CONTEXT_IS_GOOD(state)) {
+        publish({});
+        connectLater();
+    }
+    wakeUp();
+}
+
+void PulseConnection::connectLater() {
+    if (retry_) return;
+    retry_ = pa_context_rttime_new(
+        context_.get(), pa_rtclock_now() + retryDelay_,
+        [](pa_mainloop_api* api, pa_time_event* timer, const timeval*, void* self) {
+            auto& connection = *static_cast<PulseConnection*>(self);
+            api->time_free(timer);
+            connection.retry_ = nullptr;
+            connection.connect();
+        },
+        this);
+    retryDelay_ = std::min(retryDelay_ + retryDelay_ / 3, lastRetryInMicroseconds);
+}
+
+pa_context* PulseConnection::context() const {
+    return pa_context_get_state(context_.get()) == PA_CONTEXT_READY ? context_.get() : nullptr;
 }
 
 bool PulseConnection::wait(const std::function<bool()>& reached) {
@@ -89,9 +119,8 @@ bool PulseConnection::wait(const std::function<bool()>& reached) {
         PulseConnection& connection;
         bool isOver = false;
     } timeOut{*this};
-    const auto longest = isHung() ? shortWaitInMicroseconds : longestWaitInMicroseconds;
     auto* timer = pa_context_rttime_new(
-        context_.get(), pa_rtclock_now() + longest,
+        context_.get(), pa_rtclock_now() + longestWaitInMicroseconds,
         [](pa_mainloop_api*, pa_time_event*, const timeval*, void* data) {
             auto& waiting = *static_cast<TimeOut*>(data);
             waiting.isOver = true;
@@ -99,61 +128,66 @@ bool PulseConnection::wait(const std::function<bool()>& reached) {
         },
         &timeOut);
     while (!reached() && !timeOut.isOver) pa_threaded_mainloop_wait(loop_.get());
-    const auto* api = pa_threaded_mainloop_get_api(loop_.get());
-    api->time_free(timer);
-    const bool isReached = reached();
-    hungUntil_ = isReached ? 0 : pa_rtclock_now() + mistrustInMicroseconds;
-    return isReached;
+    pa_threaded_mainloop_get_api(loop_.get())->time_free(timer);
+    return reached();
 }
 
-/// One that doesn't end in time is cancelled: then its callback isn't called any more.
-void PulseConnection::finish(pa_operation* operation) {
-    if (!operation) return;
-    pa_operation_set_state_callback(
-        operation, [](pa_operation*, void* self) { static_cast<PulseConnection*>(self)->wakeUp(); }, this);
-    if (!wait([operation] { return pa_operation_get_state(operation) != PA_OPERATION_RUNNING; })) {
-        pa_operation_cancel(operation);
+// What the server has
+
+/// Asks for the sources, then for the default. What changes meanwhile is asked for again.
+void PulseConnection::ask() {
+    if (std::exchange(isAsking_, true)) {
+        isStale_ = true;
+        return;
     }
-    pa_operation_unref(operation);
+    draft_ = {};
+    auto* operation = pa_context_get_source_info_list(
+        context_.get(),
+        [](pa_context*, const pa_source_info* info, int end, void* self) {
+            auto& connection = *static_cast<PulseConnection*>(self);
+            if (info) connection.draft_.sources.push_back(described(*info));
+            if (end != 0) connection.askForDefault();
+        },
+        this);
+    if (operation) pa_operation_unref(operation);
 }
 
-template<class Ask>
-std::vector<PulseSource> PulseConnection::askForSources(Ask ask) {
-    const Lock lock(*this);
-    std::vector<PulseSource> found;
-    const auto context = connect();
-    if (!context) return found;
-    const pa_source_info_cb_t take = [](pa_context*, const pa_source_info* info, int, void* list) {
-        if (info) static_cast<std::vector<PulseSource>*>(list)->push_back(described(*info));
-    };
-    finish(ask(*context, take, &found));
-    return found;
+void PulseConnection::askForDefault() {
+    auto* operation = pa_context_get_server_info(
+        context_.get(),
+        [](pa_context*, const pa_server_info* info, void* self) {
+            auto& connection = *static_cast<PulseConnection*>(self);
+            if (info && info->default_source_name) connection.draft_.defaultName = info->default_source_name;
+            connection.answered();
+        },
+        this);
+    if (operation) pa_operation_unref(operation);
 }
 
-std::vector<PulseSource> PulseConnection::sources() {
-    return askForSources([](pa_context* context, pa_source_info_cb_t take, void* list) {
-        return pa_context_get_source_info_list(context, take, list);
-    });
+void PulseConnection::answered() {
+    isAsking_ = false;
+    hasAnswered_ = true;
+    publish(std::move(draft_));
+    if (std::exchange(isStale_, false)) ask();
 }
 
-std::optional<PulseSource> PulseConnection::source(std::uint32_t index) {
-    const auto found = askForSources([index](pa_context* context, pa_source_info_cb_t take, void* list) {
-        return pa_context_get_source_info_by_index(context, index, take, list);
-    });
-    return found.empty() ? std::nullopt : std::optional(found.front());
+void PulseConnection::publish(PulseInputs inputs) {
+    {
+        const std::scoped_lock guard(inputsLock_);
+        if (inputs.sources != inputs_->sources || inputs.defaultName != inputs_->defaultName)
+            inputs_ = std::make_shared<const PulseInputs>(std::move(inputs));
+    }
+    wakeUp();
+    notifyListeners();
 }
 
-std::optional<PulseSource> PulseConnection::source(const std::string& name) {
-    const auto found = askForSources([&name](pa_context* context, pa_source_info_cb_t take, void* list) {
-        return pa_context_get_source_info_by_name(context, name.c_str(), take, list);
-    });
-    return found.empty() ? std::nullopt : std::optional(found.front());
-}
-
-std::optional<PulseSource> PulseConnection::defaultMicrophone() {
-    auto found = source("@DEFAULT_SOURCE@");
-    if (found && found->isMonitor) found.reset();
-    return found;
+std::shared_ptr<const PulseInputs> PulseConnection::inputs() {
+    if (!std::exchange(hasWaited_, true)) {
+        const Lock lock(*this);
+        wait([this] { return hasAnswered_ || !PA_CONTEXT_IS_GOOD(pa_context_get_state(context_.get())); });
+    }
+    const std::scoped_lock guard(inputsLock_);
+    return inputs_;
 }
 
 Registration PulseConnection::listen(std::function<void()> event) {
@@ -165,7 +199,7 @@ Registration PulseConnection::listen(std::function<void()> event) {
     });
 }
 
-void PulseConnection::tellListeners() {
+void PulseConnection::notifyListeners() {
     for (const auto& listener : listeners_) listener();
 }
 

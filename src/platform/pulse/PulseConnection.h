@@ -4,11 +4,10 @@
 #include "speech/AudioBuffer.h"
 
 #include <cstdint>
-#include <expected>
 #include <functional>
 #include <list>
 #include <memory>
-#include <optional>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -24,10 +23,27 @@ struct PulseSource {
     AudioFormat format;
     pa_channel_map places{}; ///< of the channels in the room
     bool isMonitor = false;
+
+    bool operator==(const PulseSource& other) const {
+        return index == other.index && name == other.name && description == other.description &&
+               format == other.format && isMonitor == other.isMonitor;
+    }
 };
 
-/// The connection to the sound server: made at the first need, and anew when it was lost. Main thread, but
-/// for what listeners are called on. A lock must not be held where it is taken.
+/// What the server has, as it said last.
+struct PulseInputs {
+    std::vector<PulseSource> sources;
+    std::string defaultName; ///< of a source
+
+    const PulseSource* named(const std::string& name) const;
+    const PulseSource* at(std::uint32_t index) const;
+    /// Null for a monitor: that is no microphone.
+    const PulseSource* defaultMicrophone() const;
+};
+
+/// The connection to the sound server: made at once, and anew when it was lost. What the server has is asked
+/// for by the loop at every change, so whoever wants to know it waits for nobody. Main thread, but for what
+/// listeners are called on. A lock must not be held where it is taken.
 class PulseConnection {
 public:
     /// The address of a server, or empty for the user's own.
@@ -50,25 +66,19 @@ public:
         pa_threaded_mainloop* loop_;
     };
 
-    /// The error is a German text. The lock must be held.
-    std::expected<pa_context*, std::string> connect();
-    /// Waits until `reached`, for a while at most; callbacks must wake it up. The lock must be held.
+    /// Null as long as the server isn't there. The lock must be held.
+    pa_context* context() const;
+    /// Waits until `reached`, a quarter of a second at most; callbacks must wake it up. The lock must be
+    /// held.
     bool wait(const std::function<bool()>& reached);
-    /// Whether the last wait was in vain, a moment ago. Until it has answered again, or that is a while ago,
-    /// a server is hardly waited for: a call of the program is held up once, not at each question.
-    bool isHung() const { return pa_rtclock_now() < hungUntil_; }
     /// From a callback of the loop, or with its lock held.
     void wakeUp() { pa_threaded_mainloop_signal(loop_.get(), 0); }
 
-    // Without a server nothing.
-    std::vector<PulseSource> sources();
-    std::optional<PulseSource> source(std::uint32_t index);
-    std::optional<PulseSource> source(const std::string& name);
-    /// Nothing for a monitor: that is no microphone.
-    std::optional<PulseSource> defaultMicrophone();
+    /// What there is; empty without a server. The same object until something changes. The first call waits
+    /// for the server's first answer, a quarter of a second at most.
+    std::shared_ptr<const PulseInputs> inputs();
 
-    /// `event` is called on the loop when anything has happened to sources, to the default or to the
-    /// connection.
+    /// `event` is called on the loop after `inputs` has changed, or the connection.
     Registration listen(std::function<void()> event);
 
 private:
@@ -80,22 +90,38 @@ private:
     };
     struct FreeContext {
         void operator()(pa_context* context) const {
+            pa_context_set_state_callback(context, nullptr, nullptr);
+            pa_context_set_subscribe_callback(context, nullptr, nullptr);
             pa_context_disconnect(context);
             pa_context_unref(context);
         }
     };
 
-    void tellListeners();
-    void watchContext();
-    void finish(pa_operation* operation);
-    template<class Ask>
-    std::vector<PulseSource> askForSources(Ask ask);
+    void connect();
+    void contextChanged();
+    void connectLater();
+    void ask();
+    void askForDefault();
+    void answered();
+    void publish(PulseInputs inputs);
+    void notifyListeners();
 
     const std::string server_;
     std::unique_ptr<pa_threaded_mainloop, FreeLoop> loop_;
     std::unique_ptr<pa_context, FreeContext> context_;
-    pa_usec_t hungUntil_ = 0;
-    std::list<std::function<void()>> listeners_; ///< guarded by the lock
+    bool hasWaited_ = false; ///< the main thread's: the first answer was waited for
+
+    // Guarded by the loop's lock
+    std::list<std::function<void()>> listeners_;
+    pa_time_event* retry_ = nullptr;
+    pa_usec_t retryDelay_;
+    PulseInputs draft_;
+    bool isAsking_ = false;
+    bool isStale_ = false; ///< something changed while it was asked for
+    bool hasAnswered_ = false;
+
+    std::mutex inputsLock_;
+    std::shared_ptr<const PulseInputs> inputs_ = std::make_shared<PulseInputs>();
 };
 
 } // namespace querlin

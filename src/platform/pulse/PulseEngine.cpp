@@ -14,6 +14,10 @@ constexpr double longestKeptInSeconds = 10;
 constexpr Duration attemptInterval = std::chrono::milliseconds(100);
 constexpr int mostAttempts = 20;
 
+/// A headset may take a while to change over to recording.
+constexpr Duration longestOpening = std::chrono::seconds(2);
+constexpr auto noAnswer = "Der Tondienst antwortet nicht.";
+
 bool isReady(const pa_stream* stream) {
     return stream != nullptr && pa_stream_get_state(stream) == PA_STREAM_READY;
 }
@@ -48,7 +52,8 @@ void PulseEngine::reset() {
 }
 
 std::expected<void, std::string> PulseEngine::setDevice(std::uint32_t deviceID) {
-    const auto source = connection_.source(deviceID - 1);
+    const auto inputs = connection_.inputs();
+    const auto* source = inputs->at(deviceID - 1);
     if (deviceID == 0 || !source || source->isMonitor)
         return std::unexpected("Das Mikrofon ist nicht mehr da.");
     chosen_ = source->name;
@@ -56,15 +61,14 @@ std::expected<void, std::string> PulseEngine::setDevice(std::uint32_t deviceID) 
 }
 
 /// The source that is set, as long as it is there, or the default.
-std::optional<PulseSource> PulseEngine::presentSource() {
-    if (chosen_) {
-        if (auto source = connection_.source(*chosen_)) return source;
-    }
-    return connection_.defaultMicrophone();
+const PulseSource* PulseEngine::presentSource(const PulseInputs& inputs) const {
+    const auto* source = chosen_ ? inputs.named(*chosen_) : nullptr;
+    return source ? source : inputs.defaultMicrophone();
 }
 
 AudioFormat PulseEngine::inputFormat() {
-    const auto source = presentSource();
+    const auto inputs = connection_.inputs();
+    const auto* source = presentSource(*inputs);
     return source ? source->format : AudioFormat();
 }
 
@@ -85,11 +89,13 @@ void PulseEngine::removeTap() {
 }
 
 std::expected<void, std::string> PulseEngine::start() {
-    const auto source = presentSource();
-    if (!source)
-        return std::unexpected(connection_.isHung() ? "Der Tondienst antwortet nicht." : "Kein Mikrofon da.");
+    const auto inputs = connection_.inputs();
+    const auto* source = presentSource(*inputs);
     const PulseConnection::Lock lock(connection_);
-    const bool goesOn = isReady(stream_.get()) && streamSource_ == source->name && streamFormat_ == format_;
+    if (auto failure = std::exchange(openingFailure_, std::nullopt))
+        return std::unexpected(std::move(*failure));
+    if (!source) return std::unexpected(connection_.context() ? "Kein Mikrofon da." : noAnswer);
+    const bool goesOn = isGood() && streamSource_ == source->name && streamFormat_ == format_;
     if (!goesOn) {
         auto opened = open(*source);
         if (!opened) return std::unexpected(opened.error());
@@ -102,7 +108,7 @@ std::expected<void, std::string> PulseEngine::start() {
             static_cast<PulseEngine*>(self)->read(stream);
         };
         pa_stream_set_read_callback(stream_.get(), onRead, this);
-        read(stream_.get());
+        if (isReady(stream_.get())) read(stream_.get());
     }
     known_ = {source->name, source->format, true};
     attempts_ = 0;
@@ -111,50 +117,74 @@ std::expected<void, std::string> PulseEngine::start() {
 
 void PulseEngine::stop() {
     nextAttempt_.reset();
+    openingLimit_.reset();
     known_ = {};
     const PulseConnection::Lock lock(connection_);
     stream_.reset();
+    openingFailure_.reset();
     gathered_.clear();
 }
 
 bool PulseEngine::isRunning() const {
     const PulseConnection::Lock lock(connection_);
-    return isReady(stream_.get());
+    return isGood();
 }
 
+/// Ready, or on its way there.
+bool PulseEngine::isGood() const {
+    return stream_ && PA_STREAM_IS_GOOD(pa_stream_get_state(stream_.get())) && !openingFailure_;
+}
+
+/// Waits for the answer that comes within milliseconds. A stream that takes longer opens while the program
+/// goes on; if it fails then, the observer is called, and the next start says why.
 std::expected<PulseEngine::Stream, std::string> PulseEngine::open(const PulseSource& source) {
-    const auto context = connection_.connect();
-    if (!context) return std::unexpected(context.error());
+    auto* const context = connection_.context();
+    if (!context) return std::unexpected(noAnswer);
     const auto channels = static_cast<std::uint8_t>(format_.channelCount);
     const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE,
                               static_cast<std::uint32_t>(std::lround(format_.sampleRate)), channels};
     // The source's own places: between others the server mixes, which leaves nothing of what has no place.
     pa_channel_map map = source.places;
     if (map.channels != channels) pa_channel_map_init_extend(&map, channels, PA_CHANNEL_MAP_DEFAULT);
-    Stream stream(pa_stream_new(*context, "Diktat", &spec, &map));
+    Stream stream(pa_stream_new(context, "Diktat", &spec, &map));
     if (!stream) return std::unexpected("Dieses Tonformat lässt sich nicht aufnehmen.");
+    wasReady_ = false;
     pa_stream_set_state_callback(
         stream.get(),
-        [](pa_stream* changed, void* self) {
-            auto& engine = *static_cast<PulseEngine*>(self);
-            engine.connection_.wakeUp();
-            if (!PA_STREAM_IS_GOOD(pa_stream_get_state(changed))) engine.postLook_();
-        },
+        [](pa_stream* changed, void* self) { static_cast<PulseEngine*>(self)->streamChanged(changed); },
         this);
     constexpr auto unset = static_cast<std::uint32_t>(-1);
     const auto piece = pa_usec_to_bytes(static_cast<pa_usec_t>(pieceInSeconds * 1e6), &spec);
     const pa_buffer_attr buffering{unset, unset, unset, unset, static_cast<std::uint32_t>(piece)};
-    // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): flags are told by their sum.
+    // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): flags are passed as their sum.
     constexpr auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
     pa_stream_connect_record(stream.get(), source.name.c_str(), &buffering, flags);
-    if (!connection_.wait([&stream] { return pa_stream_get_state(stream.get()) != PA_STREAM_CREATING; })) {
-        return std::unexpected("Der Tondienst antwortet nicht.");
-    }
-    if (!isReady(stream.get())) {
-        return std::unexpected(fmt::format("Das Mikrofon lässt sich nicht öffnen ({}).",
-                                           pa_strerror(pa_context_errno(*context))));
-    }
+    connection_.wait([&stream] { return pa_stream_get_state(stream.get()) != PA_STREAM_CREATING; });
+    if (!PA_STREAM_IS_GOOD(pa_stream_get_state(stream.get())))
+        return std::unexpected(std::exchange(openingFailure_, std::nullopt).value_or(noAnswer));
+    if (!isReady(stream.get())) openingLimit_ = queue_.after(longestOpening, [this] { giveUpOpening(); });
     return stream;
+}
+
+/// On the loop.
+void PulseEngine::streamChanged(pa_stream* stream) {
+    connection_.wakeUp();
+    wasReady_ = wasReady_ || isReady(stream);
+    if (PA_STREAM_IS_GOOD(pa_stream_get_state(stream))) return;
+    if (!wasReady_) {
+        openingFailure_ = fmt::format("Das Mikrofon lässt sich nicht öffnen ({}).",
+                                      pa_strerror(pa_context_errno(pa_stream_get_context(stream))));
+    }
+    postLook_();
+}
+
+void PulseEngine::giveUpOpening() {
+    {
+        const PulseConnection::Lock lock(connection_);
+        if (!stream_ || pa_stream_get_state(stream_.get()) != PA_STREAM_CREATING) return;
+        openingFailure_ = noAnswer;
+    }
+    postLook_();
 }
 
 // What happens to the input in use
@@ -165,7 +195,8 @@ Registration PulseEngine::observeConfigurationChange(std::function<void()> chang
 }
 
 PulseEngine::Situation PulseEngine::situation() {
-    const auto source = presentSource();
+    const auto inputs = connection_.inputs();
+    const auto* source = presentSource(*inputs);
     const bool streams = isRunning();
     return source ? Situation{source->name, source->format, streams} : Situation{{}, {}, streams};
 }

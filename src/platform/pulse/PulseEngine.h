@@ -42,7 +42,7 @@ private:
     };
     using Stream = std::unique_ptr<pa_stream, EndStream>;
 
-    /// What an observer has been told of, or was there at the start.
+    /// What an observer knows, or was there at the start.
     struct Situation {
         std::string source;
         AudioFormat format;
@@ -51,9 +51,13 @@ private:
         bool operator==(const Situation&) const = default;
     };
 
-    std::optional<PulseSource> presentSource();
+    /// Null if there is none.
+    const PulseSource* presentSource(const PulseInputs& inputs) const;
     Situation situation();
     std::expected<Stream, std::string> open(const PulseSource& source);
+    void streamChanged(pa_stream* stream);
+    void giveUpOpening();
+    bool isGood() const;
     void lookAround();
 
     // On the loop, or with its lock held
@@ -68,9 +72,13 @@ private:
     Situation known_;
     int attempts_ = 0;
     Registration nextAttempt_;
+    Registration openingLimit_;
 
     // Guarded by the loop's lock
     Stream stream_;
+    bool wasReady_ = false; ///< the newest stream
+    std::optional<std::string>
+        openingFailure_; ///< of a stream that `start` didn't wait for; the next one says so
     std::string streamSource_;
     AudioFormat streamFormat_;
     Tap tap_;

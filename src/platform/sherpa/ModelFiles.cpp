@@ -68,7 +68,7 @@ std::optional<std::int64_t> number(const OnnxMetadata::Properties& properties, s
     return found == properties.end() ? std::nullopt : integer(found->second);
 }
 
-/// Symbols like "#0", which only the training knows, may stand behind the others.
+/// Symbols like "#0", which only the training knows, may follow the others.
 std::expected<std::int64_t, std::string> tokenCount(const fs::path& file) {
     const auto content = Files::read(file, largestTokensInBytes);
     if (!content)

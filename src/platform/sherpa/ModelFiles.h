@@ -30,7 +30,7 @@ std::expected<std::int64_t, std::string> tokenCount(const std::filesystem::path&
 /// What `MODELL.json` says, or what counts without it.
 struct Description {
     std::string language = "de-DE";
-    std::string modelingUnit; ///< empty: not told
+    std::string modelingUnit; ///< empty: not known
 };
 std::expected<Description, std::string> description(const std::filesystem::path& file);
 

@@ -14,7 +14,7 @@ constexpr std::uint64_t largestPropertyInBytes = 1U << 20U;
 constexpr std::size_t mostProperties = 1000;
 constexpr std::size_t mostFields = 100'000;
 
-// Protocol Buffers, "Encoding": how a field's value is told.
+// Protocol Buffers, "Encoding": how a field's value is written.
 enum Wire : std::uint8_t { varint = 0, eightBytes = 1, lengthDelimited = 2, fourBytes = 5 };
 
 // The numbers of fields in onnx.proto

@@ -12,7 +12,7 @@ namespace querlin {
 /// A folder with a model that sherpa-onnx can run on sound that is still coming.
 struct StreamingModel {
     std::string language; ///< a BCP 47 tag
-    /// What the engine is told: files, kind and what it needs to know of them.
+    /// What the engine gets: files, kind and what it needs to know of them.
     RecogniserProtocol::OpenRequest request;
 
     /// Whether it serves a locale: German is German, in whatever country.

@@ -57,7 +57,7 @@ SndfileCreator::create(const std::filesystem::path& path, AudioFormat format) {
     errno = 0;
     Sound sound(sf_open_fd(file, SFM_WRITE, &info, SF_TRUE)); // It closes the file also where it fails.
     if (!sound) return std::unexpected(errno != 0 ? systemError(errno) : sf_strerror(nullptr));
-    // The header tells the true length behind each write: a recording cut off can be read.
+    // The header has the true length after each write: a recording that is cut off can be read.
     sf_command(sound.get(), SFC_SET_UPDATE_HEADER_AUTO, nullptr, SF_TRUE);
     return std::make_unique<SndfileWriter>(std::move(sound), format);
 }

@@ -9,7 +9,7 @@ namespace querlin::ContextModel {
 
 using Phrase = std::vector<std::string>;
 
-/// The words of each string that can be spoken and told apart: "Grundsicherung im Alter" gives three,
+/// The words of each string that can be spoken, each on its own: "Grundsicherung im Alter" gives three,
 /// "Müller-Lüdenscheidt," one. A string with anything else in it ("§ 1814", "24/7") gives none.
 std::vector<Phrase> phrases(const std::vector<std::string>& strings);
 

@@ -39,7 +39,7 @@ public:
     void beginStream();
     void beginUtterance();
     void process(std::span<const std::int16_t> samples);
-    /// Whether the last sound was speech, or less than half a second behind it.
+    /// Whether the last sound was speech, or came less than half a second after some.
     bool isHearingSpeech() const;
     /// The text so far.
     std::string text() const;

@@ -24,7 +24,7 @@ constexpr auto longestUtterance = samplesIn(45);
 /// As between two words, compared to the speech before.
 constexpr double quiet = 0.02;
 constexpr auto longestSilence = samplesIn(10);
-/// So much of a silence is heard again by a helper that begins behind it.
+/// So much of a silence is heard again by a helper that begins after it.
 constexpr auto leadIn = samplesIn(0.4);
 
 double energyOf(std::span<const std::int16_t> samples) {

@@ -30,7 +30,7 @@ private:
     // Of the utterance, in samples
     std::uint64_t length_ = 0;
     std::uint64_t speech_ = 0;
-    std::uint64_t silence_ = 0; ///< behind the speech
+    std::uint64_t silence_ = 0; ///< after the speech
     double energy_ = 0;         ///< of the speech
     bool isQuiet_ = false;      ///< for a moment
 };
