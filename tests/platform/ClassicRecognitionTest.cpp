@@ -164,14 +164,5 @@ TEST_F(ClassicRecognitionTest, IsHereWithAWholeModelForGerman) {
     EXPECT_FALSE(helpless.isHere("de-DE"));
 }
 
-/// For the eye: it was taught by synthetic voices only.
-TEST_F(ClassicRecognitionTest, ReportsHowItDoesWithPeople) {
-    const auto found = recordings(QUERLIN_RECORDINGS);
-    if (found.empty()) GTEST_SKIP() << "no recordings in " << QUERLIN_RECORDINGS;
-    WordErrorRate rate;
-    for (const auto& recording : found) rate.add(recording.text, hear(engine, soundOf(recording.file)).text);
-    std::cout << "Wortfehlerrate, Menschen: " << rate.percent() << " % von " << rate.words() << " Wörtern\n";
-}
-
 } // namespace
 } // namespace querlin

@@ -1,19 +1,13 @@
 #include "Speech.h"
 
-#include "platform/av/AvFileReader.h"
 #include "platform/av/SwrConverter.h"
 #include "platform/pocketsphinx/engine/ProgramCall.h"
-#include "support/TempFolder.h"
-
-#include "foundation/Trimming.h"
 
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
 namespace querlin {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -96,23 +90,6 @@ Heard Listener::result() {
 
 bool Listener::waitFor(const std::function<bool(const Heard&)>& condition) {
     return state_->signal.wait([&] { return condition(state_->heard); });
-}
-
-std::vector<Recording> recordings(const fs::path& folder) {
-    std::vector<Recording> found;
-    std::error_code failure;
-    for (const auto& entry : fs::directory_iterator(folder, failure)) {
-        auto text = entry.path();
-        if (text.extension() != ".wav" || !fs::exists(text.replace_extension(".txt"))) continue;
-        found.push_back({entry.path(), std::string(trimWhitespaceAndNewlines(contentOf(text)))});
-    }
-    std::ranges::sort(found, {}, &Recording::file);
-    return found;
-}
-
-Sound soundOf(const fs::path& file) {
-    const auto audio = AvFileReader().read(file, helperFormat).value();
-    return {audio.format, audio.samples};
 }
 
 } // namespace querlin

@@ -112,12 +112,4 @@ inline Heard hear(SpeechEngine& engine, const Sound& sound, std::vector<std::str
     return run.finish();
 }
 
-/// A recording with its transcript beside it, as they lie where real speech is at hand.
-struct Recording {
-    std::filesystem::path file;
-    std::string text;
-};
-std::vector<Recording> recordings(const std::filesystem::path& folder);
-Sound soundOf(const std::filesystem::path& file);
-
 } // namespace querlin
