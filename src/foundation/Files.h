@@ -75,8 +75,8 @@ private:
     int descriptor_;
 };
 
-/// Gives a regular file that nobody will change any more a second name, at once and without room; fails where
-/// the file system has no links between the two places. To survive a power cut it needs `makeDurable`.
+/// Gives a regular file that no longer changes a second name by a hard link; fails if the file system has no
+/// links between the two places. Survives a power cut only after `makeDurable`.
 FileResult<> link(const std::filesystem::path& from, const std::filesystem::path& to);
 
 /// Waits until a file's content and name would survive a power cut. A failure is ignored.

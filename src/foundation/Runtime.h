@@ -6,8 +6,7 @@
 
 namespace querlin {
 
-/// The three services that asynchronous code needs, handed through as one. They outlive whoever
-/// was given them.
+/// The three services that asynchronous code needs, passed around as one. They outlive all their users.
 struct Runtime {
     MainQueue& mainQueue;
     Clock& clock;

@@ -34,7 +34,7 @@ struct StatusItemSources {
     FocusReturn& focusReturn;
     Surfaces& surfaces;
     SystemTray& systemTray;
-    /// Whether a panel takes symbols over the session bus; nothing as long as nobody has answered.
+    /// Whether a panel shows icons over the session bus; unset until the first answer.
     const Published<std::optional<bool>>& notifierHost;
     FileManager& fileManager;
     std::filesystem::path logFile;
