@@ -1,5 +1,6 @@
 #include "ui/overlay/FloatingPanel.h"
 
+#include "platform/x11/toolkit/X11Surfaces.h"
 #include "support/QtApplication.h"
 #include "support/TempFolder.h"
 
@@ -43,7 +44,8 @@ protected:
 
 TEST_F(FloatingPanelTest, stands_at_the_bottom_of_the_screen_with_the_mouse) {
     auto* block = new Block;
-    FloatingPanel panel(block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Tafel"));
+    X11Surfaces surfaces;
+    FloatingPanel panel(block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Tafel"), surfaces);
     struct Case {
         QPoint mouse;
         QRect shown;
