@@ -3,7 +3,6 @@
 #include "../session/atspi/Fields.h"
 #include "RunningQuerlin.h"
 #include "ShownWords.h"
-#include "Speaking.h"
 #include "support/TempFolder.h"
 
 #include <memory>
@@ -13,6 +12,22 @@ namespace querlin {
 
 /// The hold key of a fresh installation, by its place on the keyboard.
 inline constexpr int holdKey = 105;
+
+/// A sentence as a voice says it that the starter model knows, between two short pauses, ready to be played. The text
+/// is written as the model's own: numbers in words, letters one by one.
+class Spoken {
+public:
+    explicit Spoken(const std::string& sentence);
+    ~Spoken();
+    Spoken(const Spoken&) = delete;
+    Spoken& operator=(const Spoken&) = delete;
+
+    /// Into the microphone of the desktop, or the one that hears this output; returns when all of it has been heard.
+    void play(const std::string& output = "gesprochen") const;
+
+private:
+    std::filesystem::path file_; ///< samples of 16 bits
+};
 
 /// One user's way through dictations: a program that takes text, the hold key, a voice. What is on the clipboard
 /// beforehand is looked for afterwards; the program must end as it should each time.
@@ -66,6 +81,8 @@ struct Journey : FieldsTest {
     void expectNothingKept() const;
 
 private:
+    /// These and no others are in the history, the statistics and the log, and no recording is left.
+    void expectBooked(const std::vector<std::string>& texts) const;
     bool answersAtOnce(const std::string& field);
 };
 

@@ -8,10 +8,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include <fcntl.h>
-#include <sys/prctl.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <fmt/format.h>
 
@@ -21,13 +18,12 @@ namespace {
 
 constexpr Duration longestEnd = std::chrono::seconds(10);
 
-int outcomeOf(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status); }
+int outcomeOf(int status) {
+    if (WIFEXITED(status)) return WEXITSTATUS(status);
+    return -WTERMSIG(status) - (WCOREDUMP(status) ? 128 : 0); // NOLINT: the system's macro
+}
 
 } // namespace
-
-RunningQuerlin::~RunningQuerlin() {
-    if (isRunning()) end(SIGKILL);
-}
 
 void RunningQuerlin::prepare(const std::function<void(AppSettings&)>& change) const {
     PreferencesStore store(paths_.preferencesFile(Product::applicationId), time_.runtime());
@@ -35,33 +31,18 @@ void RunningQuerlin::prepare(const std::function<void(AppSettings&)>& change) co
     change(settings);
 }
 
-void RunningQuerlin::start() {
+void RunningQuerlin::start(std::vector<std::string> command) {
     std::error_code ignored;
     std::filesystem::remove(paths_.log, ignored);
-    const auto output = std::filesystem::path(std::getenv("DESKTOP_DIR")) / "log" / "querlin";
-    id_ = ::fork();
-    if (id_ != 0) return;
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);               // Of the thread that starts it.
     ::setenv("https_proxy", "http://127.0.0.1:9", 1); // Nobody is there: no test asks the portal.
-    const int silence = ::open("/dev/null", O_RDONLY);
-    const int words = ::open(output.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-    ::dup2(silence, STDIN_FILENO);
-    ::dup2(words, STDOUT_FILENO);
-    ::dup2(words, STDERR_FILENO);
-    ::execl(QUERLIN_PROGRAM, QUERLIN_PROGRAM, nullptr);
-    ::_exit(127);
+    process_.emplace(std::move(command));
 }
 
 std::optional<int> RunningQuerlin::end(int signal) {
-    if (!isRunning()) return std::nullopt;
-    ::kill(id_, signal);
+    ::kill(id(), signal);
     int status = 0;
-    const bool hasEnded = eventually([&] { return ::waitpid(id_, &status, WNOHANG) == id_; }, longestEnd);
-    if (!hasEnded) {
-        ::kill(id_, SIGKILL);
-        ::waitpid(id_, &status, 0);
-    }
-    id_ = -1;
+    const bool hasEnded = eventually([&] { return ::waitpid(id(), &status, WNOHANG) == id(); }, longestEnd);
+    process_.reset();
     return hasEnded ? std::optional(outcomeOf(status)) : std::nullopt;
 }
 

@@ -11,31 +11,24 @@
 #include <string>
 #include <vector>
 
-#include <sys/types.h>
-
 namespace querlin {
 
 /// The whole program, as a user's login starts it, and the files that it keeps in this desktop's home. These are
 /// looked into with its own classes.
 class RunningQuerlin {
 public:
-    ~RunningQuerlin();
-    RunningQuerlin() = default;
-    RunningQuerlin(const RunningQuerlin&) = delete;
-    RunningQuerlin& operator=(const RunningQuerlin&) = delete;
-
     // The process
 
     /// Before a start: settings that differ from those of a first start.
     void prepare(const std::function<void(AppSettings&)>& change) const;
     /// The log begins anew with it.
-    void start();
+    void start(std::vector<std::string> command = {QUERLIN_PROGRAM});
     /// True if it comes to listen for the hold key.
     bool listens() const { return says("[hotkey] Die Diktattaste wird gehört"); }
-    bool isRunning() const { return id_ > 0; }
-    pid_t id() const { return id_; }
-    /// Sends the signal and waits. The exit status; a signal's number, negative, where one has ended it; nothing if it
-    /// goes on for too long, and it is killed.
+    bool isRunning() const { return process_.has_value(); }
+    pid_t id() const { return process_->id(); }
+    /// Sends the signal, if it isn't 0, and waits. The exit status; a signal's number, negative, where one has ended it
+    /// (and 128 less with a core dump); nothing if it goes on for too long, and it is killed.
     std::optional<int> end(int signal);
 
     // The log of this start
@@ -63,7 +56,7 @@ public:
 private:
     mutable ManualTime time_;
     ApplicationPaths paths_ = ApplicationPaths::fromEnvironment();
-    pid_t id_ = -1;
+    std::optional<Program> process_;
 };
 
 } // namespace querlin
