@@ -37,9 +37,9 @@ TEST_F(Interruptions, AFieldThatTakesNoText) {
 
 TEST_F(Interruptions, AScreenThatIsLocked) {
     Speaker screenSaver(Speaker::On::session);
-    screenSaver.own("org.freedesktop.ScreenSaver");
     startQuerlin();
     sayInEditor();
+    screenSaver.own("org.freedesktop.ScreenSaver"); // Not before: by way of the portal, editors ask it and wait.
     screenSaver.emit("/org/freedesktop/ScreenSaver", "org.freedesktop.ScreenSaver", "ActiveChanged", true);
     EXPECT_TRUE(querlin.says("[controller] Diktat unterbrochen: Der Bildschirm wurde gesperrt"));
     expectRescued(written, "Der Bildschirm wurde gesperrt");
