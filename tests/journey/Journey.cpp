@@ -2,6 +2,7 @@
 
 #include "foundation/Characters.h"
 
+#include <algorithm>
 #include <csignal>
 #include <stdexcept>
 
@@ -131,13 +132,13 @@ void Journey::copy(const std::string& text) { shell(fmt::format("printf %s '{}' 
 std::string Journey::notifications() { return shell("dunstctl close-all; dunstctl history"); }
 
 void Journey::expectBooked(const std::vector<std::string>& texts) const {
-    std::vector<std::string> history;
     std::size_t words = 0;
-    for (const auto& entry : querlin.history()) history.push_back(entry.text);
     for (const auto& text : texts) words += static_cast<std::size_t>(countWords(text));
-    EXPECT_EQ(history, texts);
+    const auto statistics = fmt::format("{} Diktate, {} Wörter", texts.size(), words);
+    // Both are written in the background.
+    EXPECT_TRUE(eventually([&] { return std::ranges::equal(querlin.history(), texts, {}, &DictationEntry::text); }));
+    EXPECT_TRUE(eventually([&] { return querlin.statistics() == statistics; })) << querlin.statistics();
     EXPECT_EQ(querlin.countOf("[timing] Erkennung"), texts.size());
-    EXPECT_EQ(querlin.statistics(), fmt::format("{} Diktate, {} Wörter", texts.size(), words));
     EXPECT_TRUE(querlin.recordings().empty());
 }
 
