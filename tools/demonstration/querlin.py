@@ -75,7 +75,8 @@ class Querlin:
         try:
             yield
         finally:
-            output("xdotool", "key", "Escape", "mousemove", "400", "400")
+            # A click beside the menu: with the hold key down Escape would be Ctrl+Escape.
+            output("xdotool", "mousemove", "400", "600", "click", "1")
 
     @staticmethod
     def _symbol() -> tuple[str, str] | None:
