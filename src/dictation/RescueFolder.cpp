@@ -2,6 +2,7 @@
 
 #include "foundation/Files.h"
 #include "foundation/GermanFormat.h"
+#include "foundation/Pattern.h"
 #include "foundation/Utf8.h"
 #include "state/DiagnosticsLog.h"
 
@@ -13,6 +14,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// Of all recordings.
+constexpr const char* audioExtension = ".caf";
+
 /// The files of the folder; empty if it can't be read.
 std::vector<fs::path> listing(const fs::path& folder) {
     std::vector<fs::path> files;
@@ -23,7 +27,15 @@ std::vector<fs::path> listing(const fs::path& folder) {
     return files;
 }
 
-bool isText(const fs::path& file) { return file.extension() == ".txt"; }
+/// Whether a file is a rescued text: "Diktat 2026-03-14 09-30-00.txt", or with " (2)" and so on after the
+/// time. Whatever else lies in the folder is the user's.
+bool isRescuedText(const fs::path& file) {
+    static const Pattern name(R"(^Diktat \d{4}-\d\d-\d\d \d\d-\d\d-\d\d(?: \(\d+\))?\.txt$)",
+                              LetterCase::counts);
+    return name.isFoundIn(file.filename().string());
+}
+
+fs::path withExtension(fs::path file, const char* extension) { return file.replace_extension(extension); }
 
 } // namespace
 
@@ -55,8 +67,7 @@ RescueFolder::Result RescueFolder::write(std::string_view text, std::optional<Re
         recording->discard();
         return result;
     }
-    auto audioFile = textFile;
-    audioFile.replace_extension(recording->audio().extension());
+    auto audioFile = withExtension(textFile, audioExtension);
     if (const auto moved = recording->moveAudio(audioFile); !moved) {
         DiagnosticsLog::note("rescue", "Tonspur nicht sicherbar: " + moved.error().description());
         return result;
@@ -67,23 +78,21 @@ RescueFolder::Result RescueFolder::write(std::string_view text, std::optional<Re
 
 void RescueFolder::prune(const Result& justWritten) const {
     Files::removeUnfinishedWrites(folder_);
-    const auto files = listing(folder_);
     std::vector<std::pair<Date, fs::path>> texts;
-    for (const auto& file : files) {
+    for (const auto& file : listing(folder_)) {
         // What was written just now is the newest, whatever a clock that was set back says.
-        if (!isText(file) || file == justWritten.textFile) continue;
+        if (!isRescuedText(file) || file == justWritten.textFile) continue;
         texts.emplace_back(Files::modificationTime(file).value_or(Date::min()), file);
     }
     const std::size_t others = justWritten.textFile ? keepNewest - 1 : keepNewest;
     if (texts.size() <= others) return;
     std::ranges::sort(texts, std::greater());
     for (auto old = texts.begin() + static_cast<std::ptrdiff_t>(others); old != texts.end(); ++old) {
-        for (const auto& file : files) {
-            if (file.stem() == old->second.stem()) Files::remove(file);
-        }
+        Files::remove(withExtension(old->second, audioExtension));
+        Files::remove(old->second);
     }
 }
 
-bool RescueFolder::hasEntries() const { return std::ranges::any_of(listing(folder_), isText); }
+bool RescueFolder::hasEntries() const { return std::ranges::any_of(listing(folder_), isRescuedText); }
 
 } // namespace querlin

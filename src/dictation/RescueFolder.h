@@ -25,9 +25,9 @@ public:
     RescueFolder(std::filesystem::path folder, const Clock& clock) :
         folder_(std::move(folder)), clock_(clock) {}
 
-    /// Keeps a text and its recording, and removes the oldest beyond `keepNewest`. Never fails towards
-    /// the caller. What can't be moved here stays in the folder of recordings, with the text beside it,
-    /// for the next start to find.
+    /// Keeps a text and its recording, and removes the oldest beyond `keepNewest`; files that this program
+    /// has not named are never touched. Never fails towards the caller. What can't be moved here stays in the
+    /// folder of recordings, with the text beside it, for the next start to find.
     Result keep(std::string_view text, std::optional<RecordingFile> recording);
 
     /// Whether there is at least one rescued text.
