@@ -20,7 +20,7 @@ std::size_t rescueLeftBehind(const RecordingFolder& recordings, RescueFolder& re
         const auto result = rescueFolder.keep(text, std::move(recording));
         if (result.textFile) ++rescued;
         RescueReport::writeToLog(text, reason, result);
-        RescueReport::notify(notifier, text, reason,
+        RescueReport::notify(notifier, reason,
                              result.textFile ? "Der Text liegt im Rettungsordner."
                                              : "Der Rettungsordner ist nicht beschreibbar.");
     }

@@ -1,7 +1,6 @@
 #include "dictation/DictationRescue.h"
 
 #include "foundation/Characters.h"
-#include "foundation/Graphemes.h"
 #include "state/DiagnosticsLog.h"
 
 #include <fmt/format.h>
@@ -13,7 +12,7 @@ RescueFolder::Result DictationRescue::rescue(std::string_view text, std::optiona
     inserter_.placeOnClipboard(text);
     const auto result = folder_.keep(text, std::move(recording));
     RescueReport::writeToLog(text, reason, result);
-    RescueReport::notify(notifier_, text, reason,
+    RescueReport::notify(notifier_, reason,
                          result.textFile ? "Der Text liegt in der Zwischenablage und im Rettungsordner."
                                          : "Der Text liegt in der Zwischenablage.");
     return result;
@@ -46,11 +45,8 @@ void writeToLog(std::string_view text, std::string_view reason, const RescueFold
     DiagnosticsLog::note("rescue", line);
 }
 
-void notify(Notifier& notifier, std::string_view text, std::string_view reason,
-            std::string_view whereabouts) {
-    constexpr std::size_t shownCharacters = 120;
-    notifier.post("Diktat nicht eingefügt", fmt::format("{}. {}\n\n„{}…“", clause(reason), whereabouts,
-                                                        firstGraphemes(text, shownCharacters)));
+void notify(Notifier& notifier, std::string_view reason, std::string_view whereabouts) {
+    notifier.post("Diktat nicht eingefügt", fmt::format("{}. {}", clause(reason), whereabouts));
 }
 
 } // namespace RescueReport
