@@ -53,30 +53,15 @@ void runDelivery(Report& report) {
     HotkeyManager hotkey(loop, holdKey, eyes.permissions, HotkeyConfig(), "");
     ClipboardInserter inserter(
         {runtime, eyes.permissions, eyes.accessibility, eyes.workspace, clipboard, pasteKey});
-    FakeSurroundings with(runtime, folder.path(), TextWork::real);
+    FakeSurroundings with(runtime, folder.path());
     with.services.script.delay = Duration::zero();
     with.services.script.result = "Frau Meier Komma geboren am dritten März Punkt";
     const auto fakes = with.collaborators();
-    DictationController controller(runtime, {fakes.settings,
-                                             fakes.statistics,
-                                             fakes.history,
-                                             fakes.rescue,
-                                             fakes.notifier,
-                                             fakes.windows,
-                                             fakes.sounds,
-                                             hotkey,
-                                             eyes.permissions,
-                                             eyes.detector,
-                                             inserter,
-                                             fakes.correctionWatcher,
-                                             fakes.systemSignals,
-                                             fakes.recorder,
-                                             fakes.audioDevices,
-                                             fakes.transcribers,
-                                             fakes.vocabulary,
-                                             fakes.textStages,
-                                             fakes.ruleBasedEnhancer,
-                                             fakes.enhancement});
+    DictationController controller(
+        runtime, {fakes.settings, fakes.statistics, fakes.history, fakes.rescue, fakes.notifier,
+                  fakes.windows, fakes.sounds, hotkey, eyes.permissions, eyes.detector, inserter,
+                  fakes.correctionWatcher, fakes.systemSignals, fakes.recorder, fakes.audioDevices,
+                  fakes.transcribers, fakes.vocabulary, fakes.pipeline});
     controller.start();
     const Program editor({"mousepad", "--disable-server"});
     const auto isReady = [&] {

@@ -3,15 +3,21 @@
 #include "Peer.h"
 
 #include "IcuPattern.h"
-#include "chain/WholeChain.h"
+#include "cleanup/TextPipeline.h"
+#include "legal/LegalLookup.h"
 
 namespace icu_peer {
 
-std::string runWholeChain(std::string_view transcript, bool appliesCommands, bool isCompact) {
-    static querlin::ChainOptions options;
-    options.appliesCommands = appliesCommands;
-    options.isCompact = isCompact;
-    return querlin::runWholeChain(transcript, options).text;
+std::string runPipeline(std::string_view transcript, bool appliesCommands, bool isCompact) {
+    static querlin::PipelineRequest request = [] {
+        querlin::PipelineRequest everyday;
+        everyday.settings.textBlocks = querlin::TextBlock::builtIn();
+        return everyday;
+    }();
+    static querlin::NoLaws none;
+    request.settings.commandsEnabled = appliesCommands;
+    request.style.compactText = isCompact;
+    return querlin::TextPipeline::runWithoutModel(transcript, request, none).text;
 }
 
 void keepMatchers(bool keeps) { querlin::keepMatchers(keeps); }

@@ -10,7 +10,8 @@
 /// expressions are carried out.
 namespace icu_peer {
 
-std::string runWholeChain(std::string_view transcript, bool appliesCommands, bool isCompact);
+/// All stages but the model.
+std::string runPipeline(std::string_view transcript, bool appliesCommands, bool isCompact);
 
 /// Whether its matchers are kept from use to use, as only a program of one thread could; otherwise each use
 /// of a pattern makes one, as ICU's manual has it.

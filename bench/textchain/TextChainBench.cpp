@@ -4,9 +4,10 @@
 #include "Peer.h"
 #include "Texts.h"
 
-#include "chain/WholeChain.h"
+#include "cleanup/TextPipeline.h"
 #include "foundation/Graphemes.h"
 #include "foundation/Pattern.h"
+#include "legal/LegalLookup.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -21,10 +22,15 @@ namespace {
 using querlin::bench::dictationOf;
 
 std::string ours(std::string_view text, bool appliesCommands, bool isCompact) {
-    static querlin::ChainOptions options;
-    options.appliesCommands = appliesCommands;
-    options.isCompact = isCompact;
-    return querlin::runWholeChain(text, options).text;
+    static querlin::PipelineRequest request = [] {
+        querlin::PipelineRequest everyday;
+        everyday.settings.textBlocks = querlin::TextBlock::builtIn();
+        return everyday;
+    }();
+    static querlin::NoLaws none;
+    request.settings.commandsEnabled = appliesCommands;
+    request.style.compactText = isCompact;
+    return querlin::TextPipeline::runWithoutModel(text, request, none).text;
 }
 
 /// Ends the program if the two chains differ anywhere: their times mean something only for the same work.
@@ -35,7 +41,7 @@ void compareOutputs() {
         for (const bool appliesCommands : {true, false}) {
             for (const bool isCompact : {true, false}) {
                 if (ours(text, appliesCommands, isCompact) ==
-                    icu_peer::runWholeChain(text, appliesCommands, isCompact))
+                    icu_peer::runPipeline(text, appliesCommands, isCompact))
                     continue;
                 std::fprintf(stderr, "The chains differ: %s\n", name.c_str());
                 std::exit(EXIT_FAILURE);
@@ -56,7 +62,7 @@ void chainOurs(benchmark::State& state) {
 void chainIcu(benchmark::State& state, bool keepsMatchers) {
     icu_peer::keepMatchers(keepsMatchers);
     const auto text = dictationOf(static_cast<std::size_t>(state.range(0)));
-    for (auto _ : state) benchmark::DoNotOptimize(icu_peer::runWholeChain(text, true, false));
+    for (auto _ : state) benchmark::DoNotOptimize(icu_peer::runPipeline(text, true, false));
     state.counters["per_word"] =
         benchmark::Counter(static_cast<double>(state.range(0)),
                            benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);

@@ -1,15 +1,13 @@
 #include "app/Program.h"
 
 #include "app/SetupReport.h"
-#include "cleanup/EnhancementCoordinator.h"
-#include "cleanup/RuleBasedEnhancer.h"
+#include "cleanup/TextPipeline.h"
 #include "desktop/ClipboardInserter.h"
 #include "dictation/CrashRecovery.h"
 #include "speech/LocalTranscribers.h"
 #include "state/DiagnosticsLog.h"
 #include "state/Migration.h"
 #include "state/Product.h"
-#include "textchain/TextStages.h"
 #include "ui/brand/Theme.h"
 
 #include <sys/utsname.h>
@@ -39,11 +37,10 @@ struct Program::Dictation {
     explicit Dictation(Program& app);
 
     // Texts
-    TextChain stages;
-    RuleBasedEnhancer rules;
     NoLanguageModel model;
-    LocalModelEnhancer modelEnhancer{model};
+    LocalModelEnhancer modelEnhancer;
     EnhancementCoordinator enhancement;
+    TextPipeline pipeline;
     DictationHistory history;
 
     // The desktop
@@ -63,9 +60,9 @@ struct Program::Dictation {
 };
 
 Program::Dictation::Dictation(Program& app) :
-    stages(app.corpus_),
-    rules(app.machine_.runtime()),
-    enhancement(*app.settings_, rules, modelEnhancer),
+    modelEnhancer(model, app.machine_.queue),
+    enhancement(app.machine_.runtime(), modelEnhancer),
+    pipeline(app.machine_.runtime(), app.corpus_, enhancement),
     history(app.places_.paths.support, app.machine_.storageRuntime()),
     hotkey(app.machine_.queue, app.machine_.display->holdKey(), app.permissions_, app.settings_->hotkey.get(),
            app.places_.executable),
@@ -102,9 +99,7 @@ Program::Dictation::Dictation(Program& app) :
                                         .audioDevices = app.machine_.devices,
                                         .transcribers = transcribers,
                                         .vocabulary = app.vocabulary_,
-                                        .textStages = stages,
-                                        .ruleBasedEnhancer = rules,
-                                        .enhancement = enhancement}) {}
+                                        .pipeline = pipeline}) {}
 
 Program::Program(Machine& machine, Places places, std::function<void()> quit) :
     machine_(machine),

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "cleanup/LocalModelEnhancer.h"
-#include "state/AppSettings.h"
+#include "cleanup/TextTreatment.h"
+#include "foundation/Runtime.h"
 
 #include <optional>
 #include <string>
@@ -21,35 +22,28 @@ struct EnhancementOutcome {
 
 namespace EngineName {
 inline constexpr std::string_view raw = "Roh";
-/// The rules, which the pipeline has run.
 inline constexpr std::string_view rules = "Regelbasiert";
 /// The rules in place of the model.
 inline constexpr std::string_view rulesInstead = "Regelbasiert (offline)";
-inline constexpr std::string_view model = "Lokal (Apple)";
+inline constexpr std::string_view model = "Lokal (Modell)";
 } // namespace EngineName
 
-/// Finishes a text according to the cleanup mode. There always is an outcome: whatever the model does, the
-/// words come back. What the rules have been through in the same run they don't go through again. Main
-/// thread; all it is given outlives it.
+/// Has a text polished by the language model. There always is an outcome: whatever the model does, the words
+/// come back, then by the rules. What the rules have been through in the same run they don't go through
+/// again. Main thread; all it is given outlives it.
 class EnhancementCoordinator {
 public:
-    EnhancementCoordinator(const AppSettings& settings, TextEnhancer& rules, LocalModelEnhancer& model) :
-        settings_(settings), rules_(rules), model_(model) {}
+    EnhancementCoordinator(Runtime runtime, LocalModelEnhancer& model) : runtime_(runtime), model_(model) {}
 
-    /// Without a style the general setting counts.
-    Task<EnhancementOutcome> run(std::string transcript, std::optional<WritingStyle> style,
-                                 TextTreatment treatment);
+    Task<EnhancementOutcome> run(std::string transcript, WritingStyle style, TextTreatment treatment);
 
     /// What happens to texts in this mode, for the settings window.
-    static std::string effectiveDescription(CleanupMode mode, const LocalModelAvailability& availability);
+    static std::string effectiveDescription(CleanupMode mode, LocalModelAvailability availability);
 
 private:
-    Task<EnhancementOutcome> runLocal(std::string text, WritingStyle style, TextTreatment treatment);
-    Task<EnhancementOutcome> runRuleBased(std::string text, WritingStyle style, TextTreatment treatment,
-                                          std::string reason);
+    Task<EnhancementOutcome> runRuleBased(std::string text, TextTreatment treatment, std::string reason);
 
-    const AppSettings& settings_;
-    TextEnhancer& rules_;
+    Runtime runtime_;
     LocalModelEnhancer& model_;
 };
 

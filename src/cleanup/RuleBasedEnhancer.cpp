@@ -6,7 +6,6 @@
 #include "foundation/Replacing.h"
 #include "foundation/TextCase.h"
 #include "foundation/Trimming.h"
-#include "foundation/Waiting.h"
 #include "foundation/WordSet.h"
 #include "textchain/DictationPreprocessor.h"
 #include "textchain/GermanNumberWords.h"
@@ -18,7 +17,7 @@
 
 #include <fmt/format.h>
 
-namespace querlin {
+namespace querlin::RuleBasedEnhancer {
 
 namespace {
 
@@ -50,7 +49,7 @@ constexpr ScalarSet correctionPunctuation(U".,;:!?–-");
 /// How far back a correction looks for the word that it takes up again.
 constexpr std::size_t correctionReach = 6;
 
-/// Words that go: with them the comma and the white space behind.
+/// Words that go, with the comma and the white space after them.
 const RuleList& removals() {
     static const auto list = [] {
         RuleList rules;
@@ -118,7 +117,7 @@ std::string joinedByBlanks(std::span<const std::string_view> pieces) {
     return std::string(trimBlanksAndTabs(replacingAll(text, "  ", " ")));
 }
 
-/// "am Montag nein am Dienstag" -> "am Dienstag": what is said again behind the signal takes the place of
+/// "am Montag nein am Dienstag" -> "am Dienstag": what is said again after the signal takes the place of
 /// what was said before. Where nothing is said again, only the signal goes.
 std::string resolveSelfCorrections(std::string text) {
     const auto pieces = splitAtBlanks(text);
@@ -151,7 +150,7 @@ std::string finishedSentences(std::string_view text) {
 
 } // namespace
 
-std::string RuleBasedEnhancer::clean(std::string_view text, TextTreatment treatment) {
+std::string clean(std::string_view text, TextTreatment treatment) {
     std::string result(trimWhitespaceAndNewlines(text));
     if (result.empty()) return result;
     if (!treatment.commandsApplied) result = DictationPreprocessor::applySpokenPunctuation(result);
@@ -160,12 +159,4 @@ std::string RuleBasedEnhancer::clean(std::string_view text, TextTreatment treatm
     return finishedSentences(result);
 }
 
-Task<std::expected<std::string, EnhancementError>> RuleBasedEnhancer::enhance(std::string text,
-                                                                              DictationLanguage /*language*/,
-                                                                              WritingStyle /*style*/,
-                                                                              TextTreatment treatment) {
-    auto work = [text = std::move(text), treatment] { return clean(text, treatment); };
-    co_return co_await background(runtime_, std::move(work));
-}
-
-} // namespace querlin
+} // namespace querlin::RuleBasedEnhancer

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "cleanup/EffectiveStyle.h"
-#include "cleanup/EnhancementCoordinator.h"
+#include "cleanup/TextPipeline.h"
 #include "desktop/ContextDetector.h"
 #include "desktop/CorrectionWatcher.h"
 #include "desktop/HotkeyManager.h"
@@ -9,6 +8,7 @@
 #include "desktop/SoundPlayer.h"
 #include "desktop/SystemSignals.h"
 #include "desktop/TextInserter.h"
+#include "dictation/Delivery.h"
 #include "dictation/DictationPhase.h"
 #include "dictation/DictationRescue.h"
 #include "dictation/DictationRun.h"
@@ -20,14 +20,12 @@
 #include "foundation/RepeatingTimer.h"
 #include "foundation/Runtime.h"
 #include "foundation/TaskGroup.h"
-#include "foundation/TaskMutex.h"
 #include "speech/AudioRecorder.h"
 #include "speech/TranscriberFactory.h"
 #include "speech/VocabularyProvider.h"
 #include "state/AppSettings.h"
 #include "state/DictationHistory.h"
 #include "state/UsageStatistics.h"
-#include "textchain/TextStages.h"
 
 namespace querlin {
 
@@ -53,17 +51,19 @@ struct DictationCollaborators {
     TranscriberFactory& transcribers;
     VocabularyProvider& vocabulary;
 
-    TextStages& textStages;
-    TextEnhancer& ruleBasedEnhancer;
-    EnhancementCoordinator& enhancement;
+    TextPipeline& pipeline;
 };
 
-/// The spine: turns key presses into recordings, and recordings into delivered text.
+/// The spine: turns key presses into recordings, and sends what was recorded through the pipeline to its
+/// delivery. It keeps phases, timers and runs.
 ///
 /// Everything happens on the main thread, which is the lock. The one invariant a change must keep: a
 /// text that exists is delivered, taken back by the speaker's own command, or rescued; and a run
 /// leaves the phase, the overlay, the recorder and the recording alone as soon as a newer dictation
 /// has begun (`isNewest`).
+///
+/// A dictation of the hold key records at once, but nobody sees or hears it for a moment: the key may be
+/// part of a shortcut, and then the dictation never was.
 class DictationController {
 public:
     /// Wires everything; nothing starts.
@@ -81,6 +81,7 @@ public:
     /// The process is about to end: rescues what is under way, synchronously. Nothing starts any more.
     void shutdown();
 
+    /// Begins as the menu does it: recording and its signs at once.
     void beginDictation();
     void endDictation();
     /// The menu's way to begin or end.
@@ -111,50 +112,65 @@ public:
 
 private:
     using RunPointer = std::shared_ptr<DictationRun>;
-    // Life cycle (DictationController.cpp)
+    using Transcript = std::expected<std::string, TranscriptionError>;
+    enum class BegunBy : std::uint8_t { Menu, HoldKey };
+    /// Why no recording begins.
+    struct Refusal {
+        std::string message;
+        bool opensOnboarding = false;
+    };
+    struct RunTimes;
+    class Finishing;
+    /// A shorter hold leaves nothing.
+    static constexpr double minimumRecordingSeconds = 0.35;
+
+    // Wiring and small commands (DictationController.cpp)
+    void permissionTick();
+    Task<> insertLegalTextAtCursor(std::string text);
+    std::string selectedMicrophone(const std::vector<AudioInputDevice>& inputs) const;
+
+    // From the press to the release (DictationRecording.cpp)
+    void begin(BegunBy who);
+    void abandonDictation();
+    std::expected<void, Refusal> record(const RunPointer& run);
+    std::expected<void, Refusal> checkPermissions() const;
+    void lookAtTarget(DictationRun& run);
+    std::expected<void, std::string> listen(const RunPointer& run);
     std::shared_ptr<StreamingTranscriber> makeTranscriber(const RunPointer& run);
-    std::expected<void, std::string> beginListening(const RunPointer& run);
     std::vector<std::string> contextualStrings() const;
+    void showRecording(DictationRun& run);
+    void showRefusal(const Refusal& refusal);
+    void startElapsedTimer();
+    void elapsedTick();
+    void partialResult(const RunPointer& run, std::string text);
+    void closeMicrophone();
+    void forgetRecording(DictationRun& run);
     void cancelRecognition();
+
+    // Phases (DictationRecording.cpp)
+    bool isNewest(const DictationRun& run) const { return newest_.get() == &run; }
+    bool isIdle() const { return !recording_ && !phase_.get().isBusy(); }
+    void enter(DictationPhase phase);
+    void setPhase(const DictationRun& run, DictationPhase::Kind kind);
     void rest();
     void fail(std::string message);
     void notice(std::string message);
-    Task<> takeBack(DictationPhase::Kind kind, Duration delay);
-    void startElapsedTimer();
-    void elapsedTick();
-    void permissionTick();
-    void partialResult(const RunPointer& run, std::string text);
-    Task<> insertLegalTextAtCursor(std::string text);
-    void legalTextInserted(const std::string& text,
-                           const std::expected<TextInserter::Outcome, InsertError>& outcome);
-    std::string selectedMicrophone(const std::vector<AudioInputDevice>& inputs) const;
-    bool isNewest(const DictationRun& run) const { return newest_.get() == &run; }
-    void setPhase(const DictationRun& run, DictationPhase::Kind kind);
-    void play(FeedbackSound sound);
 
-    // Pipeline (DictationPipeline.cpp)
-    enum class RunEnd : std::uint8_t { Delivered, Undelivered };
-    struct PipelineTimes;
-    class InPipeline;
-    Task<> runPipeline(RunPointer run);
-    Task<RunEnd> processAndDeliver(RunPointer run);
-    Task<std::expected<std::string, TranscriptionError>> transcribe(RunPointer run);
-    bool applyCommands(DictationRun& run);
-    Task<> applyRules(RunPointer run);
-    void applyDeterministicStages(DictationRun& run);
-    void applyLawStages(DictationRun& run);
-    Task<> polish(RunPointer run);
-    void nameEngineWithoutModel(DictationRun& run);
-    void nameEngine(DictationRun& run, std::string name);
+    // From the release to the end (DictationFinish.cpp)
+    Task<> finish(RunPointer run);
+    Task<bool> processAndDeliver(RunPointer run);
+    Task<Transcript> transcribe(RunPointer run);
+    bool hasWords(DictationRun& run, const Transcript& transcript);
+    PipelineRequest requestOf(const DictationRun& run) const;
+    PipelineProgress progressOf(const RunPointer& run, RunTimes& times);
     void keepText(DictationRun& run, std::string text);
-    void book(DictationRun& run, const PipelineTimes& times);
+    void noteOutcome(const DictationRun& run, const PipelineOutcome& outcome);
+    void noteTimes(const DictationRun& run, const RunTimes& times);
     void recognitionFailed(DictationRun& run, const std::string& message);
     void nothingHeard(DictationRun& run);
     void discardOnCommand(DictationRun& run);
-    void rescue(DictationRun& run, std::string_view reason);
-    void insertionFailed(DictationRun& run, std::string_view reason);
-    void pipelineBroke(DictationRun& run, const std::exception& fault);
-    void discardRecording(DictationRun& run);
+    void undelivered(const DictationRun& run, const DeliveryResult& result);
+    void stageBroke(DictationRun& run, const std::exception& fault);
 
     // Interruptions (DictationInterruptions.cpp)
     void installInterruptionObservers();
@@ -177,18 +193,23 @@ private:
     Published<float> inputLevel_{0.0F};
     Published<bool> isLongDictation_{false};
 
-    /// The dictation of the last accepted key press; an older one may still be in the pipeline.
+    /// The dictation of the last accepted key press; an older one may still be on its way.
     RunPointer newest_ = std::make_shared<DictationRun>();
-    std::vector<DictationRun*> inPipeline_;
+    /// The newest, while the microphone is open for it.
+    RunPointer recording_;
+    std::vector<DictationRun*> finishing_;
     PartialTextKeeper partialTextKeeper_;
+    Delivery delivery_;
     bool isShutDown_ = false;
 
     std::optional<RepeatingTimer> elapsedTimer_;
+    /// Will show what the last press of the hold key led to.
+    Registration showing_;
+    /// Will take the error or notice back that is shown.
+    Registration messageTimer_;
     std::optional<RepeatingTimer> permissionRetryTimer_;
     Registration interruptionObservers_;
     std::vector<Registration> settingsSubscriptions_;
-    /// Two insertions at once would mix up the user's clipboard.
-    TaskMutex insertionTurn_;
     TaskGroup tasks_;
     Lifetime lifetime_;
 };

@@ -17,7 +17,7 @@ std::string_view reasonOf(SystemSignal signal) {
     switch (signal) {
     case SystemSignal::willSleep:
     case SystemSignal::sessionResigned:
-        return "Der Mac wurde gesperrt oder ging in den Ruhezustand";
+        return "Der Rechner wurde gesperrt oder ging in den Ruhezustand";
     case SystemSignal::screenLocked:
         return "Der Bildschirm wurde gesperrt";
     }
@@ -40,15 +40,15 @@ void DictationController::interrupted(SystemSignal signal, SystemHold hold) {
 
 void DictationController::interrupt(std::string_view reason, bool forceRescue, SystemHold hold) {
     // A dictation whose key is up is delivered, whatever happens to the screen; the machine may wait for it.
-    if (!phase_.get().is(DictationPhase::Kind::recording)) {
-        for (auto* run : inPipeline_) {
+    if (!recording_) {
+        for (auto* run : finishing_) {
             if (hold) run->hold = hold;
         }
         return;
     }
     DiagnosticsLog::note("controller", fmt::format("Diktat unterbrochen: {}", reason));
-    if (forceRescue) newest_->rescueReason = reason;
-    newest_->hold = std::move(hold);
+    if (forceRescue) recording_->rescueReason = reason;
+    recording_->hold = std::move(hold);
     endDictation();
 }
 
@@ -74,20 +74,22 @@ void DictationController::configurationChanged(const ConfigurationChange& change
 
 void DictationController::shutdown() {
     if (std::exchange(isShutDown_, true)) return;
-    elapsedTimer_.reset();
+    showing_.reset();
+    messageTimer_.reset();
     collaborators_.correctionWatcher.stop();
     permissionRetryTimer_.reset();
     collaborators_.hotkey.stop();
     interruptionObservers_.reset();
     partialTextKeeper_.drop();
-    collaborators_.recorder.stop();
-    collaborators_.recorder.setOnBuffer({});
+    const bool isTooShort = recording_ && collaborators_.recorder.duration() < minimumRecordingSeconds;
+    closeMicrophone();
+    if (isTooShort) collaborators_.recorder.discardRecording();
     rescueAtShutdown();
     cancelRecognition();
     tasks_.abandonAll();
 }
 
-/// The recording under way, and every dictation that is still in the pipeline, with the best text that
+/// The recording under way, and every dictation that is still being finished, with the best text that
 /// there is of each.
 void DictationController::rescueAtShutdown() {
     const auto save = [this](const DictationRun& run, std::string_view text,
@@ -100,7 +102,7 @@ void DictationController::rescueAtShutdown() {
         collaborators_.rescue.rescue(text.empty() ? audioOnlyPlaceholder : text, std::move(recording),
                                      shutdownReason);
     };
-    for (auto* run : inPipeline_) {
+    for (auto* run : finishing_) {
         if (run->isCancelled || (!run->recording && run->text.empty())) continue;
         save(*run, run->text.empty() ? run->partialText : run->text,
              std::exchange(run->recording, std::nullopt));

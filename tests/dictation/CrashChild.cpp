@@ -1,4 +1,4 @@
-// One dictation in real time in a process of its own, to be killed at any point. It tells on standard
+// One dictation in real time in a process of its own, to be killed at any point. It reports on standard
 // output how far it has come: "r" recording, "d" delivered to the target, "e" at its end.
 //
 //     crash_child ⟨folder⟩ delivered|rescued

@@ -21,7 +21,7 @@ TEST(Crash, AKilledDictationIsFoundAtTheNextStart) {
     int afterDelivery = 0;
     for (int i = 0; i < kills && !testing::Test::HasFailure(); ++i) {
         const TempFolder folder;
-        // Some wait for the delivery, so that the moments behind it are met on a slow machine too.
+        // Some wait for the delivery, so that the moments after it are met on a slow machine too.
         const bool waitsForDelivery = i % 8 == 1;
         const char* outcome = i % 3 == 0 && !waitsForDelivery ? "rescued" : "delivered";
         const std::chrono::microseconds delay(waitsForDelivery ? microseconds(random) / 20 : microseconds(random));

@@ -10,9 +10,8 @@ namespace {
 using Kind = DictationPhase::Kind;
 using Texts = std::vector<std::string>;
 
-/// In mode `local` and without marks, so that there is time between the steps.
+/// In mode `local`, so that there is time between the steps.
 void prepare(DictationWorld& w, std::string transcript) {
-    w.stages.marks = false;
     w.settings.cleanupMode.set(CleanupMode::local);
     w.services.script.result = std::move(transcript);
 }
@@ -27,12 +26,12 @@ TEST(Cancellation, EndsEachPhaseAtOnce) {
     const std::vector<Row> rows = {
         {-1, {}, {}, "recording: nothing happens any more"},
         {0.1, {}, DictationPhase::notice("Nichts gehört"), "transcribing: the recogniser gives the empty text"},
-        {1.0, {"Hallo"}, {}, "enhancing: the text is there and is delivered"},
-        {2.2, {"Hallo"}, {}, "inserting: likewise"},
+        {1.0, {"Hallo."}, {}, "enhancing: the text is there and is delivered"},
+        {2.2, {"Hallo."}, {}, "inserting: likewise"},
     };
     for (const auto& row : rows) {
         DictationWorld w;
-        prepare(w, "Hallo");
+        prepare(w, "Hallo.");
         w.press();
         w.wait(seconds(1));
         if (row.secondsAfterRelease >= 0) {
@@ -55,7 +54,7 @@ TEST(Cancellation, EndsEachPhaseAtOnce) {
 
 TEST(Overlap, APressDuringThePipelineIsNotQueued) {
     DictationWorld w;
-    prepare(w, "Hallo");
+    prepare(w, "Hallo.");
     w.hold(seconds(1));
     w.hold(seconds(0.2));
     w.wait(seconds(10));
@@ -76,19 +75,19 @@ TEST(Overlap, APressRightAfterDeliveryKeepsItsOverlay) {
 
 TEST(Overlap, AnOlderRunDeliversAndBooksButLeavesTheNewerAlone) {
     DictationWorld w;
-    prepare(w, "alt");
+    prepare(w, "Alt.");
     w.settings.historyKeepAudio.set(true);
     w.hold(seconds(1));
     w.wait(seconds(0.6)); // enhancing
     w.controller.cancelDictation();
-    w.services.script.result = "neu";
+    w.services.script.result = "Neu.";
     w.desktop.front->localizedName = "Writer";
     w.press();
     w.services.transcriber->partial("ne");
     w.time.settle();
     const auto recordings = w.recordings();
     w.wait(seconds(4)); // the older run ends in here
-    EXPECT_EQ(w.inserter.delivered, Texts{"alt"});
+    EXPECT_EQ(w.inserter.delivered, Texts{"Alt."});
     EXPECT_EQ(w.history.entries().at(0).appName, "Mail") << "booked under its own context";
     EXPECT_EQ(w.phase(), Kind::recording);
     EXPECT_TRUE(w.windows.overlayIsVisible);
@@ -96,7 +95,7 @@ TEST(Overlap, AnOlderRunDeliversAndBooksButLeavesTheNewerAlone) {
     EXPECT_EQ(w.recordings(), recordings) << "audio, text and lock of the newer one";
     w.release();
     w.wait(seconds(10));
-    EXPECT_EQ(w.inserter.delivered, (Texts{"alt", "neu"}));
+    EXPECT_EQ(w.inserter.delivered, (Texts{"Alt.", "Neu."}));
     EXPECT_TRUE(w.history.audioFile(w.history.entries().at(0)));
     EXPECT_TRUE(w.recordings().empty());
 }
@@ -109,8 +108,8 @@ TEST(Overlap, AnOlderRunsFailureIsNotTheNewersError) {
         const char* reason;
     };
     const std::vector<Row> rows = {
-        {"alt", TextInserter::Outcome::notInserted, {"alt"}, "not inserted"},
-        {"alt", std::unexpected(InsertError::noAccessibilityPermission), {"alt"}, "refused"},
+        {"Alt.", TextInserter::Outcome::notInserted, {"Alt."}, "not inserted"},
+        {"Alt.", std::unexpected(InsertError::noAccessibilityPermission), {"Alt."}, "refused"},
         {"streiche das", std::unexpected(InsertError::noAccessibilityPermission), {}, "refused, nothing to insert"},
     };
     for (const auto& row : rows) {
@@ -142,27 +141,26 @@ TEST(Overlap, LatePartialTextsOfAnOlderDictationAreDropped) {
 
 TEST(Overlap, InsertionsTakeTurns) {
     DictationWorld w;
-    w.stages.marks = false;
     w.hold(seconds(1));
     w.wait(seconds(0.5)); // inserting
     w.controller.insertLegalText("§ 1");
     w.controller.insertLegalText("§ 2");
     w.wait(seconds(10));
     EXPECT_EQ(w.inserter.mostAtOnce, 1);
-    EXPECT_EQ(w.inserter.delivered, (Texts{"Hallo Welt", "§ 1", "§ 2"}));
+    EXPECT_EQ(w.inserter.delivered, (Texts{"Hallo Welt.", "§ 1", "§ 2"}));
 }
 
 TEST(Overlap, ShutdownRescuesTheRecordingBesideACancelledRun) {
     DictationWorld w;
-    prepare(w, "alt");
+    prepare(w, "Alt.");
     w.hold(seconds(1));
     w.wait(seconds(0.6)); // enhancing
     w.controller.cancelDictation();
     w.press();
-    w.services.transcriber->partial("neuer Teil");
-    w.time.settle();
+    w.services.transcriber->partial("Neuer Teil");
+    w.wait(seconds(0.3));
     w.controller.shutdown();
-    EXPECT_EQ(w.rescuedTexts(), Texts{"neuer Teil"}) << "the user had given the older one up";
+    EXPECT_EQ(w.rescuedTexts(), Texts{"Neuer Teil"}) << "the user had given the older one up";
 }
 
 } // namespace

@@ -5,13 +5,14 @@
 #include "LegalStages.h"
 #include "Require.h"
 
-#include "chain/WholeChain.h"
 #include "cleanup/LocalModelEnhancer.h"
 #include "cleanup/RuleBasedEnhancer.h"
+#include "cleanup/TextPipeline.h"
 #include "desktop/Correction.h"
 #include "foundation/Graphemes.h"
 #include "foundation/Pattern.h"
 #include "foundation/Trimming.h"
+#include "legal/LegalLookup.h"
 #include "textchain/DictationCommands.h"
 #include "textchain/DictationPreprocessor.h"
 #include "textchain/GermanNumberWords.h"
@@ -136,13 +137,14 @@ void answers(std::string_view text, unsigned) {
 }
 
 void chain(std::string_view text, unsigned options) {
-    ChainOptions with;
-    with.style = (options & 1U) != 0 ? WritingStyle::aktenstil : WritingStyle::brief;
-    with.mode = (options & 2U) != 0 ? CleanupMode::rules : CleanupMode::none;
-    with.isCompact = (options & 4U) != 0;
-    with.appliesCommands = (options & 8U) != 0;
-    const auto outcome = runWholeChain(text, with);
-    requireValid(outcome.text);
+    PipelineRequest request;
+    request.style.style = (options & 1U) != 0 ? WritingStyle::aktenstil : WritingStyle::brief;
+    request.settings.cleanupMode = (options & 2U) != 0 ? CleanupMode::rules : CleanupMode::none;
+    request.style.compactText = (options & 4U) != 0;
+    request.settings.commandsEnabled = (options & 8U) != 0;
+    request.settings.textBlocks = TextBlock::builtIn();
+    NoLaws none;
+    requireValid(TextPipeline::runWithoutModel(text, request, none).text);
 }
 
 /// Every requirement is necessary: with it and without it a pattern does the same.

@@ -56,7 +56,7 @@ TEST_F(Interruptions, AMachineThatGoesToSleep) {
     login.prepareFor("Sleep", true);
     ASSERT_TRUE(eventually([&] { return login.inhibitors() == "shutdown"; }));
     EXPECT_EQ(querlin.rescued().size(), 2U) << "before the machine may go on";
-    expectRescued(written, "Der Mac wurde gesperrt oder ging in den Ruhezustand");
+    expectRescued(written, "Der Rechner wurde gesperrt oder ging in den Ruhezustand");
 }
 
 TEST_F(Interruptions, AMicrophoneThatIsUnplugged) {

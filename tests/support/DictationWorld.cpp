@@ -50,14 +50,10 @@ Task<InsertResult> FakeInserter::insert(std::string text) {
     co_return result;
 }
 
-// Stages
-
-std::string FakeStages::mark(std::string_view text, std::string_view sign) const {
-    if (lawStageThrows && sign == "·l") throw std::runtime_error("kaputt");
-    return marks ? std::string(text) + std::string(sign) : std::string(text);
-}
+// FakeLaws
 
 std::optional<LegalSection> FakeLaws::section(std::string_view id, std::string_view law) {
+    if (isBroken) throw std::runtime_error("kaputt");
     if (id != "1814" || law != "BGB") return std::nullopt;
     LegalSection section;
     section.id = "1814";
@@ -70,67 +66,6 @@ std::optional<LegalSection> FakeLaws::section(std::string_view id, std::string_v
 std::optional<LegalHit> FakeLaws::sectionInAnyLaw(std::string_view id) {
     auto found = section(id, "BGB");
     return found ? std::optional(LegalHit{"BGB", std::move(*found)}) : std::nullopt;
-}
-
-DictationCommands::Outcome FakeStages::applyCommands(std::string_view text, DictationCommands::Mode mode) {
-    if (text.find("alles verwerfen") != std::string_view::npos) return {std::string(text), true, {"alles verwerfen"}};
-    if (text == "streiche das") return {"", false, {"streiche das"}};
-    std::vector<std::string> applied;
-    if (text.find("Komma") != std::string_view::npos) applied = {"Komma", "Punkt"};
-    return {mark(text, mode == DictationCommands::Mode::compact ? "·C" : "·c"), false, applied};
-}
-
-TextBlockExpander::Outcome FakeStages::expandBlocks(std::string_view text, std::span<const TextBlock>, Date) {
-    if (text.find("Baustein") == std::string_view::npos) return {std::string(text), {}};
-    return {mark(text, "·b"), {"Anhörung", "Grußformel"}};
-}
-
-std::string FakeStages::compactAddresses(std::string_view text, URLFormatting::AddressTest test) {
-    return mark(text, test == URLFormatting::AddressTest::strict ? "·u" : "·U");
-}
-
-Task<std::expected<std::string, EnhancementError>> FakeEnhancer::enhance(std::string text, DictationLanguage, WritingStyle,
-                                                                         TextTreatment treatment) {
-    treatments.push_back(treatment);
-    auto work = [this, text] { return stages_.marks ? text + "·r" : text; };
-    auto cleaned = co_await background(runtime_, std::move(work));
-    if (fails) {
-        EnhancementError error{"Regelfehler"};
-        co_return std::unexpected(std::move(error));
-    }
-    co_return cleaned;
-}
-
-// FakeLanguageModel
-
-namespace {
-
-class FakeSession final : public LanguageModelSession {
-public:
-    FakeSession(const FakeLanguageModel& model, MainQueue& queue, std::string mark) :
-        queue_(queue), delay_(model.delay), fault_(model.fault), mark_(std::move(mark)) {}
-    void prewarm() override {}
-    Task<std::expected<std::string, EnhancementError>> respond(std::string prompt, double) override {
-        co_await sleepFor(queue_, delay_);
-        if (fault_) {
-            EnhancementError error{*fault_};
-            co_return std::unexpected(std::move(error));
-        }
-        const auto start = prompt.find('\n') + 1;
-        co_return prompt.substr(start, prompt.rfind('\n') - start) + mark_;
-    }
-
-private:
-    MainQueue& queue_;
-    Duration delay_;
-    std::optional<std::string> fault_;
-    std::string mark_;
-};
-
-} // namespace
-
-std::unique_ptr<LanguageModelSession> FakeLanguageModel::makeSession(std::string) {
-    return std::make_unique<FakeSession>(*this, queue_, stages_.marks ? "·m" : "");
 }
 
 // FakeServices
@@ -161,36 +96,32 @@ DictationCollaborators FakeSurroundings::collaborators() {
             .audioDevices = devices,
             .transcribers = services,
             .vocabulary = vocabulary,
-            .textStages = work == TextWork::real ? static_cast<TextStages&>(realStages) : stages,
-            .ruleBasedEnhancer = rules(),
-            .enhancement = coordinator};
-}
-
-TextEnhancer& FakeSurroundings::rules() {
-    if (work == TextWork::real) return realEnhancer;
-    return enhancer;
+            .pipeline = pipeline};
 }
 
 // DictationWorld
 
-DictationWorld::DictationWorld(TextWork textWork) : FakeSurroundings(time.runtime(), folder.path(), textWork) {
+DictationWorld::DictationWorld() : FakeSurroundings(time.runtime(), folder.path()) {
     controller.start();
+    time.settle();
+}
+
+void DictationWorld::key(HoldKeyEvent::Kind kind) {
+    holdKey.send(kind);
     time.settle();
 }
 
 void DictationWorld::press() {
     if (hotkey.isHotkeyDown()) release();
-    holdKey.hold(true);
-    time.settle();
+    key(HoldKeyEvent::Kind::pressed);
+    wait(seconds(0.15));
 }
 
-void DictationWorld::release() {
-    holdKey.hold(false);
-    time.settle();
-}
+void DictationWorld::release() { key(HoldKeyEvent::Kind::released); }
 
 void DictationWorld::hold(Duration span) {
-    press();
+    if (hotkey.isHotkeyDown()) release();
+    key(HoldKeyEvent::Kind::pressed);
     wait(span);
     release();
 }

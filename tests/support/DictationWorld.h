@@ -1,12 +1,12 @@
 #pragma once
 
-#include "cleanup/RuleBasedEnhancer.h"
 #include "dictation/DictationController.h"
 #include "foundation/OneShot.h"
 #include "legal/LegalLookup.h"
 #include "support/CapturedLog.h"
 #include "support/FakeAudio.h"
 #include "support/FakeDesktop.h"
+#include "support/FakeLanguageModel.h"
 #include "support/ManualTime.h"
 #include "support/TempFolder.h"
 
@@ -20,7 +20,7 @@ namespace querlin {
 /// How one recognition goes.
 struct RecognitionScript {
     std::optional<TranscriptionError> beginError;
-    std::variant<std::string, TranscriptionError> result = "Hallo Welt";
+    std::variant<std::string, TranscriptionError> result = "Hallo Welt.";
     Duration delay = seconds(0.4);
     /// The recogniser gives out on the way.
     bool interrupted = false;
@@ -75,59 +75,14 @@ private:
     MainQueue& queue_;
 };
 
-/// Appends a mark per stage ("·c" commands, "·b" blocks, "·l" law, "·f" formatting, "·u" addresses),
-/// so that the finished text tells the order of the stages. "alles verwerfen" discards.
-class FakeStages final : public TextStages {
-public:
-    DictationCommands::Outcome applyCommands(std::string_view text, DictationCommands::Mode mode) override;
-    TextBlockExpander::Outcome expandBlocks(std::string_view text, std::span<const TextBlock> blocks, Date now) override;
-    std::string processLawReferences(std::string_view text) override { return mark(text, "·l"); }
-    std::string formatLegally(std::string_view text) override { return mark(text, "·f"); }
-    std::string compactAddresses(std::string_view text, URLFormatting::AddressTest test) override;
-
-    bool marks = true;
-    /// A stage that throws.
-    bool lawStageThrows = false;
-
-private:
-    std::string mark(std::string_view text, std::string_view sign) const;
-};
-
 /// Knows one section, § 1814 BGB, in words of our own.
 class FakeLaws final : public LegalLookup {
 public:
     std::optional<LegalSection> section(std::string_view id, std::string_view law) override;
     std::optional<LegalHit> sectionInAnyLaw(std::string_view id) override;
-};
 
-class FakeEnhancer final : public TextEnhancer {
-public:
-    explicit FakeEnhancer(FakeStages& stages, Runtime runtime) : stages_(stages), runtime_(runtime) {}
-    Task<std::expected<std::string, EnhancementError>> enhance(std::string text, DictationLanguage language, WritingStyle style,
-                                                               TextTreatment treatment) override;
-    bool fails = false;
-    std::vector<TextTreatment> treatments;
-
-private:
-    FakeStages& stages_;
-    Runtime runtime_;
-};
-
-/// Answers with the dictation that it finds in the prompt and the mark "·m".
-class FakeLanguageModel final : public LanguageModel {
-public:
-    FakeLanguageModel(FakeStages& stages, MainQueue& queue) : stages_(stages), queue_(queue) {}
-    State state() const override { return next; }
-    std::unique_ptr<LanguageModelSession> makeSession(std::string instructions) override;
-
-    State next = State::available;
-    Duration delay = seconds(1.5);
-    /// Every answer fails with this.
-    std::optional<std::string> fault;
-
-private:
-    FakeStages& stages_;
-    MainQueue& queue_;
+    /// Breaks in a way nobody expects.
+    bool isBroken = false;
 };
 
 class FakeSignals final : public SystemSignals {
@@ -187,18 +142,12 @@ private:
     MainQueue& queue_;
 };
 
-/// Who works on the text: fakes that leave marks, or the stages and rules of the program.
-enum class TextWork : std::uint8_t { marked, real };
-
-/// Everything around a controller, scripted, on the time and in the folder that are given. Files are
-/// real.
+/// Everything around a controller, scripted, on the time and in the folder that are given. Files and text stages
+/// are real.
 struct FakeSurroundings {
-    FakeSurroundings(Runtime runtime, const std::filesystem::path& base, TextWork textWork = TextWork::marked) :
-        FakeSurroundings(runtime, runtime.clock, base, textWork) {}
+    FakeSurroundings(Runtime runtime, const std::filesystem::path& base) : FakeSurroundings(runtime, runtime.clock, base) {}
     /// With a clock of its own for the length of recordings.
-    FakeSurroundings(Runtime runtime, const Clock& recordingClock, const std::filesystem::path& base,
-                     TextWork textWork = TextWork::marked) :
-        work(textWork),
+    FakeSurroundings(Runtime runtime, const Clock& recordingClock, const std::filesystem::path& base) :
         recordingsPath(base / "Aufnahme"),
         store(base / "Einstellungen.json", runtime),
         statistics(store, runtime.clock),
@@ -211,15 +160,14 @@ struct FakeSurroundings {
         hotkey(runtime.mainQueue, holdKey, permissions, settings.hotkey.get(), "/opt/querlin"),
         watcher(runtime, permissions, desktop),
         inserter(runtime.mainQueue),
-        enhancer(stages, runtime),
-        realEnhancer(runtime),
-        model(stages, runtime.mainQueue),
+        model(runtime.mainQueue),
+        modelEnhancer(model, runtime.mainQueue),
+        coordinator(runtime, modelEnhancer),
+        pipeline(runtime, laws, coordinator),
         rescueFolder(base / "Gerettete Diktate", runtime.clock) {}
 
     DictationCollaborators collaborators();
-    TextEnhancer& rules();
 
-    TextWork work;
     std::filesystem::path recordingsPath;
     PreferencesStore store;
     AppSettings settings{store};
@@ -239,14 +187,11 @@ struct FakeSurroundings {
     ContextDetector contextDetector{permissions, desktop, desktop};
     CorrectionWatcher watcher;
     FakeInserter inserter;
-    FakeStages stages;
-    FakeEnhancer enhancer;
     FakeLaws laws;
-    TextChain realStages{laws};
-    RuleBasedEnhancer realEnhancer;
     FakeLanguageModel model;
-    LocalModelEnhancer modelEnhancer{model};
-    EnhancementCoordinator coordinator{settings, rules(), modelEnhancer};
+    LocalModelEnhancer modelEnhancer;
+    EnhancementCoordinator coordinator;
+    TextPipeline pipeline;
     FakeSignals signals;
     FakeWindows windows;
     Notifier notifier{&services};
@@ -264,13 +209,16 @@ struct VirtualGround {
 /// A controller among its surroundings, on virtual time.
 class DictationWorld : public VirtualGround, public FakeSurroundings {
 public:
-    explicit DictationWorld(TextWork work = TextWork::marked);
+    DictationWorld();
 
     // Gestures; each settles.
+    /// Presses the key and waits until that shows.
     void press();
     void release();
     /// Holds the key for a span and lets it go.
     void hold(Duration span);
+    /// The key goes down, or up, and nothing else happens.
+    void key(HoldKeyEvent::Kind kind);
     /// Moves time on.
     void wait(Duration span) { time.advance(span); }
     /// A whole dictation that has come to rest.

@@ -1,6 +1,6 @@
 #include "textchain/LawInsertion.h"
 
-#include "textchain/TextStages.h"
+#include "textchain/SpokenLawReference.h"
 
 #include "Rows.h"
 #include "support/Laws.h"
@@ -66,12 +66,14 @@ TEST(LawInsertion, PutsTheWordingInThePlaceOfTheCommand) {
 
 TEST(LawInsertion, IsFollowedByTheCitations) {
     SomeLaws laws;
-    TextChain chain(laws);
-    EXPECT_EQ(chain.processLawReferences("füge Paragraph 99999 BGB ein"), "füge § 99999 BGB ein");
-    EXPECT_EQ(chain.processLawReferences("Laut Paragraph 5 BGB: § 5 FamFG einfügen"), "Laut § 5 BGB: § 5 FamFG\nSiehe § 1814 Abs. 2 BGB.")
+    const auto process = [&laws](std::string_view text) {
+        return SpokenLawReference::normalizeReferences(SpokenLawReference::applyInsertCommands(text, laws));
+    };
+    EXPECT_EQ(process("füge Paragraph 99999 BGB ein"), "füge § 99999 BGB ein");
+    EXPECT_EQ(process("Laut Paragraph 5 BGB: § 5 FamFG einfügen"), "Laut § 5 BGB: § 5 FamFG\nSiehe § 1814 Abs. 2 BGB.")
         << "within inserted wording too";
-    const auto once = chain.processLawReferences("füge § 1814 BGB ein");
-    EXPECT_EQ(chain.processLawReferences(once), once) << "a second time changes nothing";
+    const auto once = process("füge § 1814 BGB ein");
+    EXPECT_EQ(process(once), once) << "a second time changes nothing";
 }
 
 } // namespace

@@ -1,11 +1,12 @@
 #include "chain/Requests.h"
 
-#include "chain/WholeChain.h"
 #include "cleanup/LocalModelEnhancer.h"
 #include "cleanup/RuleBasedEnhancer.h"
+#include "cleanup/TextPipeline.h"
 #include "desktop/Correction.h"
 #include "foundation/IsoDate.h"
 #include "foundation/Json.h"
+#include "legal/LegalLookup.h"
 #include "textchain/DictationCommands.h"
 #include "textchain/DictationPreprocessor.h"
 #include "textchain/GermanNumberWords.h"
@@ -67,14 +68,16 @@ JsonValue listOf(const std::vector<std::string>& texts) {
 }
 
 Members chain(std::string_view text, const Options& options) {
-    ChainOptions chainOptions;
-    chainOptions.style = fromRawValue<WritingStyle>(options.text("style")).value_or(WritingStyle::aktenstil);
-    chainOptions.mode = fromRawValue<CleanupMode>(options.text("mode")).value_or(CleanupMode::rules);
-    chainOptions.isCompact = options.flag("compact", false);
-    chainOptions.appliesCommands = options.flag("commands", true);
-    chainOptions.blocks = options.blocks();
-    chainOptions.now = options.now();
-    const auto outcome = runWholeChain(text, chainOptions);
+    PipelineRequest request;
+    request.style.style = fromRawValue<WritingStyle>(options.text("style")).value_or(WritingStyle::aktenstil);
+    request.style.compactText = options.flag("compact", false);
+    request.settings.cleanupMode =
+        fromRawValue<CleanupMode>(options.text("mode")).value_or(CleanupMode::rules);
+    request.settings.commandsEnabled = options.flag("commands", true);
+    request.settings.textBlocks = options.blocks();
+    request.now = options.now();
+    NoLaws none;
+    const auto outcome = TextPipeline::runWithoutModel(text, request, none);
     return {{"text", outcome.text}, {"discardedEverything", outcome.discardedEverything}};
 }
 

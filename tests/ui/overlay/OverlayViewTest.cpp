@@ -44,7 +44,7 @@ TEST_F(OverlayViewTest, shows_what_the_controller_publishes) {
     EXPECT_TRUE(hasLevelMeter());
 
     world.services.transcriber->partial("<b>Hallo</b>");
-    world.wait(seconds(61.9));
+    world.wait(seconds(61.8));
     const auto& style = world.controller.effectiveStyle().get();
     EXPECT_EQ(texts(), Texts({"Aufnehmen", std::string(displayName(style.style)) + " · " + style.reason, "Mail", "1:01", "<b>Hallo</b>"}));
     EXPECT_EQ(view.findChildren<QLabel*>().last()->textFormat(), Qt::PlainText);
