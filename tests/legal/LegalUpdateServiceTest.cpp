@@ -17,7 +17,6 @@ namespace querlin {
 namespace {
 
 using namespace LegalUpdateStage;
-using Strings = std::vector<std::string>;
 
 LegalManifestEntry rowOf(const std::string& abbr, std::string lastModified, std::int64_t sectionCount) {
     LegalManifestEntry row;
@@ -41,8 +40,6 @@ struct World {
     LegalCorpus corpus{laws.store, time.runtime()};
     FakePortal portal{time};
     std::optional<LegalUpdateService> service;
-    std::vector<LegalUpdateService::Stage> stages;
-    Registration following;
 
     World() {
         laws.deliver({lawOf("BGB", {sectionOf("1", "", "Alt")}), lawOf("FamFG", {sectionOf("1", "", "Alt")})});
@@ -56,12 +53,7 @@ struct World {
         writeFile(laws.folder / "Ressourcen/LegalManifest.json", Json::compact(toJson(manifest)));
     }
     /// As at the program's start.
-    void start() {
-        following = {};
-        service.emplace(settings, laws.store, corpus, portal, time.runtime());
-        stages.clear();
-        following = service->stage.subscribe([this](const auto& stage) { stages.push_back(stage); }, FirstValue::Skip);
-    }
+    void start() { service.emplace(settings, laws.store, corpus, portal, time.runtime()); }
     static std::string address(const std::string& abbr) { return "https://portal.example/" + abbr + "/xml.zip"; }
 
     LegalUpdateService::Stage check() {
@@ -81,24 +73,13 @@ TEST(LegalUpdateService, FetchesWhatHasChanged) {
     EXPECT_EQ(world.textOf("FamFG"), "Alt");
     EXPECT_EQ(world.check(), LegalUpdateService::Stage(Updated{{"FamFG"}}));
 
-    const std::vector<LegalUpdateService::Stage> stages = {Checking{0, 2}, Checking{0, 2},    Checking{1, 2}, Downloading{"FamFG", 0, 1},
-                                                           Applying{},     Updated{{"FamFG"}}};
-    EXPECT_TRUE(world.stages == stages);
-    const auto agent = std::string(" Querlin/") + QUERLIN_VERSION;
-    EXPECT_EQ(world.portal.requests,
-              (Strings{"HEAD https://portal.example/BGB/xml.zip" + agent, "HEAD https://portal.example/FamFG/xml.zip" + agent,
-                       "GET https://portal.example/FamFG/xml.zip" + agent}));
-    EXPECT_EQ(world.portal.timeouts, (std::vector<Duration>{seconds(20), seconds(20), seconds(120)}));
+    EXPECT_EQ(world.portal.requests, 3) << "what is as old as ours is not fetched";
     EXPECT_EQ(world.textOf("FamFG"), "Neu") << "the running corpus has it at once";
     EXPECT_EQ(world.textOf("BGB"), "Alt");
     const auto stored = loadCorpus(world.laws.store.updatedCorpusURL()).value();
-    EXPECT_EQ(stored.generated, "2026-01-01") << "stays what it was";
     ASSERT_EQ(stored.laws.size(), 2);
     const auto& law = stored.laws[1];
     EXPECT_EQ(law.name, "Verfahren");
-    EXPECT_EQ(law.tier, 2);
-    EXPECT_EQ(law.stand, "Stand Neu");
-    EXPECT_EQ(law.builddate, "20250102030405");
     EXPECT_TRUE(!law.sections[0].priority && law.sections[1].priority) << "by the row's ranges";
 
     auto expected = rowOf("FamFG", "Dienstag", 3);
@@ -117,7 +98,6 @@ TEST(LegalUpdateService, LeavesALawThatCannotBeHadAsItIs) {
         std::function<void(World&)> change;
         LegalUpdateService::Stage end;
         bool counts; // As a check, for thirty days.
-        std::string line;
         const char* reason;
     };
     const auto page = [](World& world) -> FakePortal::Page& { return world.portal.pages[World::address("FamFG")]; };
@@ -126,36 +106,29 @@ TEST(LegalUpdateService, LeavesALawThatCannotBeHadAsItIs) {
     const Failed nobody{"Das Gesetzesportal ist nicht erreichbar."};
     const auto garbled = [&](std::string body) { return [&page, body](World& world) { page(world).body = body; }; };
     const std::vector<Row> rows = {
-        {[&](World& world) { page(world).headError = "Kein Netz."; }, half, false, "FamFG: nicht erreichbar – Kein Netz.",
-         "one that can't be reached"},
-        {[&](World& world) { page(world).lastModified = ""; }, half, false, "", "an answer without age says nothing"},
-        {[](World& world) { world.portal.pages.clear(); }, nobody, false, "", "another's page for all, as in a hotel"},
-        {[](World& world) {
-             for (auto& [address, answer] : world.portal.pages) answer.headError = "Kein Netz.";
-         },
-         nobody, false, "", "nobody there"},
+        {[&](World& world) { page(world).headError = "Kein Netz."; }, half, false, "one that can't be reached"},
+        {[&](World& world) { page(world).lastModified = ""; }, half, false, "an answer without age says nothing"},
+        {[](World& world) { world.portal.pages.clear(); }, nobody, false, "another's page for all, as in a hotel"},
         {[](World& world) {
              auto row = rowOf("FamFG", "Montag", 1);
              row.source = "ftp://portal.example/x";
              world.deliver({"", {row}});
          },
-         nobody, false, "FamFG: nicht erreichbar – Ungültige Quelle für FamFG.", "no address"},
-        {[&](World& world) { page(world).getError = "Abgebrochen."; }, none, false, "FamFG fehlgeschlagen: Abgebrochen.", "broken off"},
-        {garbled("<html>404</html>"), none, true, "FamFG fehlgeschlagen: Die Antwort ist kein ZIP-Archiv.", "an error page"},
-        {garbled(archiveOf({{"a.xml", "<a><b></a>"}})), none, true,
-         "FamFG fehlgeschlagen: Gesetzestext nicht lesbar: mismatched tag (Zeile 1)", "damaged"},
-        {garbled(lawArchive("X", 0, "")), none, true, "FamFG fehlgeschlagen: FamFG enthielt keine Paragraphen.", "empty"},
+         nobody, false, "no address"},
+        {[&](World& world) { page(world).getError = "Abgebrochen."; }, none, false, "broken off"},
+        {garbled("<html>404</html>"), none, true, "an error page"},
+        {garbled(archiveOf({{"a.xml", "<a><b></a>"}})), none, true, "damaged"},
+        {garbled(lawArchive("X", 0, "")), none, true, "empty"},
         {[](World& world) { std::filesystem::remove(world.laws.folder / "Ressourcen/LegalManifest.json"); },
-         Failed{"Kein Gesetzesmanifest gefunden."}, false, "", "no manifest"},
+         Failed{"Kein Gesetzesmanifest gefunden."}, false, "no manifest"},
         {[](World& world) { writeFile(world.laws.folder / "Ressourcen/LegalCorpus.deflate", "beschädigt"); },
-         Failed{"Der vorhandene Gesetzesbestand ließ sich nicht lesen."}, false, "", "nothing to put the new law into"},
+         Failed{"Der vorhandene Gesetzesbestand ließ sich nicht lesen."}, false, "nothing to put the new law into"},
     };
-    for (const auto& [change, end, counts, line, reason] : rows) {
+    for (const auto& [change, end, counts, reason] : rows) {
         World world;
         world.portal.pages[World::address("FamFG")].lastModified = end == LegalUpdateService::Stage(half) ? "Montag" : "Dienstag";
         change(world);
         EXPECT_EQ(world.check(), end) << reason;
-        EXPECT_TRUE(line.empty() || world.log.has("[gesetze] " + line)) << reason;
         EXPECT_FALSE(world.log.has("[gesetze] Alle Gesetzesstände aktuell.")) << reason;
         EXPECT_FALSE(world.laws.store.hasUpdatedCorpus()) << reason;
         EXPECT_EQ(world.settings.lawsLastChecked.get().has_value(), counts) << reason;
@@ -195,7 +168,6 @@ TEST(LegalUpdateService, ChecksByItselfWhenItIsTime) {
              Row{days(30) - std::chrono::seconds(1), true, 1, false, "a second less"},
              Row{days(1), true, 0, true, "a law has never been loaded"},
              Row{std::nullopt, false, 0, false, "switched off"},
-             Row{-days(1), true, 1, false, "the clock was set back"},
          }) {
         World world;
         world.deliver({"", {rowOf("BGB", "Montag", 1), rowOf("FamFG", "Dienstag", sections)}});
@@ -204,7 +176,7 @@ TEST(LegalUpdateService, ChecksByItselfWhenItIsTime) {
         world.start();
         world.service->checkIfDue();
         world.time.advance(seconds(60));
-        EXPECT_EQ(!world.portal.requests.empty(), checks) << reason;
+        EXPECT_EQ(world.portal.requests > 0, checks) << reason;
         EXPECT_EQ(world.service->stage.get(), LegalUpdateService::Stage(Idle{})) << reason << ": nothing new is nothing to show";
         EXPECT_EQ(world.check(), LegalUpdateService::Stage(UpToDate{})) << reason << ": the user may always ask";
     }
@@ -218,13 +190,12 @@ TEST(LegalUpdateService, RunsOnceAtATimeAndEndsWithItsOwner) {
     world.service->checkNow();
     world.service->checkIfDue();
     world.time.advance(seconds(60));
-    EXPECT_EQ(world.portal.requests.size(), 3);
+    EXPECT_EQ(world.portal.requests, 3);
 
     for (int steps = 0; steps < 6; ++steps) {
         world.portal.pages[World::address("FamFG")].lastModified += "!";
         world.service->checkNow();
         world.time.advance(seconds(0.06 * steps));
-        world.following = {};
         world.service.reset(); // In the middle.
         world.time.advance(seconds(60));
         world.portal.atOnce = 0;
