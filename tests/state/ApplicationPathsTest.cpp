@@ -15,7 +15,6 @@ TEST(ApplicationPaths, FollowTheEnvironmentWhereItMakesSense) {
     ::unsetenv("XDG_CACHE_HOME");
     const auto paths = ApplicationPaths::fromEnvironment();
     EXPECT_EQ(paths.support, "/daten/Querlin");
-    EXPECT_EQ(paths.rescuedDictations(), "/daten/Querlin/Gerettete Diktate");
     EXPECT_EQ(paths.preferencesFile("local.mandolan.querlin"), "/home/anna/.config/local.mandolan.querlin.json");
     EXPECT_EQ(paths.log, "/home/anna/.local/state/Querlin.log");
     EXPECT_EQ(paths.recordings, "/home/anna/.cache/Querlin");
