@@ -27,18 +27,6 @@ TEST(Pattern, KnowsUnicode) {
                                    {R"(x*)", counts, "äx", "<>ä<x><>", "empty matches move on by characters"},
                                    {R"(.)", counts, "a\xFFz", "<a><\uFFFD><z>", "ill-formed bytes"}};
     for (const auto& row : rows) EXPECT_EQ(marked(Pattern(row.expression, row.letterCase), row.text), row.marked) << row.reason;
-    const Pattern pair("(a)(x)?(b)");
-    EXPECT_EQ(pair.replaceEach("ab", [](Pattern::Groups match) { return std::optional(std::string(match[3]) + std::string(match[2])); }),
-              "b");
-}
-
-TEST(RuleList, AppliesEachRuleToTheResultOfTheOneBefore) {
-    const RuleList rules(std::to_array<Rule>({{"b", "cc", Requirement::oneOf("ab")},
-                                              {"(c)c", "$1d", Requirement::pair(ByteSet("c"), ByteSet("c"))},
-                                              {"CD", "[$1]", Requirement::beginsWith("xx|cd"), LetterCase::ignored},
-                                              {R"(\b(\p{L}+)\s+\1\b)", "$1", Requirement::repeatedWord()}}));
-    EXPECT_EQ(rules.apply("ab ab ja ja"), "a[] a[] ja");
-    EXPECT_EQ(rules.apply("b \xC3"), "b \uFFFD");
 }
 
 TEST(Words, KnowGapsAndComparedForms) {

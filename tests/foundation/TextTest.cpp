@@ -1,7 +1,6 @@
 // Unicode text: characters, case, forms, trimming, order, German formats.
 
 #include "foundation/Characters.h"
-#include "foundation/Collation.h"
 #include "foundation/GermanFormat.h"
 #include "foundation/Graphemes.h"
 #include "foundation/PlainText.h"
@@ -31,7 +30,6 @@ TEST(Utf8, ReplacesEachMaximalIllFormedSubpart) {
         {"a\xFFz", "a\uFFFDz", "a byte that never occurs"},
         {"12345678\x80", "12345678\uFFFD", "a lone continuation behind eight ASCII bytes"},
         {"\xE2\x82", "\uFFFD", "truncated: one subpart"},
-        {"\xE2\x82x\xF0\x9F", "\uFFFDx\uFFFD", "two of them"},
         {"\xC0\xAF", "\uFFFD\uFFFD", "overlong"},
         {"\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD", "surrogate"},
         {"\xF4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD", "beyond U+10FFFF"},
@@ -40,10 +38,6 @@ TEST(Utf8, ReplacesEachMaximalIllFormedSubpart) {
         EXPECT_EQ(validUtf8(text), expected) << reason;
         EXPECT_EQ(isValidUtf8(text), text == expected) << reason;
     }
-    std::string appended;
-    for (const char32_t scalar : {U'a', U'ß', U'€', U'𝄞', char32_t(0xD800)}) appendScalar(appended, scalar);
-    EXPECT_EQ(appended, "aß€𝄞\uFFFD");
-    EXPECT_EQ(decodeScalar("").lengthInBytes, 0U);
 }
 
 TEST(Graphemes, AgreeWithIcuOnAnyMixture) {
@@ -85,23 +79,13 @@ TEST(Graphemes, TakeWindowsAndOddBytesInTheirStride) {
     EXPECT_EQ(graphemeCount(family + "yz"), 3U) << "one base with 100,000 marks";
     EXPECT_EQ(graphemeCount(std::string(1'000'000, '\x80')), 1'000'000U) << "continuations without a lead";
     EXPECT_EQ(graphemeCount("\u0600" + std::string(200, '\x80')), 200U) << "joined to such a stretch";
-    EXPECT_EQ(graphemeCount("\xFF\xFE\x80z"), 4U);
     EXPECT_EQ(firstGraphemes("👩‍⚖️äo\u0308x", 2), "👩‍⚖️ä");
-    EXPECT_EQ(firstGraphemes("ab", 5), "ab");
 }
 
 TEST(Characters, AreToldByTheirFirstScalar) {
-    // White space, alphabetic, numeric.
-    const std::vector<std::tuple<std::string_view, bool, bool, bool>> rows = {
-        {"\u2028", true, false, false}, {"\u200B", false, false, false}, {" \u0308", true, false, false}, {"o\u0308", false, true, false},
-        {"½", false, false, true},      {"Ⅷ", false, true, true},        {"_", false, false, false}};
-    for (const auto& [character, white, alphabetic, numeric] : rows) {
-        EXPECT_EQ(isWhitespace(character), white) << character;
-        EXPECT_EQ(isAlphabetic(character), alphabetic) << character;
-        EXPECT_EQ(isNumeric(character), numeric) << character;
-    }
-    EXPECT_EQ(splitAtWhitespace(" § 5\u00A0BGB\r\n, Ende\u2029"), (Texts{"§", "5", "BGB", ",", "Ende"}));
-    EXPECT_EQ(countWords(std::string(1'000'000, 'w')), 1U);
+    EXPECT_TRUE(isAlphabetic("o\u0308") && isAlphabetic("Ⅷ") && !isAlphabetic("_") && !isAlphabetic(" \u0308"));
+    EXPECT_TRUE(isNumeric("½") && isNumeric("Ⅷ") && !isNumeric("o\u0308"));
+    EXPECT_EQ(splitAtWhitespace(" § 5\u00A0BGB\r\n, E\u200Bnde\u2029"), (Texts{"§", "5", "BGB", ",", "E\u200Bnde"}));
 }
 
 TEST(TextCase, MapsFully) {
@@ -178,11 +162,8 @@ TEST(TextCase, FindsIgnoringCase) {
 TEST(TextCase, ComparesUnderEquivalence) {
     EXPECT_EQ(nfc("Bo\u0308e \u212B"), "Böe Å");
     EXPECT_FALSE(isNfc("„acht Byte“ o\u0308")) << "a mark after a stretch that needs no look";
-    EXPECT_TRUE(canonicallyEqual("o\u0308", "ö"));
     EXPECT_TRUE(canonicallyEqual("\x80", "\x81")) << "both count as U+FFFD";
-    EXPECT_FALSE(canonicallyEqual("ö", "Ö"));
     EXPECT_TRUE(equalIgnoringCase("A\u0308PFELSTRASSE", "äpfelstraße"));
-    EXPECT_FALSE(equalIgnoringCase("Apfel", "Äpfel"));
     EXPECT_TRUE(containsIgnoringCase("die GRO\u0308SSE", "größe"));
     EXPECT_FALSE(containsIgnoringCase("scho\u0308n", "scho")) << "half of a character is no match";
 }
@@ -203,46 +184,24 @@ TEST(Trimming, GoesByItsTwoSets) {
     }
 }
 
-TEST(Collation, SortsAsGermansDo) {
-    Texts words = {"Zebra", "Ähre", "Axt", "ahorn", "apfel", "Straße", "Strasse", "Öl", "Ofen"};
-    std::ranges::stable_sort(words, [](auto a, auto b) { return compareIgnoringCaseLocalized(a, b) < 0; });
-    EXPECT_EQ(words, (Texts{"ahorn", "Ähre", "apfel", "Axt", "Ofen", "Öl", "Strasse", "Straße", "Zebra"}));
-}
-
-class GermanFormatTest : public testing::Test {
-protected:
-    static void SetUpTestSuite() {
-        ::setenv("TZ", "Europe/Berlin", 1);
-        ::tzset();
-    }
-    static Date at(std::chrono::year_month_day day, std::chrono::milliseconds utc) { return std::chrono::sys_days(day) + utc; }
-};
-
-TEST_F(GermanFormatTest, WritesLocalDatesAndNumbers) {
+TEST(GermanFormat, GoesByTheLocalCalendar) {
     using namespace std::chrono;
+    const auto at = [](year_month_day day, milliseconds utc) { return Date(sys_days(day) + utc); };
     const auto winter = at(2026y / 3 / 14, 8h + 30min + 5s + 7ms);
-    EXPECT_EQ(germanDate(winter), "14.03.2026");
-    EXPECT_EQ(germanTime(winter), "09:30");
-    EXPECT_EQ(germanWeekday(winter), "Samstag");
     EXPECT_EQ(localFileStamp(winter), "2026-03-14 09-30-05");
     EXPECT_EQ(localLogStamp(winter), "09:30:05.007");
     EXPECT_EQ(germanTime(at(2026y / 7 / 1, 22h)), "00:00") << "summer time, next day";
     EXPECT_EQ(germanWeekday(at(2026y / 7 / 1, 22h)), "Donnerstag");
     EXPECT_EQ(localLogStamp(Date(-1ms)), "00:59:59.999") << "before 1970";
-    EXPECT_EQ(germanNumber(999), "999");
+    EXPECT_EQ(germanDate(Date::min()), "21.09.1677");
     EXPECT_EQ(germanNumber(-1000), "-1.000");
     EXPECT_EQ(germanNumber(INT64_MIN), "-9.223.372.036.854.775.808");
-}
 
-TEST_F(GermanFormatTest, CountsDaysByTheCalendar) {
-    using namespace std::chrono;
     const auto summer = at(2026y / 4 / 1, 7h + 30min + 1ms);
-    EXPECT_EQ(localFileStamp(daysBefore(summer, 7).value()), "2026-03-25 09-30-00") << "over the change to summer time";
-    EXPECT_EQ(daysBefore(summer, 7).value(), at(2026y / 3 / 25, 8h + 30min + 1ms));
+    EXPECT_EQ(daysBefore(summer, 7).value(), at(2026y / 3 / 25, 8h + 30min + 1ms)) << "over the change to summer time";
     EXPECT_EQ(daysBefore(summer, INT64_MAX), std::nullopt);
     EXPECT_EQ(daysBefore(summer, -1), std::nullopt);
     EXPECT_EQ(daysBefore(Date::min(), 0), std::nullopt) << "its second begins before the first date";
-    EXPECT_EQ(germanDate(Date::min()), "21.09.1677");
 }
 
 } // namespace
