@@ -31,8 +31,7 @@ private:
         {"BGB", sectionOf("1814", "Voraussetzungen", "(1) Erster.\n\n(2) Zweiter\n1.Punkt,\n2.Punkt.\n\n(2a) Dazu.\n\n (3) Dritter.")},
         {"BGB", sectionOf("5", "Titel", "Ohne Absatz.")},
         {"FamFG", sectionOf("5", "", "Siehe § 1814 Absatz 2 BGB.")},
-        {"FamFG", sectionOf("278a", "", "(1) Anhörung")},
-        {"SGB XII", sectionOf("41", "", "(1) Alter")}};
+        {"FamFG", sectionOf("278a", "", "(1) Anhörung")}};
 };
 
 TEST(LawInsertion, PutsTheWordingInThePlaceOfTheCommand) {
@@ -45,18 +44,11 @@ TEST(LawInsertion, PutsTheWordingInThePlaceOfTheCommand) {
         {"Hier: Füge § 1814 Absatz 2 BGB ein, bitte.", "Hier: " + second + ", bitte.", "down to the Absatz, with (2a)"},
         {"Füge § 1814 Absatz 2 ein", second, "from the first law that has it"},
         {"füge 1814 Abs 3 BGB ein", "§ 1814 Abs. 3 BGB – Voraussetzungen\n(3) Dritter.", "a law makes a number a citation"},
-        {"Paragraph achtzehnhundertvierzehn Absatz eins BGB einfügen", "§ 1814 Abs. 1 BGB – Voraussetzungen\n(1) Erster.",
-         "numbers in words"},
-        {"1814 BGB einfuegen!", bgb + "!", "the folded spelling"},
         {"fünf FamFG einfügen", "§ 5 FamFG\nSiehe § 1814 Absatz 2 BGB.", "without a title no dash"},
-        {"füge Paragraph 41 SGB zwölf ein", "§ 41 SGB XII\n(1) Alter", "a book of the social code"},
         {"§ 1814 Satz 2 Nummer 1 BGB einfügen", bgb, "no deeper than the Absatz"},
         {"§ 1814 Absatz 9 BGB einfügen", bgb, "no such Absatz"},
-        {"Paragraph 5 Absatz 1 BGB einfügen", "§ 5 BGB – Titel\nOhne Absatz.", "no Absatz at all"},
-        {"(füge § 5 BGB ein)", "(§ 5 BGB – Titel\nOhne Absatz.)", "brackets stay"},
         {"eins\nfüge § 5 BGB ein\n§ 5 FamFG einfügen zwei",
          "eins\n§ 5 BGB – Titel\nOhne Absatz.\n§ 5 FamFG\nSiehe § 1814 Absatz 2 BGB. zwei", "two commands"},
-        {"füge Paragraph zwölf ein", "füge Paragraph zwölf ein", "there is no § 12"},
         {"füge Paragraph fünf ein", "§ 5 BGB – Titel\nOhne Absatz.", "\"ein\" ends the number"},
         {"fünf einfügen", "fünf einfügen", "a number alone is no command"},
         {"füge Paragraph 99999 BGB ein", "füge Paragraph 99999 BGB ein", "what can't be served stays"},

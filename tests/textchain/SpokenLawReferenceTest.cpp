@@ -18,28 +18,21 @@ TEST(SpokenLawReference, WritesCitations) {
          {"Paragraph 7 bürgerliches Gesetzbuch, § 7 wohn und Betreuungsvertragsgesetz", "§ 7 BGB, § 7 WBVG", "full names"},
          {"§ 1814, BGB", "§ 1814 BGB", "inner marks go"},
          {"(Paragraph 5 BGB), „§ 6“", "(§ 5 BGB), „§ 6“", "marks around a citation stay"},
-         {"Paragraph f\u0075\u0308nf BGB", "§ 5 BGB", "decomposed"},
-         {"  ohne Zitat \n", "  ohne Zitat \n", "nothing to write"}});
+         {"Paragraph f\u0075\u0308nf BGB", "§ 5 BGB", "decomposed"}});
 }
 
 TEST(SpokenLawReference, ReadsNumbers) {
     expectAll({{"Paragraph eins vier", "§ 14", "digit by digit"},
-               {"Paragraph achtzehnhundert vierzehn", "§ 1814", "a group behind a hundred"},
                {"Paragraph achtzehn hundert vierzehn", "§ 1814", "one number, written apart"},
                {"Paragraph ein hundert fünf", "§ 105", "likewise, with the article's word"},
                {"Paragraph zwölf ein wichtiger", "§ 12 ein wichtiger", "an article ends a number"},
-               {"Paragraph fünf Absatz zwei eine Frage", "§ 5 Abs. 2 eine Frage", "of a unit too"},
                {"nach Paragraph fünf. Zwei Zeugen", "nach § 5. Zwei Zeugen", "so does a mark"},
-               {"füge den Paragraph ein", "füge den Paragraph ein", "an article alone is none"},
-               {"dass dieser Paragraph eine Rolle spielt", "dass dieser Paragraph eine Rolle spielt", "likewise"},
                {"Paragraph ein BGB, Paragraph ein Absatz zwei", "§ 1 BGB, § 1 Abs. 2", "unless the citation goes on"}});
 }
 
 TEST(SpokenLawReference, LeavesWhatItCantRead) {
     expectAll({{"Paragraph hier, § 1814a BGB", "Paragraph hier, § 1814a BGB", "no number"},
-               {"1814 BGB", "1814 BGB", "no marker"},
                {"Paragraph 1814 Absatz BGB", "§ 1814 Absatz BGB", "a unit without number"},
-               {"Paragraph 40 SGB", "§ 40 SGB", "no book of the code"},
                {"Paragraph 40 S G B", "§ 40 S G B", "nor after letters, which belong to no section"},
                {"Paragraph 40 S G B dreizehn", "§ 40 S G B dreizehn", "no such book"}});
 }
