@@ -1,9 +1,7 @@
 // One stage under random bytes, in clang's libFuzzer: the first byte picks options, the rest is the
 // text. The environment variable QUERLIN_FUZZ_STAGE names the stage.
 
-#include "HearingStages.h"
-#include "LegalStages.h"
-#include "Require.h"
+#include "ReaderStages.h"
 
 #include "cleanup/LocalModelEnhancer.h"
 #include "cleanup/RuleBasedEnhancer.h"
@@ -149,20 +147,15 @@ void chain(std::string_view text, unsigned options) {
 
 /// Every requirement is necessary: with it and without it a pattern does the same.
 void patterns(std::string_view text, unsigned) {
-    struct Pair {
-        Pattern quick;
-        Pattern plain;
-    };
     const auto pair = [](std::string_view expression, Requirement requirement) {
-        return Pair{Pattern(expression, LetterCase::ignored, requirement), Pattern(expression, LetterCase::ignored)};
+        return std::pair(Pattern(expression, LetterCase::ignored, requirement), Pattern(expression, LetterCase::ignored));
     };
-    static const std::array<Pair, 6> pairs = {
-        pair(R"((?<!\p{L})(?:strichpunkt|komma)(?!\p{L}))", Requirement::beginsWith("strichpunkt|komma")),
-        pair(R"(gewisserma(?:ß|ss)en)", Requirement::beginsWith("gewisserma")),
-        pair(R"(größe|maß)", Requirement::oneOf("größe|maß")),
-        pair(R"((?<!\s)\s+([,.;:!?]))", Requirement::pair(Bytes::whitespaceEnds, ByteSet(",.;:!?"))),
-        pair(R"(([.!?])(?=\p{L}))", Requirement::pair(ByteSet(".!?"), Bytes::letterBegins)),
-        pair(R"(\b(\p{L}{2,})(?:\s+\1\b(?!\p{M}))++)", Requirement::repeatedWord())};
+    static const std::array pairs = {pair(R"((?<!\p{L})(?:strichpunkt|komma)(?!\p{L}))", Requirement::beginsWith("strichpunkt|komma")),
+                                     pair(R"(gewisserma(?:ß|ss)en)", Requirement::beginsWith("gewisserma")),
+                                     pair(R"(größe|maß)", Requirement::oneOf("größe|maß")),
+                                     pair(R"((?<!\s)\s+([,.;:!?]))", Requirement::pair(Bytes::whitespaceEnds, ByteSet(",.;:!?"))),
+                                     pair(R"(([.!?])(?=\p{L}))", Requirement::pair(ByteSet(".!?"), Bytes::letterBegins)),
+                                     pair(R"(\b(\p{L}{2,})(?:\s+\1\b(?!\p{M}))++)", Requirement::repeatedWord())};
     const auto mark = [](Pattern::Groups match) { return std::optional("<" + std::string(match[0]) + ">"); };
     for (const auto& [quick, plain] : pairs)
         require(quick.replaceEach(std::string(text), mark) == plain.replaceEach(std::string(text), mark), "a requirement is necessary");
@@ -175,37 +168,33 @@ struct Target {
     void (*run)(std::string_view text, unsigned options);
 };
 
-constexpr auto targets = std::to_array<Target>({
-    {"graphemes", Stage::graphemes},
-    {"tokenizer", Stage::tokenizer},
-    {"numbers", Stage::numbers},
-    {"commands", Stage::commands},
-    {"punctuation", Stage::punctuation},
-    {"rules", Stage::rules},
-    {"blocks", Stage::blocks},
-    {"citations", Stage::citations},
-    {"legal", Stage::legal},
-    {"addresses", Stage::addresses},
-    {"corrections", Stage::corrections},
-    {"answers", Stage::answers},
-    {"patterns", Stage::patterns},
-    {"chain", Stage::chain},
-    {"archive", LegalStage::archive},
-    {"law", LegalStage::law},
-    {"corpus", LegalStage::corpus},
-    {"search", LegalStage::search},
-    {"insertion", LegalStage::insertion},
-    {"frames", HearingStage::frames},
-    {"model", HearingStage::model},
-});
+constexpr auto targets = std::to_array<Target>({{"graphemes", Stage::graphemes},
+                                                {"tokenizer", Stage::tokenizer},
+                                                {"numbers", Stage::numbers},
+                                                {"commands", Stage::commands},
+                                                {"punctuation", Stage::punctuation},
+                                                {"rules", Stage::rules},
+                                                {"blocks", Stage::blocks},
+                                                {"citations", Stage::citations},
+                                                {"legal", Stage::legal},
+                                                {"addresses", Stage::addresses},
+                                                {"corrections", Stage::corrections},
+                                                {"answers", Stage::answers},
+                                                {"patterns", Stage::patterns},
+                                                {"chain", Stage::chain},
+                                                {"archive", ReaderStage::archive},
+                                                {"law", ReaderStage::law},
+                                                {"corpus", ReaderStage::corpus},
+                                                {"search", ReaderStage::search},
+                                                {"insertion", ReaderStage::insertion},
+                                                {"frames", ReaderStage::frames},
+                                                {"model", ReaderStage::model}});
 
 const Target& chosenTarget() {
     const char* name = std::getenv("QUERLIN_FUZZ_STAGE");
     const auto* found = std::ranges::find(targets, std::string_view(name ? name : ""), &Target::name);
     if (found == targets.end()) {
-        std::fputs("QUERLIN_FUZZ_STAGE names no stage. There are:", stderr);
-        for (const auto& target : targets) std::fprintf(stderr, " %s", target.name.data());
-        std::fputs("\n", stderr);
+        std::fputs("QUERLIN_FUZZ_STAGE names no stage.\n", stderr);
         std::exit(2);
     }
     return *found;
