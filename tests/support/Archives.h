@@ -34,8 +34,7 @@ inline std::string archiveOf(const std::vector<ArchivedFile>& entries, const std
         files += "PK\x03\x04" + std::string(22, '\0') + littleEndian(entry.name.size(), 2) + littleEndian(entry.localExtra.size(), 2) +
                  entry.name + entry.localExtra + packed;
         directory += "PK\x01\x02" + std::string(6, '\0') + littleEndian(entry.method, 2) + std::string(4, '\0') +
-                     littleEndian(RawDeflate::crc32(entry.content), 4) +
-                     littleEndian(entry.claimedPacked.value_or(packed.size()), 4) +
+                     littleEndian(RawDeflate::crc32(entry.content), 4) + littleEndian(entry.claimedPacked.value_or(packed.size()), 4) +
                      littleEndian(entry.claimedLength.value_or(entry.content.size()), 4) + littleEndian(entry.name.size(), 2) +
                      std::string(12, '\0') + littleEndian(offset, 4) + entry.name;
     }
