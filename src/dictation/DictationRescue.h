@@ -10,7 +10,7 @@
 namespace querlin {
 
 /// Saves a text that could not be delivered: onto the clipboard first, then into the rescue folder
-/// with its recording, and tells the user. Main thread.
+/// with its recording, and notifies the user. Main thread.
 class DictationRescue {
 public:
     DictationRescue(RescueFolder& folder, TextInserter& inserter, Notifier& notifier) :

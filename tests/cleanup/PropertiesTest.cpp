@@ -32,6 +32,7 @@ public:
         std::istringstream parted(std::move(pieces));
         for (std::string piece; std::getline(parted, piece, '|');) pieces_.push_back(piece);
     }
+    const std::vector<std::string>& all() const { return pieces_; }
     std::string next() {
         std::string text;
         const auto length = std::uniform_int_distribution<std::size_t>(0, 14)(random_);
@@ -87,39 +88,9 @@ TEST(TextStages, SurviveTextsMadeToHurt) {
                                             {"citations", SpokenLawReference::normalizeReferences},
                                             {"legal", LegalFormatting::apply},
                                             {"addresses", URLFormatting::compactURLs}};
-    for (const std::string_view piece : {" ",
-                                         "\t\n",
-                                         "\r\n",
-                                         ",",
-                                         ". ",
-                                         "„",
-                                         " “",
-                                         "( ",
-                                         "punkt ",
-                                         "streiche das ",
-                                         "a streiche das ",
-                                         "klammer auf ",
-                                         "ä",
-                                         "ä ",
-                                         "o\u0308 ",
-                                         "ja ",
-                                         "um nein ",
-                                         "ähm, ",
-                                         "§ ",
-                                         "§ 5 Absatz ",
-                                         "eins ",
-                                         "1. ",
-                                         "Az ",
-                                         "Az 1 1 ",
-                                         "www.",
-                                         "http:/ ",
-                                         ".a",
-                                         "/ ",
-                                         "a b ",
-                                         "\xFF",
-                                         "\xE2\x80",
-                                         "\u0301",
-                                         "\u200D"}) {
+    const Mixture pieces(" |\t\n|\r\n|,|. |„| “|( |punkt |streiche das |a streiche das |klammer auf |ä|ä |o\u0308 |ja |um nein |ähm, |§ |"
+                         "§ 5 Absatz |eins |1. |Az |Az 1 1 |www.|http:/ |.a|/ |a b |\xFF|\xE2\x80|\u0301|\u200D");
+    for (const auto& piece : pieces.all()) {
         std::string text = "Az 1 1";
         for (std::size_t i = 0; i < count; ++i) text += piece;
         text += "x";

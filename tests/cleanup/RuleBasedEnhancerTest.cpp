@@ -25,8 +25,8 @@ TEST(RuleBasedEnhancer, TakesOutWhatNobodyWrites) {
                    {"das ist sozusagen quasi fertig", "Das ist fertig.", "fillers"},
                    {"GEWISSERMASSEN gewissermaßen gewisserma\u1E9Een ja", "Ja.", "ß and ss are the same filler"},
                    {"er ist halt eben da, ja gut, fertig", "Er ist da, fertig.", "of two words"},
-                   {"nun ja gut das", "Das.", "openers one behind the other"},
-                   {"Ja. Also los. Und also doch", "Ja. Los. Und also doch.", "behind a mark, not within a sentence"},
+                   {"nun ja gut das", "Das.", "openers one after the other"},
+                   {"Ja. Also los. Und also doch", "Ja. Los. Und also doch.", "after a mark, not within a sentence"},
                    {"Gut gemacht", "Gemacht.", "an opener is one wherever it opens"},
                    {"also\nalso", "Also.", "each opener once"},
                    {"Der der Mann mann", "Der Mann.", "the first form of a stutter stays"},
@@ -52,8 +52,8 @@ TEST(RuleBasedEnhancer, ResolvesCorrections) {
 TEST(RuleBasedEnhancer, RepairsPunctuation) {
     expectAll({}, {{"Was!! Ja ,nein", "Was! Ja, nein.", "repeated marks, spacing"},
                    {"Fertig.", "Fertig.", "a mark at the end"},
-                   {"(siehe oben)", "(Siehe oben)", "no point behind a bracket"},
-                   {"Zahl 3", "Zahl 3.", "behind a digit"},
+                   {"(siehe oben)", "(Siehe oben)", "no point after a bracket"},
+                   {"Zahl 3", "Zahl 3.", "after a digit"},
                    {"a  \n\n\n b", "A\n\nB.", "white space around breaks"},
                    {"das Komma fehlt Punkt", "Das, fehlt.", "spoken marks, where the commands haven't run"}});
     expectAll({.commandsApplied = true}, {{"der Punkt ist strittig", "Der Punkt ist strittig.", "what they left is a noun"}});

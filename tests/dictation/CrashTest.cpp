@@ -25,8 +25,8 @@ TEST(Crash, AKilledDictationIsFoundAtTheNextStart) {
         const bool waitsForDelivery = i % 8 == 1;
         const char* outcome = i % 3 == 0 && !waitsForDelivery ? "rescued" : "delivered";
         const std::chrono::microseconds delay(waitsForDelivery ? microseconds(random) / 20 : microseconds(random));
-        const auto told = killedAfter(waitsForDelivery ? 'd' : 'r', {QUERLIN_CRASH_CHILD, folder.path(), outcome}, delay);
-        ASSERT_TRUE(told.starts_with('r')) << "the child must get as far as recording";
+        const auto seen = killedAfter(waitsForDelivery ? 'd' : 'r', {QUERLIN_CRASH_CHILD, folder.path(), outcome}, delay);
+        ASSERT_TRUE(seen.starts_with('r')) << "the child must get as far as recording";
 
         RescueFolder rescueFolder(folder / "Gerettete Diktate", time);
         Notifier notifier(nullptr);
@@ -35,16 +35,16 @@ TEST(Crash, AKilledDictationIsFoundAtTheNextStart) {
 
         auto rescued = fileNames(rescueFolder.path());
         std::erase_if(rescued, [](const auto& name) { return name.starts_with('.'); }); // unfinished writes
-        if (told.find('d') == std::string::npos) {
+        if (seen.find('d') == std::string::npos) {
             EXPECT_FALSE(rescued.empty()) << "kill " << i << ": neither delivered nor rescued";
         }
-        EXPECT_TRUE(told != "rde" || rescued.empty()) << "kill " << i << ": delivered and over";
+        EXPECT_TRUE(seen != "rde" || rescued.empty()) << "kill " << i << ": delivered and over";
         for (const auto& name : rescued) {
             const auto content = contentOf(rescueFolder.path() / name);
             EXPECT_FALSE(content.empty()) << name;
             if (content.starts_with("Teil ") || content.starts_with("Hallo Welt")) ++withText;
         }
-        if (told.find('d') != std::string::npos) ++afterDelivery;
+        if (seen.find('d') != std::string::npos) ++afterDelivery;
         EXPECT_TRUE(recordings.leftBehind().empty());
         EXPECT_EQ(CrashRecovery::rescueLeftBehind(recordings, rescueFolder, notifier), 0U);
     }
