@@ -8,11 +8,12 @@
 #include "state/DiagnosticsLog.h"
 #include "state/Migration.h"
 #include "state/Product.h"
+#include "ui/brand/Brand.h"
 #include "ui/brand/Theme.h"
 
-#include <sys/utsname.h>
 #include <unistd.h>
 
+#include <QSysInfo>
 #include <fmt/format.h>
 
 namespace querlin {
@@ -25,11 +26,6 @@ constexpr auto untilOverlayIsPrepared = std::chrono::milliseconds(500);
 /// By then the notification service can be reached.
 constexpr auto untilRecovery = std::chrono::seconds(1);
 constexpr auto untilLawCheck = std::chrono::seconds(8);
-
-std::string systemName() {
-    utsname system{};
-    return ::uname(&system) == 0 ? fmt::format("{} {}", system.sysname, system.release) : "unbekannt";
-}
 
 } // namespace
 
@@ -125,7 +121,8 @@ Program::~Program() {
 
 void Program::start() {
     DiagnosticsLog::note("app", fmt::format("=== Start === {}", places_.executable));
-    DiagnosticsLog::note("app", fmt::format("PID {}, {}", ::getpid(), systemName()));
+    DiagnosticsLog::note("app",
+                         fmt::format("PID {}, {}", ::getpid(), Brand::utf8(QSysInfo::prettyProductName())));
 
     preferences_ = std::make_unique<PreferencesStore>(places_.paths.preferencesFile(Product::applicationId),
                                                       machine_.storageRuntime());
