@@ -1,5 +1,4 @@
 #include "speech/VocabularyProvider.h"
-#include "support/CapturedLog.h"
 #include "support/ManualTime.h"
 #include "support/TempFolder.h"
 
@@ -16,7 +15,6 @@ constexpr std::string_view vocabulary = R"({"generated": "3. Mai 2026", "total":
 
 struct Vocabulary : testing::Test {
     TempFolder folder;
-    CapturedLog log;
     ManualTime time;
     VocabularyProvider provider{folder.path(), time};
 
@@ -42,36 +40,13 @@ TEST_F(Vocabulary, TheUsersWordsComeFirstAndEachWordOnce) {
     }
 }
 
-TEST_F(Vocabulary, IsReadOnceAndNotWhereTheUsersWordsSuffice) {
-    write(vocabulary);
-    provider.contextualStrings({"a"}, 1);
-    EXPECT_TRUE(log.lines().empty());
-    provider.preload();
-    EXPECT_TRUE(log.lines().empty()) << "in the background";
-    time.settle();
-    EXPECT_TRUE(log.has("[vocab] Fachwortschatz geladen: 7 Begriffe, 5 für die Erkennung geeignet."));
-    writeFile(folder / VocabularyProvider::fileName, "weg");
-    provider.preload();
-    time.settle();
-    EXPECT_EQ(provider.totalTerms(), 7);
-    EXPECT_EQ(provider.priorityTerms(), 2);
-    EXPECT_EQ(provider.contextualCandidates(), 5);
-    EXPECT_EQ(provider.generatedOn(), "3. Mai 2026");
-    EXPECT_EQ(provider.allTerms(), (Texts{"a", "b"}));
-    EXPECT_EQ(log.lines().size(), 1U);
-}
-
 TEST_F(Vocabulary, MissingAndDamagedLeaveTheUsersWords) {
     for (const char* content :
          {"", "{}", R"({"generated": "x", "total": 1, "priorityCount": 0, "contextualCount": 0, "terms": [1], "contextual": []})"}) {
         if (*content != '\0') write(content);
         const VocabularyProvider damaged(folder.path(), time);
         EXPECT_EQ(damaged.contextualStrings({"a"}, 9), Texts{"a"});
-        EXPECT_EQ(damaged.totalTerms(), 0);
-        EXPECT_EQ(damaged.generatedOn(), "–");
-        EXPECT_TRUE(damaged.allTerms().empty());
     }
-    EXPECT_EQ(log.countOf("LegalVocabulary.json fehlt oder ist unlesbar."), 3U) << "once for each";
 }
 
 TEST(DeliveredVocabulary, CanBeReadAndCountsRight) {

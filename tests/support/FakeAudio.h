@@ -31,7 +31,6 @@ public:
     std::optional<std::string> nextStartError;
     std::optional<std::string> deviceError;
     std::vector<Engine*> engines;
-    int starts = 0;
 };
 
 class FakeAudioHardware::Engine final : public AudioEngine {
@@ -49,7 +48,6 @@ public:
     void installTap(std::uint32_t, AudioFormat, Tap newTap) override { tap = std::move(newTap); }
     void removeTap() override { tap = nullptr; }
     std::expected<void, std::string> start() override {
-        ++hardware_.starts;
         if (hardware_.nextStartError) return std::unexpected(*std::exchange(hardware_.nextStartError, std::nullopt));
         running = true;
         return {};
