@@ -1,18 +1,18 @@
 // Recordings written, cut off, damaged and read back; sound converted.
 
-#include "AacFile.h"
 #include "foundation/Files.h"
 #include "platform/av/AvFileReader.h"
 #include "platform/av/SwrConverter.h"
 #include "platform/sndfile/SndfileCreator.h"
+#include "support/HostileDisk.h"
 #include "support/TempFolder.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <csignal>
 #include <numbers>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -73,6 +73,7 @@ TEST_F(AudioFiles, WhatIsWrittenIsReadBackSampleForSample) {
         ASSERT_EQ(::stat(file.c_str(), &status), 0);
         EXPECT_EQ(status.st_mode & 0777U, 0600U);
     }
+    EXPECT_NEAR(strength(reader.read(file, mono)->samples, 440, mono.sampleRate), 0.5, 0.05) << "in another format";
     EXPECT_FALSE(creator.create(file, mono)) << "there is one already";
     EXPECT_FALSE(creator.create(folder / "neu.caf", {}));
     EXPECT_FALSE(creator.create(folder / "nirgends" / "neu.caf", mono));
@@ -117,19 +118,12 @@ TEST_F(AudioFiles, ARecordingOfAKilledProcessIsWhole) {
 TEST_F(AudioFiles, AFullDiskIsToldAndLeavesTheRest) {
     const auto writer = creator.create(file, mono);
     ASSERT_TRUE(writer);
-    const rlimit unlimited = [] {
-        rlimit limit{};
-        ::getrlimit(RLIMIT_FSIZE, &limit);
-        return limit;
-    }();
-    auto limited = unlimited;
-    limited.rlim_cur = 100'000;
-    std::signal(SIGXFSZ, SIG_IGN);
-    ::setrlimit(RLIMIT_FSIZE, &limited);
     const auto samples = tone(440, 0.04);
     std::expected<void, std::string> last;
-    for (int i = 0; i < 40 && last; ++i) last = (*writer)->write({mono, samples});
-    ::setrlimit(RLIMIT_FSIZE, &unlimited);
+    {
+        const FullDisk full(100'000);
+        for (int i = 0; i < 40 && last; ++i) last = (*writer)->write({mono, samples});
+    }
     ASSERT_FALSE(last);
     EXPECT_FALSE(last.error().empty());
     const auto read = reader.read(file, mono);
@@ -138,21 +132,16 @@ TEST_F(AudioFiles, AFullDiskIsToldAndLeavesTheRest) {
 }
 
 TEST_F(AudioFiles, ReadsCompressedSoundInAnyFormat) {
-    const auto path = folder / "Testdiktat.m4a";
-    writeAacFile(path, tone(440, 2));
-    for (const auto format : {AudioFormat{48000, 1}, AudioFormat{16000, 1}, AudioFormat{44100, 2}}) {
-        const auto read = reader.read(path, format);
-        ASSERT_TRUE(read) << read.error();
-        EXPECT_EQ(read->format, format);
-        const double frames = static_cast<double>(read->samples.size()) / format.channelCount;
-        EXPECT_NEAR(frames / format.sampleRate, 2, 0.1);
-        if (format.channelCount == 1) {
-            EXPECT_NEAR(strength(read->samples, 440, format.sampleRate), 0.5, 0.05);
-        }
-    }
+    const fs::path path = fs::path(QUERLIN_RECORDINGS) / "TestBefehle.m4a";
+    const auto original = reader.read(path, mono);
+    ASSERT_TRUE(original) << original.error();
+    const auto stereo = reader.read(path, {16000, 2});
+    ASSERT_TRUE(stereo) << stereo.error();
+    EXPECT_NEAR(static_cast<double>(stereo->samples.size()), static_cast<double>(original->samples.size()) * 2 / 3, 1000);
+    EXPECT_GT(*std::ranges::max_element(stereo->samples), 0.1F);
     // Damaged anywhere: an error or less sound, and the process lives.
     const auto content = contentOf(path);
-    for (std::size_t at = 0; at < content.size(); at += 251) {
+    for (std::size_t at = 0; at < content.size(); at += 5003) {
         auto damaged = content;
         for (std::size_t i = at; i < std::min(at + 40, damaged.size()); ++i) damaged[i] = static_cast<char>(damaged[i] ^ 0x5A);
         writeFile(folder / "damaged.m4a", damaged);
@@ -168,21 +157,16 @@ TEST_F(AudioFiles, WhatIsNoRecordingIsAnError) {
     writeFile(folder / "concat.ffconcat", "ffconcat version 1.0\nfile dictation.caf\n");
     ASSERT_EQ(::mkfifo((folder / "pipe.caf").c_str(), 0600), 0);
     for (const char* name : {"text.caf", "empty.caf", "list.m3u8", "concat.ffconcat", "pipe.caf", "nirgends.caf", "."}) {
-        const auto read = reader.read(folder / name, mono);
-        EXPECT_FALSE(read) << name;
+        EXPECT_FALSE(reader.read(folder / name, mono)) << name;
     }
     fs::remove(file);
     write({}, mono);
-    EXPECT_EQ(reader.read(file, mono).error(), "In der Aufnahme ist kein Ton.");
-    EXPECT_EQ(reader.read(folder / "nirgends.caf", mono).error(), "Die Aufnahme ist nicht da.");
+    EXPECT_FALSE(reader.read(file, mono)) << "no sound in it";
     EXPECT_FALSE(reader.read(file, {0, 1}));
 }
 
 TEST(SwrConverter, KeepsTheToneHoweverTheStreamIsCut) {
-    struct Row {
-        AudioFormat from;
-        AudioFormat to;
-    };
+    using Row = std::pair<AudioFormat, AudioFormat>;
     for (const auto& [from, to] :
          {Row{{48000, 2}, {16000, 1}}, Row{{44100, 1}, {16000, 1}}, Row{{48000, 18}, {16000, 1}}, Row{{16000, 1}, {48000, 2}}}) {
         const auto samples = tone(1000, 1, from);

@@ -33,16 +33,11 @@ public:
         return [this](const AudioBuffer& buffer) {
             const std::scoped_lock guard(lock_);
             samples_.insert(samples_.end(), buffer.samples.begin(), buffer.samples.end());
-            sizes_.push_back(buffer.samples.size());
         };
     }
     std::vector<float> samples() const {
         const std::scoped_lock guard(lock_);
         return samples_;
-    }
-    std::vector<std::size_t> sizes() const {
-        const std::scoped_lock guard(lock_);
-        return sizes_;
     }
     bool contains(std::span<const float> wanted) const {
         const std::scoped_lock guard(lock_);
@@ -60,7 +55,6 @@ public:
 private:
     mutable std::mutex lock_;
     std::vector<float> samples_;
-    std::vector<std::size_t> sizes_;
 };
 
 struct PulseAudioTest : testing::Test {
@@ -84,15 +78,28 @@ struct PulseAudioTest : testing::Test {
         server.setDefaultMicrophone(name);
         ASSERT_TRUE(isDefault(name));
     }
-    void record(AudioEngine& engine, Heard& heard) {
-        engine.installTap(2048, engine.inputFormat(), heard.tap());
+    static void record(AudioEngine& engine, Heard& to) {
+        engine.installTap(2048, engine.inputFormat(), to.tap());
         const auto started = engine.start();
         ASSERT_TRUE(started) << started.error();
     }
-    bool changeComes(int& changes) {
+    /// A new recording hears all that is played into a microphone.
+    void expectHeard(AudioEngine& engine, const char* microphone) {
+        engine.removeTap();
+        Heard whole;
+        record(engine, whole);
+        const auto played = noise(20'000);
+        server.play(microphone, played);
+        EXPECT_TRUE(whole.comes(played));
+        engine.removeTap();
+    }
+    bool changeComes() {
         const auto before = changes;
         return serveUntil(loop, [&] { return changes > before; });
     }
+
+    Heard heard;
+    int changes = 0;
 };
 
 TEST_F(PulseAudioTest, ListsMicrophonesAndNoMonitors) {
@@ -103,7 +110,6 @@ TEST_F(PulseAudioTest, ListsMicrophonesAndNoMonitors) {
     const auto engine = hardware.makeEngine();
     EXPECT_FALSE(engine->inputFormat().isUsable());
     EXPECT_FALSE(engine->setDevice(hardware.inputs()->devices.at(0).id)) << "nobody records the loudspeakers";
-    Heard heard;
     engine->installTap(2048, {48000, 1}, heard.tap());
     EXPECT_FALSE(engine->start());
 
@@ -112,52 +118,30 @@ TEST_F(PulseAudioTest, ListsMicrophonesAndNoMonitors) {
     server.setDefaultMicrophone("mono");
     ASSERT_TRUE(isDefault("mono"));
     const auto inputs = devices.inputs();
-    EXPECT_EQ(hardware.inputs(), hardware.inputs()) << "nothing is copied as long as nothing changes";
     ASSERT_EQ(inputs.size(), 2U);
     EXPECT_EQ(inputs[0].name, "Äußeres Gerät");
-    EXPECT_EQ(inputs[0].uid, "stereo");
     EXPECT_EQ(devices.systemDefaultInput(), inputs[1]);
     EXPECT_EQ(engine->inputFormat(), (AudioFormat{16000, 1}));
     ASSERT_TRUE(engine->setDevice(inputs[0].deviceID));
-    EXPECT_EQ(engine->inputFormat(), (AudioFormat{44100, 2}));
     EXPECT_FALSE(engine->setDevice(4711));
     EXPECT_EQ(engine->inputFormat(), (AudioFormat{44100, 2})) << "the former choice stands";
     engine->reset();
     EXPECT_EQ(engine->inputFormat(), (AudioFormat{16000, 1}));
 }
 
-TEST_F(PulseAudioTest, WithoutAServerThereIsNothing) {
-    PulseAudio nowhere(loop, "unix:/nirgends");
-    EXPECT_TRUE(nowhere.inputs()->devices.empty());
-    EXPECT_EQ(nowhere.inputs()->defaultInput, 0U);
-    const auto engine = nowhere.makeEngine();
-    EXPECT_FALSE(engine->inputFormat().isUsable());
-    EXPECT_FALSE(engine->start());
-    engine->removeTap();
-    engine->stop();
-}
-
-TEST_F(PulseAudioTest, EverySampleArrivesInWholeBuffers) {
-    struct Row {
-        AudioFormat format;
-        const char* places;
-    };
+TEST_F(PulseAudioTest, EverySampleArrives) {
+    using Row = std::pair<AudioFormat, const char*>;
     // Studio devices have channels without a place in the room.
     for (const auto& [format, places] : {Row{{48000, 1}, ""}, Row{{44100, 2}, ""}, Row{{48000, 2}, "aux0,aux1"}}) {
         addDefault("mikrofon", format, places);
         const auto played = noise(30'000 * format.channelCount);
         const auto engine = hardware.makeEngine();
-        Heard heard;
-        const auto begin = std::chrono::steady_clock::now();
-        record(*engine, heard);
-        ASSERT_TRUE(heard.comes(1));
-        const std::chrono::duration<double, std::milli> first = std::chrono::steady_clock::now() - begin;
-        std::printf("First whole buffer of %.0f Hz after %.0f ms.\n", format.sampleRate, first.count());
+        Heard whole;
+        record(*engine, whole);
+        ASSERT_TRUE(whole.comes(1));
         server.play("mikrofon", played, format);
-        EXPECT_TRUE(heard.comes(played));
+        EXPECT_TRUE(whole.comes(played));
         engine->removeTap();
-        const auto sizes = heard.sizes();
-        EXPECT_TRUE(std::all_of(sizes.begin(), sizes.end() - 1, [&](auto size) { return size == 2048 * format.channelCount; }));
         engine->stop();
         EXPECT_FALSE(engine->isRunning());
         server.remove("mikrofon");
@@ -168,14 +152,12 @@ TEST_F(PulseAudioTest, ATapTakesOverFromAnotherWithoutAGap) {
     addDefault("mikrofon");
     const auto played = noise(96'000);
     const auto engine = hardware.makeEngine();
-    Heard heard;
     record(*engine, heard);
     std::atomic<bool> isPlaying = true;
     std::jthread player([&] {
         server.play("mikrofon", played);
         isPlaying = false;
     });
-    int changes = 0;
     while (isPlaying) {
         engine->removeTap();
         std::this_thread::sleep_for(std::chrono::milliseconds(7));
@@ -193,46 +175,39 @@ TEST_F(PulseAudioTest, ChangesOfTheInputInUse) {
     server.addMicrophone("anders", {44100, 2});
     addDefault("eins");
     const auto engine = hardware.makeEngine();
-    int changes = 0;
     const auto observer = engine->observeConfigurationChange([&] { ++changes; });
-    Heard heard;
     record(*engine, heard);
     ASSERT_TRUE(heard.comes(1));
 
     // Another default of the same format: the recording goes over to it.
     server.setDefaultMicrophone("zwei");
-    ASSERT_TRUE(changeComes(changes));
+    ASSERT_TRUE(changeComes());
     EXPECT_EQ(engine->inputFormat(), (AudioFormat{48000, 1}));
-    engine->removeTap();
-    record(*engine, heard);
-    const auto played = noise(20'000);
-    server.play("zwei", played);
-    EXPECT_TRUE(heard.comes(played));
-    engine->removeTap();
+    expectHeard(*engine, "zwei");
 
     // Another format, then the microphone goes, then there is none any more.
     record(*engine, heard);
     server.setDefaultMicrophone("anders");
-    ASSERT_TRUE(changeComes(changes));
+    ASSERT_TRUE(changeComes());
     EXPECT_EQ(engine->inputFormat(), (AudioFormat{44100, 2}));
     engine->removeTap();
     Heard stereo;
     engine->installTap(2048, {44100, 2}, stereo.tap());
-    server.play("zwei", played);
+    server.play("zwei", noise(20'000));
     EXPECT_TRUE(stereo.samples().empty()) << "the stream is still the former one";
     ASSERT_TRUE(engine->start());
     ASSERT_TRUE(stereo.comes(1));
     engine->removeTap();
     server.setDefaultMicrophone("eins");
-    ASSERT_TRUE(changeComes(changes));
+    ASSERT_TRUE(changeComes());
     record(*engine, heard);
     server.remove("eins");
-    ASSERT_TRUE(changeComes(changes));
+    ASSERT_TRUE(changeComes());
     EXPECT_FALSE(engine->isRunning());
     EXPECT_TRUE(engine->inputFormat().isUsable());
     server.remove("zwei");
     server.remove("anders");
-    ASSERT_TRUE(changeComes(changes));
+    ASSERT_TRUE(changeComes());
     EXPECT_FALSE(engine->inputFormat().isUsable());
 }
 
@@ -241,48 +216,23 @@ TEST_F(PulseAudioTest, AChosenMicrophoneThatGoesLeadsToTheDefault) {
     addDefault("eins");
     const auto engine = hardware.makeEngine();
     ASSERT_TRUE(engine->setDevice(devices.deviceID("zwei").value()));
-    int changes = 0;
     const auto observer = engine->observeConfigurationChange([&] { ++changes; });
-    Heard heard;
     record(*engine, heard);
     server.setDefaultMicrophone("zwei");
     server.setDefaultMicrophone("eins"); // No business of ours.
     server.remove("zwei");
-    ASSERT_TRUE(changeComes(changes));
+    ASSERT_TRUE(changeComes());
     EXPECT_EQ(changes, 1);
-    engine->removeTap();
-    record(*engine, heard);
-    const auto played = noise(20'000);
-    server.play("eins", played);
-    EXPECT_TRUE(heard.comes(played));
-    engine->removeTap();
+    expectHeard(*engine, "eins");
 }
 
-TEST_F(PulseAudioTest, AServerThatDiesAndComesBack) {
+TEST_F(PulseAudioTest, AServerThatDiesEndsTheRecording) {
     addDefault("eins");
     const auto engine = hardware.makeEngine();
-    int changes = 0;
     const auto observer = engine->observeConfigurationChange([&] { ++changes; });
-    Heard heard;
     record(*engine, heard);
     server.kill();
-    const auto restart = loop.after(seconds(0.3), [&] {
-        server.start();
-        server.addMicrophone("eins");
-        server.setDefaultMicrophone("eins");
-    });
-    ASSERT_TRUE(changeComes(changes));
-    EXPECT_EQ(engine->inputFormat(), (AudioFormat{48000, 1}));
-    engine->removeTap();
-    record(*engine, heard);
-    const auto played = noise(20'000);
-    server.play("eins", played);
-    EXPECT_TRUE(heard.comes(played));
-    engine->removeTap();
-
-    record(*engine, heard);
-    server.kill();
-    ASSERT_TRUE(changeComes(changes));
+    ASSERT_TRUE(changeComes());
     EXPECT_FALSE(engine->inputFormat().isUsable());
     EXPECT_FALSE(engine->isRunning());
 }
@@ -290,9 +240,7 @@ TEST_F(PulseAudioTest, AServerThatDiesAndComesBack) {
 TEST_F(PulseAudioTest, AServerThatHangsHoldsNobodyUpForLong) {
     addDefault("eins");
     const auto engine = hardware.makeEngine();
-    int changes = 0;
     const auto observer = engine->observeConfigurationChange([&] { ++changes; });
-    Heard heard;
     record(*engine, heard);
     server.pause();
     const auto begin = std::chrono::steady_clock::now();
@@ -302,7 +250,7 @@ TEST_F(PulseAudioTest, AServerThatHangsHoldsNobodyUpForLong) {
     PulseAudio another(loop, server.address());
     EXPECT_EQ(another.inputs()->defaultInput, 0U);
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(900));
-    ASSERT_TRUE(changeComes(changes)) << "it doesn't open";
+    ASSERT_TRUE(changeComes()) << "it doesn't open";
     engine->removeTap();
     EXPECT_EQ(engine->start().error(), "Der Tondienst antwortet nicht.");
     engine->stop();
@@ -315,7 +263,6 @@ TEST_F(PulseAudioTest, AServerThatHangsHoldsNobodyUpForLong) {
 
 TEST_F(PulseAudioTest, SeveralEnginesHearTheSameAndGoInTheMiddleOfIt) {
     addDefault("eins");
-    Heard heard;
     Heard other;
     auto engine = hardware.makeEngine();
     record(*engine, heard);

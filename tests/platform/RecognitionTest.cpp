@@ -18,7 +18,6 @@
 #include <algorithm>
 #include <cmath>
 #include <csignal>
-#include <iostream>
 #include <limits>
 #include <random>
 #include <thread>
@@ -95,22 +94,18 @@ INSTANTIATE_TEST_SUITE_P(Both, RecognitionTest, testing::Values(TranscriptionEng
                          [](const auto& row) { return std::string(row.param == TranscriptionEngine::classic ? "classic" : "streaming"); });
 
 TEST_P(RecognitionTest, UnderstandsVoices) {
-    struct Row {
-        const char* why;
-        std::vector<const char*> voices;
-    };
-    for (const auto& row : {Row{"voices of its training", {"m3", "f2"}}, Row{"other voices", {"f4", "m6"}}}) {
+    using Row = std::pair<const char*, std::vector<const char*>>;
+    for (const auto& [why, voices] : {Row{"voices of its training", {"m3", "f2"}}, Row{"other voices", {"f4", "m6"}}}) {
         WordErrorRate rate;
         std::size_t number = 0;
         for (const auto* text :
              {"sehr geehrte Damen und Herren", "das Amtsgericht hat den Antrag auf Betreuung genehmigt",
               "ich bitte um Rückmeldung bis Montag", "die Rechnung der Apotheke liegt vor", "der Antrag auf Grundsicherung wurde abgelehnt",
               "Frau Müller wohnt im Altenheim", "die Anhörung findet am Dienstag statt", "wir bitten um eine Kopie der Akte"}) {
-            const auto heard = hear(*engine, spoken(text, row.voices[number++ % 2]).in(microphone));
+            const auto heard = hear(*engine, spoken(text, voices[number++ % 2]).in(microphone));
             rate.add(lowercase(text), lowercase(heard.text));
         }
-        std::cout << "Wortfehlerrate, " << row.why << ": " << rate.percent() << " % von " << rate.words() << " Wörtern\n";
-        EXPECT_LT(rate.percent(), isClassic() ? 20 : 65) << row.why;
+        EXPECT_LT(rate.percent(), isClassic() ? 20 : 65) << why;
     }
 }
 
@@ -119,17 +114,20 @@ TEST_P(RecognitionTest, TellsVolatilePiecesAndFinalOnesAtPauses) {
     sound += silence(2.5);
     const auto pause = sound.seconds();
     sound += sentence;
-    Recognition run(*engine);
-    run.play(sound, 0, pause);
-    ASSERT_TRUE(run.listener.waitFor([](const Heard& heard) { return heard.finals.size() == 1; })) << "the pause ends a piece";
-    run.play(sound, pause);
-    const auto heard = run.finish();
-    EXPECT_EQ(heard.error, "");
-    ASSERT_EQ(heard.finals.size(), 2U);
-    EXPECT_TRUE(heard.finals[0].ends_with("gelehnt")) << heard.finals[0];
-    EXPECT_TRUE(heard.finals[1].ends_with("migt")) << heard.finals[1] << ": the last word comes out";
-    EXPECT_GT(heard.partials.size(), 12U);
-    EXPECT_EQ(heard.ends, 1);
+    for (const bool isKilled : {false, true}) {
+        if (isKilled && !isClassic()) break; // The small model spells a pause as it likes.
+        Recognition run(*engine);
+        run.play(sound, 0, pause);
+        ASSERT_TRUE(run.listener.waitFor([](const Heard& heard) { return heard.finals.size() == 1; })) << "the pause ends a piece";
+        if (isKilled) killHelper();
+        run.play(sound, pause);
+        const auto heard = run.finish();
+        EXPECT_EQ(heard.error, "");
+        ASSERT_EQ(heard.finals.size(), 2U) << "what was final isn't reported twice";
+        EXPECT_TRUE(heard.finals[0].ends_with("gelehnt")) << heard.finals[0];
+        EXPECT_TRUE(heard.finals[1].ends_with("migt")) << heard.finals[1] << ": the last word comes out";
+        EXPECT_GT(heard.partials.size(), 12U);
+    }
 }
 
 TEST_P(RecognitionTest, ASessionOutlivesItsHelper) {
@@ -152,34 +150,8 @@ TEST_P(RecognitionTest, ASessionOutlivesItsHelper) {
         const auto heard = run.finish();
         EXPECT_EQ(heard.error, "") << row.why;
         EXPECT_EQ(heard.text, undisturbed) << row.why;
-        EXPECT_EQ(heard.ends, 1) << row.why;
         if (!row.afterFinish) {
             EXPECT_NE(helper(), killed) << row.why;
-        }
-    }
-}
-
-TEST_P(RecognitionTest, WhatWasFinalIsNotToldTwice) {
-    if (!isClassic()) GTEST_SKIP() << "the small model spells a pause as it likes";
-    auto sound = spoken("die Rechnung der Apotheke liegt vor und der Antrag auf Grundsicherung wurde abgelehnt", "m3", 120);
-    sound += silence(2);
-    const auto pause = sound.seconds();
-    sound += sentence;
-    Recognition run(*engine);
-    run.play(sound, 0, pause + 2);
-    ASSERT_TRUE(run.listener.waitFor(
-        [](const Heard& heard) { return heard.finals.size() == 1 && heard.partials.back().size() > heard.finals[0].size(); }));
-    killHelper();
-    run.play(sound, pause + 2);
-    const auto heard = run.finish();
-    EXPECT_EQ(heard.error, "");
-    ASSERT_EQ(heard.finals.size(), 2U);
-    EXPECT_TRUE(heard.finals[0].ends_with("abgelehnt"));
-    EXPECT_TRUE(heard.finals[1].starts_with("das Amtsgericht"));
-    // The words after the pause don't shrink while they are recognised again.
-    for (std::size_t i = 1; i < heard.partials.size(); ++i) {
-        if (heard.partials[i - 1].ends_with("genehmigt")) {
-            EXPECT_TRUE(heard.partials[i].ends_with("genehmigt"));
         }
     }
 }
@@ -198,7 +170,6 @@ TEST_P(RecognitionTest, ASecondDeathEndsTheSessionAndNoOther) {
     EXPECT_EQ(first.listener.result().error, "Der Spracherkenner ist zweimal abgestürzt.");
     second.play(sentence, 3);
     EXPECT_EQ(second.finish().text, undisturbed);
-    EXPECT_EQ(log.countOf("Der Spracherkenner ist abgestürzt."), 2U);
     for (const auto& line : log.lines()) EXPECT_EQ(lowercase(line).find("antrag"), std::string::npos) << line;
 }
 
@@ -213,7 +184,6 @@ TEST_P(RecognitionTest, OneThatShowsNoSignOfLifeIsKilled) {
     run.play(sentence, 2.5);
     EXPECT_TRUE(run.finish().error.starts_with("Der Spracherkenner antwortet seit")) << run.finish().error;
     EXPECT_NE(::kill(stopped, 0), 0) << "nothing is left of it";
-    EXPECT_TRUE(engine->isHere("de-DE")) << "the model isn't to blame";
     EXPECT_NE(hear(*engine, sentence).text, "");
 }
 
@@ -259,7 +229,6 @@ TEST_P(RecognitionTest, NoiseIsNoText) {
     constexpr auto quietNaN = std::numeric_limits<float>::quiet_NaN();
     const std::vector<std::pair<const char*, Sound>> rows = {
         {"nothing at all", {helperFormat, {}}},
-        {"one sample", {helperFormat, {0.5F}}},
         {"digital silence", silence(15)},
         {"hiss", made(12, helperFormat, [&](std::size_t) { return 0.03F * white(random); })},
         {"loud hiss", made(12, microphone, [&](std::size_t) { return std::clamp(white(random), -1.0F, 1.0F); })},
@@ -281,7 +250,7 @@ TEST_P(RecognitionTest, FavoursTheWordsThatItIsGiven) {
         isClassic() ? std::vector<std::string>{"Wojciechowski", "Szymanski", "Quetiapin", "Özdemir"}
                     : std::vector<std::string>{"Oberhuber", "Feldkirchner", "Grünwald", "Sterbegeldversicherung"};
     auto words = names;
-    words.insert(words.end(), {"a/b:c", "", "Ж", "§ 1814 BGB", "Weg(2)"});
+    words.insert(words.end(), {"a/b:c", "", "Ж", "§ 1814 BGB", "Weg(2)", "<s>", "a\n\\end\\", std::string(81, 'a')});
     int found = 0;
     int foundWithout = 0;
     for (const auto& name : names) {
@@ -294,11 +263,7 @@ TEST_P(RecognitionTest, FavoursTheWordsThatItIsGiven) {
             foundWithout += has({});
         }
     }
-    std::cout << "Namen gefunden: " << found << " von 12, ohne Vorgabe " << foundWithout << "\n";
     EXPECT_GE(found, foundWithout + (isClassic() ? 8 : 2));
-    if (isClassic()) {
-        EXPECT_EQ(hear(*engine, sentence, words).text, hear(*engine, sentence).text) << "other words are heard as before";
-    }
     EXPECT_FALSE(log.has("[speech] Der Spracherkenner ist abgestürzt."));
 }
 
