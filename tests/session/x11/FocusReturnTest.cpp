@@ -1,4 +1,4 @@
-// The keyboard goes back to whom it had before, by a real window manager and without one.
+// The keyboard goes back to whom it had before, by a real window manager.
 
 #include "OwnServer.h"
 
@@ -17,8 +17,7 @@ namespace {
 /// A window of this very program, as a window manager sees it.
 class OwnWindow {
 public:
-    explicit OwnWindow(const std::string& display = {}) :
-        connection_(std::move(*XcbConnection::open(display))), atoms_(*connection_), window_(xcb_generate_id(get())) {
+    OwnWindow() : connection_(std::move(*XcbConnection::open({}))), atoms_(*connection_), window_(xcb_generate_id(get())) {
         xcb_create_window(get(), XCB_COPY_FROM_PARENT, window_, connection_->root(), 0, 0, 200, 100, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                           XCB_COPY_FROM_PARENT, 0, nullptr);
         const auto process = static_cast<std::uint32_t>(::getpid());
@@ -115,25 +114,6 @@ TEST_F(FocusReturnTest, GivesNothingToWhomHasGoneOrHidesOrBelongsToTheDesktop) {
     focusReturn.emplace(loop);
     EXPECT_FALSE(giveBack()) << "a panel";
     EXPECT_EQ(log.lines(), std::vector<std::string>());
-}
-
-/// The server alone hands the keyboard over, and tells nobody.
-TEST_F(FocusReturnTest, WorksWithoutAManager) {
-    const OwnServer server;
-    const auto there = "DISPLAY=" + server.display() + " ";
-    const Program dialog({"env", "DISPLAY=" + server.display(), "zenity", "--entry"});
-    std::string window;
-    ASSERT_TRUE(eventually([&] { return !(window = shell(there + "xdotool search --onlyvisible --class zenity")).empty(); }));
-    shell(there + "xdotool windowfocus --sync " + window);
-    focusReturn.emplace(loop, server.display());
-    EXPECT_TRUE(giveBack());
-    const OwnWindow own(server.display());
-    shell(there + "xdotool windowfocus --sync " + own.id());
-    EXPECT_TRUE(giveBack());
-    EXPECT_EQ(shell(there + "xdotool getwindowfocus -f"), window);
-
-    shell(there + "xdotool windowfocus --sync " + own.id() + " windowunmap --sync " + window);
-    EXPECT_LT(secondsToRefuse(), 0.5);
 }
 
 TEST_F(FocusReturnTest, NeverWaitsLongForAServer) {

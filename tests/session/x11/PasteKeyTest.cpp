@@ -1,6 +1,5 @@
 // The shortcut that pastes, pressed into real programs.
 
-#include "platform/x11/KeyboardMap.h"
 #include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11PasteKey.h"
 #include "platform/x11/X11Workspace.h"
@@ -11,40 +10,6 @@
 
 namespace querlin {
 namespace {
-
-/// Keys 8 to 14 in two layouts with two levels each.
-KeyboardMap smallMap() {
-    KeyboardMap map;
-    map.columns = 4;
-    const std::vector<std::vector<std::uint32_t>> rows = {
-        {'v', 'V', 'k', 'K'}, {'k', 'K', 'v', 'V'}, {Keysym::leftControl}, {Keysym::leftShift}, {Keysym::insert}, {0xFF7F}, {0xFE03}};
-    for (auto row : rows) {
-        row.resize(map.columns);
-        map.keysyms.insert(map.keysyms.end(), row.begin(), row.end());
-    }
-    map.modifiers = {11, 0, 8, 9, 10, 0, 0, 0, 13, 0, 0, 0, 0, 0, 0, 0};
-    return map;
-}
-
-TEST(KeyboardMapTest, FindsThePasteOfALayout) {
-    auto map = smallMap();
-    EXPECT_EQ(pasteChord(map, PasteShortcut::standard), (KeyChord{{10}, 8}));
-    EXPECT_EQ(pasteChord(map, PasteShortcut::terminal), (KeyChord{{10, 11}, 8}));
-    map.layout = 1;
-    EXPECT_EQ(pasteChord(map, PasteShortcut::standard), (KeyChord{{10}, 9}));
-    map.layout = 3;
-    EXPECT_EQ(pasteChord(map, PasteShortcut::standard), (KeyChord{{10}, 8})) << "another layout that has a v";
-    map.keysyms[0] = map.keysyms[6] = 0;
-    EXPECT_EQ(pasteChord(map, PasteShortcut::terminal), (KeyChord{{11}, 12})) << "Shift+Insert";
-    map.keysyms[16] = 0;
-    EXPECT_EQ(pasteChord(map, PasteShortcut::standard), std::nullopt);
-    EXPECT_EQ(KeyboardMap().keyFor(Keysym::v), std::nullopt);
-}
-
-TEST(KeyboardMapTest, WaitsForNoLocks) {
-    EXPECT_EQ(smallMap().heldModifiers(), (std::vector<std::uint8_t>{10, 11, 14}))
-        << "neither the row of Lock nor Num_Lock, but AltGr, which no row names";
-}
 
 Task<bool> pressWhenFree(PasteKey& key, PasteShortcut shortcut) {
     co_await key.awaitFreeKeyboard();

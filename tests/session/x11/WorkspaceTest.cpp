@@ -2,7 +2,6 @@
 
 #include "OwnServer.h"
 
-#include "platform/x11/ApplicationNames.h"
 #include "platform/x11/X11Workspace.h"
 #include "state/AppProfile.h"
 #include "support/CapturedLog.h"
@@ -12,18 +11,6 @@
 
 namespace querlin {
 namespace {
-
-TEST(ApplicationNamesTest, FindsByEachOfTheNamesOfAProgram) {
-    const ApplicationNames names({{"org.xfce.mousepad", "Texteditor", ""},
-                                  {"firefox-esr", "Firefox ESR", "firefox-esr"},
-                                  {"writer", "Writer", "libreoffice-writer"},
-                                  {"calc", "Calc", "libreoffice-calc"}});
-    EXPECT_EQ(names.ofIdentifier("org.xfce.Mousepad"), "Texteditor");
-    EXPECT_EQ(names.ofIdentifier("Mousepad"), "Texteditor");
-    EXPECT_EQ(names.ofIdentifier("Firefox-ESR"), "Firefox ESR");
-    EXPECT_EQ(names.ofIdentifier("libreoffice-calc"), "Calc");
-    EXPECT_EQ(names.ofIdentifier("unbekannt"), std::nullopt);
-}
 
 struct WorkspaceTest : testing::Test {
     CapturedLog log;
