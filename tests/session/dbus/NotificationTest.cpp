@@ -2,7 +2,6 @@
 
 #include "platform/dbus/DBusThread.h"
 #include "platform/dbus/DesktopNotifications.h"
-#include "platform/dbus/NotificationText.h"
 #include "support/CapturedLog.h"
 
 #include <gtest/gtest.h>
@@ -129,30 +128,6 @@ TEST(DesktopNotifications, AServiceThatHangsHoldsNobodyUp) {
         others.post("Nachher", "", answers.failure());
         return shown("summary") == "Nachher";
     }));
-}
-
-TEST(NotificationText, IsValidForTheBusWhateverIsInIt) {
-    using NotificationText::Markup;
-    struct Row {
-        std::string_view text;
-        std::string_view title;
-        std::string_view body;
-        std::string_view markup;
-    };
-    using namespace std::string_view_literals;
-    for (const auto& row : {
-             Row{"", "", "", ""},
-             Row{"A & <B> \"c\"", "A & <B> \"c\"", "A & <B> \"c\"", "A &amp; &lt;B&gt; \"c\""},
-             Row{"eins\r\nzwei\rdrei\nvier\n\nfünf", "eins zwei drei vier  fünf", "eins\nzwei\ndrei\nvier\n\nfünf",
-                 "eins\nzwei\ndrei\nvier\n\nfünf"},
-             Row{"a\0b\tc\x7F\u0085"sv, "ab c", "ab c", "ab c"},
-             Row{"\xFF\xC3", "\uFFFD\uFFFD", "\uFFFD\uFFFD", "\uFFFD\uFFFD"},
-             Row{"\uFDD0\U0010FFFF\uFFFC", "\uFFFD\uFFFD\uFFFC", "\uFFFD\uFFFD\uFFFC", "\uFFFD\uFFFD\uFFFC"},
-         }) {
-        EXPECT_EQ(NotificationText::title(row.text), row.title);
-        EXPECT_EQ(NotificationText::body(row.text, Markup::no), row.body);
-        EXPECT_EQ(NotificationText::body(row.text, Markup::yes), row.markup);
-    }
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include "platform/dbus/BusFileManager.h"
 #include "platform/dbus/DBusThread.h"
 #include "platform/dbus/DesktopSignals.h"
-#include "platform/dbus/SignalEchoes.h"
 #include "support/CapturedLog.h"
 
 #include <gtest/gtest.h>
@@ -140,19 +139,6 @@ TEST(DesktopSignals, TheLoginServiceAndItsBusMayComeBack) {
     EXPECT_EQ(log.countOf("Der Sitzungsbus"), 0U);
 }
 
-TEST(DesktopSignals, WithoutBusesThereIsNothingToWaitFor) {
-    const CapturedLog log;
-    const OwnBus system("DBUS_SYSTEM_BUS_ADDRESS");
-    const OwnBus session("DBUS_SESSION_BUS_ADDRESS");
-    const auto begin = std::chrono::steady_clock::now();
-    {
-        const Observed desktop;
-        EXPECT_TRUE(eventually([&] { return log.countOf("ist nicht erreichbar") == 2; }));
-    }
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
-    EXPECT_EQ(log.lines().size(), 2U);
-}
-
 TEST(BusFileManager, AMissingOneIsReported) {
     OwnBus session("DBUS_SESSION_BUS_ADDRESS");
     session.start();
@@ -165,18 +151,6 @@ TEST(BusFileManager, AMissingOneIsReported) {
     session.kill();
     files.show("file:///etc/hosts", [&] { ++failures; });
     EXPECT_TRUE(serveUntil(loop, [&] { return failures == 2; }));
-}
-
-TEST(SignalEchoes, AreTheSameWithinTwoSecondsUnlessForgotten) {
-    SignalEchoes echoes;
-    const auto at = [](int milliseconds) { return Instant(std::chrono::milliseconds(milliseconds)); };
-    EXPECT_TRUE(echoes.isNew(screenLocked, at(0)));
-    EXPECT_TRUE(echoes.isNew(sessionResigned, at(100)));
-    EXPECT_FALSE(echoes.isNew(screenLocked, at(1999)));
-    EXPECT_TRUE(echoes.isNew(screenLocked, at(2001))) << "counted from the one that was told";
-    echoes.forget(screenLocked);
-    EXPECT_TRUE(echoes.isNew(screenLocked, at(2100)));
-    EXPECT_FALSE(echoes.isNew(sessionResigned, at(2099)));
 }
 
 } // namespace

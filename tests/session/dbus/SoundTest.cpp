@@ -21,12 +21,6 @@ public:
         eventually([this] { return !heard().empty(); });
     }
 
-    /// In all samples so far, full scale 1.
-    double loudest() const {
-        double most = 0;
-        for (const auto sample : heard()) most = std::max(most, std::abs(sample / 32768.0));
-        return most;
-    }
     /// How many milliseconds have sound in them.
     int loudMilliseconds() const {
         const auto samples = heard();
@@ -54,7 +48,7 @@ private:
          "exec parec --device=lautsprecher.monitor --raw --format=s16le --rate=48000 --channels=1 --latency-msec=10 > " + file_.string()}};
 };
 
-TEST(PulseSoundPlayer, EachSoundIsHeardAndTwoAtOnceTogether) {
+TEST(PulseSoundPlayer, EachSoundIsHeard) {
     PulseSoundPlayer player(QUERLIN_SOUNDS);
     const Listener listener;
     int heard = 0;
@@ -64,31 +58,6 @@ TEST(PulseSoundPlayer, EachSoundIsHeardAndTwoAtOnceTogether) {
             << static_cast<int>(sound) << ": " << listener.loudMilliseconds() - heard;
         heard = listener.loudMilliseconds();
     }
-    EXPECT_LT(listener.loudest(), 0.35);
-    player.play(failure);
-    player.play(failure);
-    EXPECT_TRUE(eventually([&] { return listener.loudest() > 0.35; })) << "the same sound twice as loud";
-}
-
-TEST(PulseSoundPlayer, PlaysAsASoundOfAnEvent) {
-    TempFolder sounds;
-    auto wave = contentOf(std::filesystem::path(QUERLIN_SOUNDS) / "Funk.wav");
-    // Twenty seconds of silence in place of the sound.
-    const std::uint32_t length = 48000U * 2 * 20;
-    wave.resize(44);
-    std::memcpy(wave.data() + 40, &length, sizeof length);
-    wave.append(length, '\0');
-    writeFile(sounds / "Funk.wav", wave);
-    const CapturedLog log;
-    PulseSoundPlayer player(sounds.path());
-    player.play(start);
-    player.play(failure);
-    EXPECT_TRUE(eventually([] {
-        const auto inputs = shell("pactl list sink-inputs");
-        return inputs.contains("media.role = \"event\"") && inputs.contains("media.name = \"querlin-Funk\"") &&
-               inputs.contains("application.name = \"Querlin\"");
-    })) << shell("pactl list sink-inputs");
-    EXPECT_EQ(log.lines().size(), 2U) << "two sounds are missing";
 }
 
 TEST(PulseSoundPlayer, WithoutAServerThereIsSilenceUntilThereIsOne) {
