@@ -39,10 +39,8 @@ TEST_F(FieldsTest, OfGtkPrograms) {
     ASSERT_TRUE(becomes("Textfeld (Passwort): -"));
     shell("xdotool type geheim");
     const auto field = accessibility.focusedField().value();
-    const FieldRecord secret{.role = FieldRole::textField,
-                             .isPassword = true,
-                             .processIdentifier = dialog.id(),
-                             .text = std::unexpected(FieldFault::password)};
+    const FieldRecord secret{
+        .role = FieldRole::textField, .isPassword = true, .processIdentifier = dialog.id(), .text = std::unexpected(FieldFault::password)};
     EXPECT_TRUE(eventually([&] { return field->look(FieldLook::contents) == secret; })) << "neither text nor its length";
     EXPECT_TRUE(eventually([&] { return field->text({0, 6}) == std::unexpected(FieldFault::password); }));
 }
@@ -57,7 +55,7 @@ TEST_F(FieldsTest, OfGtk4) {
 
 /// Tab goes from one to the next; the last one is a button.
 constexpr auto qtFields = {"Textfeld: Zeile",   "Textfeld (Passwort): -", "Textbereich: erste\nzweite",
-                           "Textfeld: Auswahl", "unbekannt: nur lesen",           "unbekannt: -"};
+                           "Textfeld: Auswahl", "unbekannt: nur lesen",   "unbekannt: -"};
 
 TEST_F(FieldsTest, OfAQtProgram) {
     ASSERT_TRUE(eventually([&] { return accessibility.isAvailable(); }));
@@ -93,8 +91,8 @@ TEST_F(FieldsTest, OfAWebPage) {
                                                      "<input type=password value=geheim><textarea>Fläche</textarea>"
                                                      "<div contenteditable>frei</div><input readonly value=fest>"));
     ASSERT_TRUE(becomes("Textfeld: Eingabe", std::chrono::seconds(40)));
-    for (const auto* field : {"Textfeld (Suche): Suche", "Textfeld (Passwort): -", "Textbereich: Fläche",
-                              "Textbereich: frei", "unbekannt: fest"}) {
+    for (const auto* field :
+         {"Textfeld (Suche): Suche", "Textfeld (Passwort): -", "Textbereich: Fläche", "Textbereich: frei", "unbekannt: fest"}) {
         shell("xdotool key Tab");
         ASSERT_TRUE(becomes(field)) << field;
     }
@@ -108,31 +106,6 @@ TEST_F(FieldsTest, OfNobodyWithoutAWindowInFront) {
     EXPECT_EQ(blind.focusedField(), std::unexpected(FieldFault::noField));
     AtspiAccessibility elsewhere([] { return std::optional<std::int32_t>(1); });
     EXPECT_EQ(elsewhere.heardField(), std::unexpected(FieldFault::noField));
-}
-
-TEST(AtspiAccessibility, HintsOnceAtAProgramThatHidesItsTree) {
-    const Program fields({QUERLIN_QT_FIELDS}); // Qt asks at its start whether anybody wants to see it.
-    ASSERT_TRUE(eventually([] { return FieldsTest::activeWindow().has_value(); }));
-    const CapturedLog log;
-    AtspiAccessibility accessibility(&FieldsTest::activeWindow);
-    const auto isMissed = [&] { return accessibility.searchedField() == std::unexpected(FieldFault::noField); };
-    EXPECT_TRUE(eventually(isMissed));
-    EXPECT_TRUE(eventually(isMissed));
-    EXPECT_EQ(log.countOf("qt_fields (PID " + std::to_string(fields.id()) +
-                          ") zeigt seine Eingabefelder nicht – die Art seiner Felder bleibt unbekannt."),
-              1U);
-}
-
-TEST_F(FieldsTest, OfAWindowWithoutAnyAreHintedAt) {
-    ASSERT_TRUE(eventually([&] { return accessibility.isAvailable(); }));
-    const Program label({QUERLIN_QT_FIELDS, "no field"});
-    ASSERT_TRUE(eventually([] { return activeWindow().has_value(); }));
-    const auto isHinted = [&] {
-        AtspiAccessibility fresh(&FieldsTest::activeWindow); // One hint for each program; it may have come up only just now.
-        EXPECT_FALSE(fresh.isAvailable() && fresh.searchedField());
-        return log.countOf("zeigt kein Feld mit der Eingabemarke – die Art seiner Felder bleibt unbekannt.") == 1;
-    };
-    EXPECT_TRUE(eventually(isHinted));
 }
 
 } // namespace

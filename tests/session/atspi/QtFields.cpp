@@ -1,9 +1,8 @@
-// A window of Qt fields, for tests: Tab goes from one to the next. With an argument it shows that, and no field.
+// A window of Qt fields, for tests: Tab goes from one to the next.
 
 #include <QApplication>
 #include <QComboBox>
 #include <QFormLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -11,11 +10,6 @@
 
 int main(int count, char** arguments) {
     QApplication application(count, arguments);
-    if (count > 1) {
-        QLabel label(arguments[1]);
-        label.show();
-        return QApplication::exec();
-    }
     QWidget window;
     QFormLayout layout(&window);
     QLineEdit line("Zeile");
