@@ -2,7 +2,6 @@
 
 #include "desktop/ClipboardInserter.h"
 #include "desktop/ContextDetector.h"
-#include "desktop/CorrectionWatcher.h"
 #include "foundation/ThreadPool.h"
 #include "platform/atspi/AtspiAccessibility.h"
 #include "platform/x11/X11Clipboard.h"
@@ -36,27 +35,15 @@ private:
 
 /// What a user may have copied from an office program: text, private forms, numbers of 32 bits, a picture.
 ClipboardSnapshot richClipboard() {
-    ClipboardSnapshot::Item item;
-    for (int i = 0; i < 18; ++i)
-        item.push_back(
-            {fmt::format("application/x-office-{}", i), std::string(100U + 977U * static_cast<unsigned>(i), static_cast<char>(i)), ""});
-    item.push_back({"UTF8_STRING", "Äpfel 👍🏽", ""});
-    item.push_back({"text/html", "<b>Äpfel</b>", ""});
-    item.push_back({"application/x-nul", std::string("\0a\0\xFF", 4), ""});
-    item.push_back({"image/png", std::string(700'000, '\x89'), ""});
-    return {{std::move(item)}};
-}
-
-/// All forms with what tells their bytes from others, in short.
-std::map<std::string, std::string> summary(const ClipboardSnapshot& snapshot) {
-    std::map<std::string, std::string> forms;
-    for (const auto& item : snapshot.items) {
-        for (const auto& data : item)
-            forms[data.type] = data.bytes.size() < 50
-                                   ? data.bytes
-                                   : fmt::format("{} bytes, {:x}", data.bytes.size(), std::hash<std::string>()(data.bytes));
+    ClipboardSnapshot::Item item = {{"UTF8_STRING", "Äpfel 👍🏽", "UTF8_STRING/8"},
+                                    {"text/html", "<b>Äpfel</b>", "text/html/8"},
+                                    {"application/x-nul", std::string("\0a\0\xFF", 4), "application/x-nul/8"},
+                                    {"image/png", std::string(700'000, '\x89'), "image/png/8"}};
+    for (unsigned i = 0; i < 18; ++i) {
+        const auto type = fmt::format("application/x-office-{}", i);
+        item.push_back({type, std::string(100U + 977U * i, static_cast<char>(i)), type + "/8"});
     }
-    return forms;
+    return {{std::move(item)}};
 }
 
 struct InsertionTest : testing::Test {
@@ -94,8 +81,7 @@ struct InsertionTest : testing::Test {
         const auto record = field ? (*field)->look(FieldLook::contents) : std::unexpected(field.error());
         return record && record->text ? std::optional(*record->text) : std::nullopt;
     }
-    std::map<std::string, std::string> copied() { return summary(await(loop, user.capture())); }
-    std::string copiedText() { return copied()["UTF8_STRING"]; }
+    ClipboardSnapshot copied() { return await(loop, user.capture()); }
     std::expected<Outcome, InsertError> insert(std::string text) { return await(loop, inserter.insert(std::move(text))); }
 };
 
@@ -107,7 +93,7 @@ TEST_F(InsertionTest, ReachesEditorsAndGivesTheWholeClipboardBack) {
         const auto before = fieldText().value_or("");
         EXPECT_EQ(insert(text), Outcome::inserted);
         EXPECT_EQ(fieldText(), before + text);
-        EXPECT_EQ(copied(), summary(rich));
+        EXPECT_EQ(copied(), rich);
     }
     const auto letter = std::string(4001, 'x') + " Ende";
     EXPECT_EQ(insert(letter), Outcome::inserted);
@@ -121,7 +107,7 @@ TEST_F(InsertionTest, LosesNothingWhenTheFocusMovesBeforeThePaste) {
     const auto moves = loop.after(std::chrono::milliseconds(5), [] { shell("xdotool search --name '^Target$' windowactivate --sync"); });
     EXPECT_EQ(insert("Diktat"), Outcome::notInserted) << "the field that was looked at is as it was";
     EXPECT_EQ(contentOf(file), "Diktat\n");
-    EXPECT_EQ(copiedText(), "Diktat") << "and it can be pasted by hand";
+    EXPECT_EQ(shell("xclip -selection clipboard -o"), "Diktat") << "and it can be pasted by hand";
 }
 
 TEST_F(InsertionTest, GivesALateTargetTheTextAndTheUserTheClipboard) {
@@ -132,7 +118,7 @@ TEST_F(InsertionTest, GivesALateTargetTheTextAndTheUserTheClipboard) {
         const auto target = open({QUERLIN_TARGET, fmt::format("{}", delay), file}, std::nullopt);
         EXPECT_EQ(insert("Diktat"), Outcome::unconfirmed) << delay;
         EXPECT_EQ(contentOf(file), "Diktat\n") << delay;
-        EXPECT_EQ(copied(), summary(rich)) << delay;
+        EXPECT_EQ(copied(), rich) << delay;
     }
 }
 
@@ -156,19 +142,6 @@ TEST_F(InsertionTest, UsesTheKeysOfATerminal) {
     (void)insert("Guten Tag");
     shell("xdotool key Return");
     EXPECT_TRUE(eventually([&] { return contentOf(file) == "Guten Tag\n"; })) << contentOf(file);
-}
-
-TEST_F(InsertionTest, ProposesAWordThatIsCorrectedInARealEditor) {
-    CorrectionWatcher watcher(Runtime{hasty, clock, pool}, permissions, accessibility);
-    std::vector<std::string> suggestions;
-    watcher.setOnSuggestion([&](const CorrectionSuggestion& s) { suggestions.push_back(s.recognized + "→" + s.corrected); });
-    const auto editor = open({"mousepad", "--disable-server"}, FieldKind::multiLine);
-    EXPECT_EQ(insert("Frau Meier wohnt in Köln"), Outcome::inserted);
-    watcher.watch("Frau Meier wohnt in Köln", "Mousepad");
-    shell("xdotool key --delay 20 Home ctrl+Right ctrl+Right ctrl+shift+Left type --delay 20 Mayer");
-    EXPECT_TRUE(serveUntil(loop, [&] { return !suggestions.empty(); })) << fieldText().value_or("");
-    serve(loop, seconds(1));
-    EXPECT_EQ(suggestions, std::vector<std::string>{"Meier→Mayer"});
 }
 
 } // namespace
