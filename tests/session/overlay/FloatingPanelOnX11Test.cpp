@@ -43,7 +43,6 @@ protected:
     void SetUp() override {
         if (!isInVirtualDesktop()) GTEST_SKIP() << "needs tools/virtual-desktop";
         qtApplication();
-        shell("xsetroot -solid '#00ff00'");
         openEditor();
     }
     /// A window at a known place, with the focus.
@@ -66,7 +65,6 @@ protected:
 
     /// Of the panel on the desktop's one screen of 1280 x 800.
     const QPoint middle{640, 800 - OverlayMetrics::bottomInset - OverlayMetrics::compactHeight / 2};
-    const QPoint corner{420, 800 - OverlayMetrics::bottomInset - OverlayMetrics::compactHeight};
     X11Surfaces surfaces;
     std::optional<Program> editor;
 };
@@ -96,14 +94,6 @@ TEST_F(FloatingPanelOnX11Test, the_overlay_is_above_a_window_that_fills_the_scre
     panel.orderOut();
     EXPECT_TRUE(until([this] { return onScreen(middle) != ours; }));
     EXPECT_TRUE(show(panel)) << "again, with the same window";
-}
-
-/// What is outside of the rounded corner is what is behind the panel, and never black.
-TEST_F(FloatingPanelOnX11Test, corners_are_round_without_a_compositor) {
-    FloatingPanel panel(new Block, FloatingPanel::Behaviour::onlyShows, QStringLiteral("Querlin Overlay"), surfaces);
-    editor.reset();
-    ASSERT_TRUE(show(panel));
-    EXPECT_TRUE(until([this] { return onScreen(corner) == QColor(0, 255, 0); }));
 }
 
 /// A question can be answered by a click and by the keyboard, but doesn't take the focus when it comes.
