@@ -82,10 +82,6 @@ protected:
         QCoreApplication::processEvents(); // The toolkit answers before it acts.
     }
 
-    static QMenu* openMenu() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
-    static bool has(const QMenu& menu, const std::string& title) {
-        return std::ranges::any_of(menu.actions(), [&](const auto* action) { return action->text() == Brand::text(title); });
-    }
     QtMainQueue queue;
     DBusThread buses;
     NotifierHostWatch panels{queue, buses};
@@ -97,40 +93,7 @@ protected:
         if (!isInstalled("trayer")) GTEST_SKIP() << "trayer is not installed";
         TrayItemTest::SetUp();
     }
-    /// Clicks until the menu is there: an icon that has just been embedded may miss one.
-    static QMenu* click(int button) {
-        until([&] {
-            shell(fmt::format("xdotool mousemove --window {} 8 8 click {}", embedded(), button));
-            return until([] { return openMenu() != nullptr; }, seconds(1));
-        });
-        return openMenu();
-    }
 };
-
-TEST_F(SystemTrayTest, a_menu_that_is_open_stays_and_follows_the_dictation) {
-    const auto tray = startTrayer();
-    makeItem();
-    ASSERT_TRUE(isEmbedded());
-    ASSERT_NE(click(1), nullptr) << "either button opens it";
-    shell("xdotool key Escape");
-    ASSERT_TRUE(until([] { return !openMenu(); }));
-    auto* menu = click(3);
-    ASSERT_NE(menu, nullptr);
-    world.press();
-    EXPECT_EQ(openMenu(), menu);
-    EXPECT_TRUE(has(*menu, "Aufnahme stoppen"));
-    world.wait(seconds(2));
-    windows.showEnhancementFailureNotice("Etwas fehlt");
-    for (const QAction* active = nullptr; !active || active->text() != QStringLiteral("Aufnahme stoppen");) {
-        const auto* before = active;
-        shell("xdotool key Down");
-        ASSERT_TRUE(until([&] { return menu->activeAction() != before; }));
-        active = menu->activeAction();
-    }
-    shell("xdotool key Return");
-    EXPECT_TRUE(until([&] { return world.phase() == DictationPhase::Kind::transcribing; })) << "stopped from the open menu";
-    EXPECT_EQ(openMenu(), nullptr);
-}
 
 TEST_F(SystemTrayTest, trays_come_and_go) {
     makeItem();
