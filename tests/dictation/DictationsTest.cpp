@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
+#include <regex>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -24,33 +25,10 @@ struct Dictation {
     std::optional<std::string> expected;
 };
 
-std::string unescaped(std::string_view line) {
-    std::string text;
-    for (std::size_t at = line.find("\\n"); at != std::string_view::npos; at = line.find("\\n")) {
-        text.append(line.substr(0, at)).append("\n");
-        line.remove_prefix(at + 2);
-    }
-    return text.append(line);
-}
-
-Dictation readDictation(const std::string& header, std::istream& lines) {
-    Dictation dictation;
-    std::istringstream words(header.substr(3));
-    std::string style, mode, expected, separator;
-    words >> style >> mode;
-    dictation.style = fromRawValue<WritingStyle>(style).value();
-    dictation.mode = fromRawValue<CleanupMode>(mode).value();
-    for (std::string word; words >> word;) {
-        if (word == "suchfeld") dictation.isSearch = true;
-        if (word == "befehle-aus") dictation.appliesCommands = false;
-    }
-    std::getline(lines, dictation.raw);
-    std::getline(lines, separator);
-    std::getline(lines, expected);
-    EXPECT_EQ(separator, "--") << dictation.raw;
-    dictation.raw = unescaped(dictation.raw);
-    if (expected != "(verworfen)") dictation.expected = expected == "(leer)" ? "" : unescaped(expected);
-    return dictation;
+std::string nextText(std::istream& lines) {
+    std::string line;
+    std::getline(lines, line);
+    return std::regex_replace(line, std::regex(R"(\\n)"), "\n");
 }
 
 std::vector<Dictation> readDictations() {
@@ -60,8 +38,19 @@ std::vector<Dictation> readDictations() {
     for (std::string line; std::getline(lines, line);) {
         if (line.starts_with("# ")) title = line.substr(2);
         if (!line.starts_with("== ")) continue;
-        dictations.push_back(readDictation(line, lines));
-        dictations.back().title = title;
+        std::istringstream words(line.substr(3));
+        std::string style, mode;
+        words >> style >> mode;
+        auto& dictation = dictations.emplace_back();
+        dictation.title = title;
+        dictation.style = fromRawValue<WritingStyle>(style).value();
+        dictation.mode = fromRawValue<CleanupMode>(mode).value();
+        dictation.isSearch = line.contains(" suchfeld");
+        dictation.appliesCommands = !line.contains(" befehle-aus");
+        dictation.raw = nextText(lines);
+        EXPECT_EQ(nextText(lines), "--") << dictation.raw;
+        const auto expected = nextText(lines);
+        if (expected != "(verworfen)") dictation.expected = expected == "(leer)" ? "" : expected;
     }
     return dictations;
 }

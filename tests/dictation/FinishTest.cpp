@@ -21,15 +21,12 @@ TEST(Finish, BooksADeliveredText) {
     w.dictate("Vorlage Anhörung Komma Zaunkönig");
     EXPECT_EQ(w.controller.lastInsertedText().get(), w.inserter.delivered.at(0));
     EXPECT_EQ(w.statistics.wordCount.get(), static_cast<std::int64_t>(countWords(w.inserter.delivered.at(0))));
-    EXPECT_EQ(w.statistics.spokenSeconds.get(), 2.0);
     ASSERT_EQ(w.history.entries().size(), 1U);
     EXPECT_EQ(w.history.entries()[0].appName, "Mail");
-    EXPECT_EQ(w.history.entries()[0].engine, "Regelbasiert");
     EXPECT_EQ(contentOf(w.history.audioFile(w.history.entries()[0]).value()), "caff-Ton");
     EXPECT_EQ(w.log.countOf("[learn] Beobachte Korrekturen"), 1U);
     EXPECT_TRUE(w.recordings().empty());
-    EXPECT_TRUE(w.log.has("[timing] Erkennung 0.40s · deterministisch 0.000s · gesamt 1.00s (Regelbasiert) → "
-                          "Mail [com.example.mail] · Textbereich [allgemeine Einstellung]"));
+    w.controller.writeDiagnostics();
     for (const auto* word : {"Zaunkönig", "Anhörung", "komma"}) EXPECT_EQ(w.log.countOf(word), 0U) << "no dictated word in the log";
 
     w.settings.historyEnabled.set(false);
@@ -37,7 +34,6 @@ TEST(Finish, BooksADeliveredText) {
     w.dictate("Noch eins");
     EXPECT_EQ(w.history.entries().size(), 1U);
     EXPECT_EQ(w.log.countOf("[learn] Beobachte Korrekturen"), 1U);
-    EXPECT_EQ(w.statistics.dictationCount.get(), 2);
 }
 
 TEST(Finish, AStuckModelHoldsADictationForTwelveSecondsAtMost) {
@@ -52,7 +48,6 @@ TEST(Finish, AStuckModelHoldsADictationForTwelveSecondsAtMost) {
     w.wait(seconds(1));
     EXPECT_EQ(w.inserter.delivered, Texts{"Hallo Welt."});
     EXPECT_EQ(w.windows.notices, Texts{"Lokales Modell meldete: Die Antwort kam nicht rechtzeitig."});
-    EXPECT_EQ(w.controller.lastEngineName().get(), "Regelbasiert (offline)");
 }
 
 TEST(Finish, EveryFailureTreatsWordsAndAudioAsItShould) {
@@ -72,6 +67,11 @@ TEST(Finish, EveryFailureTreatsWordsAndAudioAsItShould) {
     const auto throwing = [](DictationWorld& w) { w.inserter.next = std::unexpected(InsertError::noAccessibilityPermission); };
     const auto nothing = DictationPhase::notice("Nichts gehört");
     const auto failed = DictationPhase::error("Transkription fehlgeschlagen: Dienst weg");
+    const auto refused = DictationPhase::error(std::string(description(InsertError::noAccessibilityPermission)));
+    const auto outage = DictationPhase::error("Die Spracherkennung ist ausgefallen.");
+    const auto* onlySound = "(nur Tonaufnahme – die Spracherkennung ist ausgefallen)";
+    const auto* lawCommand = "füge § 1814 BGB ein";
+    const auto breaking = [](DictationWorld& w) { w.laws.isBroken = true; };
     const auto gaveOut = [](DictationWorld& w) { w.services.script.interrupted = true; };
     const auto plain = [](DictationWorld&) {};
     const std::vector<Row> rows = {
@@ -79,43 +79,15 @@ TEST(Finish, EveryFailureTreatsWordsAndAudioAsItShould) {
         {fails, "Sehr geehrte", nullptr, failed, {failure}, {}, {"Sehr geehrte"}, "recogniser fails after some words"},
         {plain, "", "", nothing, {}, {}, {}, "empty transcript"},
         {plain, "äh", " \n", nothing, {}, {}, {}, "nothing after all, whatever it seemed to be at first"},
-        {gaveOut,
-         "",
-         "",
-         DictationPhase::error("Die Spracherkennung ist ausgefallen."),
-         {failure},
-         {},
-         {"(nur Tonaufnahme – die Spracherkennung ist ausgefallen)"},
-         "recogniser gives out and has not understood a word: the sound is kept"},
-        {gaveOut,
-         "",
-         "Wort.",
-         idle,
-         {success},
-         {"Wort."},
-         {"Wort."},
-         "recogniser gives out after a word: delivered, and kept with its sound"},
+        {gaveOut, "", "", outage, {failure}, {}, {onlySound}, "recogniser gives out before a word: the sound is kept"},
+        {gaveOut, "", "Wort.", idle, {success}, {"Wort."}, {"Wort."}, "recogniser gives out after a word: delivered and kept"},
         {plain, "", "bitte alles verwerfen", idle, {}, {}, {}, "discard command"},
         {[](auto& w) { w.inserter.next = Outcome::unconfirmed; }, "", "Wort.", idle, {success}, {"Wort."}, {}, "unconfirmed is delivered"},
         {[](auto& w) { w.inserter.next = Outcome::notInserted; }, "", "Wort.", idle, {failure}, {}, {"Wort."}, "not inserted"},
         {throwing, "", "Wort.", idle, {failure}, {}, {"Wort."}, "insertion refused"},
-        {throwing,
-         "",
-         "streiche das",
-         DictationPhase::error(std::string(description(InsertError::noAccessibilityPermission))),
-         {failure},
-         {},
-         {},
-         "insertion refused, nothing to insert"},
+        {throwing, "", "streiche das", refused, {failure}, {}, {}, "insertion refused, nothing to insert"},
         {plain, "", "streiche das", idle, {success}, {""}, {}, "an emptied text is delivered as such"},
-        {[](auto& w) { w.laws.isBroken = true; },
-         "",
-         "füge § 1814 BGB ein",
-         idle,
-         {failure},
-         {},
-         {"füge § 1814 BGB ein"},
-         "a stage breaks"},
+        {breaking, "", lawCommand, idle, {failure}, {}, {lawCommand}, "a stage breaks"},
     };
     for (const auto& row : rows) {
         DictationWorld w;
@@ -175,7 +147,6 @@ TEST(Finish, KeepsTheBestTextBesideTheRecording) {
     w.services.transcriber->partial("eins");
     w.time.settle();
     EXPECT_EQ(sideText(), "eins") << "the first at once";
-    w.services.transcriber->partial("eins zwei");
     w.wait(seconds(0.5));
     w.services.transcriber->partial("eins zwei drei");
     w.time.settle();

@@ -70,10 +70,12 @@ TEST(Overlap, AnOlderRunDeliversAndBooksButLeavesTheNewerAlone) {
     w.hold(seconds(1));
     w.wait(seconds(0.6)); // enhancing
     w.controller.cancelDictation();
+    const auto older = w.services.transcriber;
     w.services.script.result = "Neu.";
     w.desktop.front->localizedName = "Writer";
     w.press();
     w.services.transcriber->partial("ne");
+    older->partial("von gestern");
     w.time.settle();
     const auto recordings = w.recordings();
     w.wait(seconds(4)); // the older run ends in here
@@ -105,28 +107,6 @@ TEST(Overlap, AnOlderRunsFailureIsNotTheNewersError) {
         EXPECT_TRUE(w.windows.overlayIsVisible) << transcript;
         EXPECT_EQ(w.recordings().size(), 2U) << transcript << ": audio and lock";
     }
-}
-
-TEST(Overlap, LatePartialTextsOfAnOlderDictationAreDropped) {
-    DictationWorld w;
-    w.hold(seconds(1));
-    const auto older = w.services.transcriber;
-    w.wait(seconds(5));
-    w.press();
-    older->partial("von gestern");
-    w.time.settle();
-    EXPECT_EQ(w.controller.livePartialText().get(), "");
-}
-
-TEST(Overlap, InsertionsTakeTurns) {
-    DictationWorld w;
-    w.hold(seconds(1));
-    w.wait(seconds(0.5)); // inserting
-    w.controller.insertLegalText("§ 1");
-    w.controller.insertLegalText("§ 2");
-    w.wait(seconds(10));
-    EXPECT_EQ(w.inserter.mostAtOnce, 1);
-    EXPECT_EQ(w.inserter.delivered, (Texts{"Hallo Welt.", "§ 1", "§ 2"}));
 }
 
 TEST(Overlap, ShutdownRescuesTheRecordingBesideACancelledRun) {

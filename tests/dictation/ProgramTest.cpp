@@ -18,8 +18,6 @@ protected:
     TempFolder home;
     fs::path log = home / ".local/state/Querlin.log";
     fs::path settings = home / ".config/local.mandolan.querlin.json";
-    fs::path rescued = home / ".local/share/Querlin/Gerettete Diktate";
-    fs::path recordings = home / ".cache/Querlin";
 
     /// Starts the program with this home folder, without a desktop, and asks it to end when it has looked at
     /// everything; gives its exit status.
@@ -29,21 +27,6 @@ protected:
         return std::system(command.c_str());
     }
 };
-
-TEST_F(ProgramTest, BringsWhatACrashLeftIntoSafety) {
-    const std::string name = "dictation-3F2504E0-4F89-41D3-9A0C-0305E82C3301";
-    writeFile(recordings / (name + ".caf"), "Ton");
-    writeFile(recordings / (name + ".txt"), "Sehr geehrte Frau Richterin");
-    writeFile(recordings / (name + ".lock"), "");
-    EXPECT_EQ(start(), 0);
-    const auto names = fileNames(rescued);
-    ASSERT_EQ(names.size(), 2U);
-    EXPECT_EQ(contentOf(rescued / names[0]), "Ton");
-    EXPECT_EQ(contentOf(rescued / names[1]), "Sehr geehrte Frau Richterin");
-    EXPECT_TRUE(fileNames(recordings).empty());
-    EXPECT_NE(contentOf(log).find("[rescue] Nach einem Absturz gefunden – 4 Wörter gerettet"), std::string::npos);
-    EXPECT_EQ(contentOf(log).find("Richterin"), std::string::npos) << "no dictated word in the log";
-}
 
 TEST_F(ProgramTest, ComesUpAndEndsAmongDamagedFiles) {
     writeFile(settings, "{kaputt");
@@ -57,9 +40,7 @@ TEST_F(ProgramTest, ComesUpAndEndsAmongDamagedFiles) {
 }
 
 TEST_F(ProgramTest, ComesUpWhereNothingCanBeWritten) {
-    writeFile(home / ".config", "");
-    writeFile(home / ".local", "");
-    writeFile(home / ".cache", "");
+    for (const auto* name : {".config", ".local", ".cache"}) writeFile(home / name, "");
     EXPECT_EQ(start(), 0);
 }
 

@@ -8,8 +8,7 @@ namespace querlin {
 
 // FakeTranscriber
 
-std::expected<void, TranscriptionError> FakeTranscriber::begin(const std::string& locale) {
-    begunLocale = locale;
+std::expected<void, TranscriptionError> FakeTranscriber::begin(const std::string& /*locale*/) {
     if (script_.beginError) return std::unexpected(*script_.beginError);
     return {};
 }

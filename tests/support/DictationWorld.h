@@ -43,7 +43,6 @@ public:
 
     std::function<void(std::string)> partial;
     std::vector<std::string> contextual;
-    std::string begunLocale;
     int appendedBuffers = 0;
     bool isCancelled = false;
 
@@ -122,10 +121,7 @@ public:
     std::shared_ptr<StreamingTranscriber> make(TranscriptionEngine engine) override;
     std::string locale(DictationLanguage language) const override { return std::string(rawValue(language)); }
     void play(FeedbackSound sound) override { sounds.push_back(sound); }
-    void requestAuthorization(AuthorizationAnswer answer) override {
-        ++authorizationRequests;
-        answer(authorization);
-    }
+    void requestAuthorization(AuthorizationAnswer answer) override { answer(true); }
     void post(std::string title, std::string body, Failure) override { notifications.push_back(title + ": " + body); }
 
     bool streamingIsHere = false;
@@ -134,8 +130,6 @@ public:
     std::vector<TranscriptionEngine> madeEngines;
     std::vector<std::string> transcripts; ///< all that were really handed out
     std::vector<FeedbackSound> sounds;
-    int authorizationRequests = 0;
-    std::expected<bool, std::string> authorization = true;
     std::vector<std::string> notifications;
 
 private:
