@@ -27,13 +27,12 @@ public:
     std::string instructions;
     ModelQuestion asked; ///< the last one
     int sessions = 0;
-    int prewarmed = 0;
     int cancelled = 0;
 
 private:
     struct Session final : LanguageModelSession {
         explicit Session(FakeLanguageModel& owner) : model(owner) {}
-        void prewarm() override { ++model.prewarmed; }
+        void prewarm() override {}
         void cancel() override { ++model.cancelled; }
         Task<Answer> respond(ModelQuestion question) override {
             model.asked = question;
