@@ -6,7 +6,6 @@ namespace querlin {
 
 Registration FakeHoldKey::listen(const HotkeyConfig& newlyWanted, Handler handler) {
     if (!canListen) return {};
-    ++listened;
     wanted = newlyWanted;
     handler_ = std::move(handler);
     return Registration([this] { handler_ = nullptr; });

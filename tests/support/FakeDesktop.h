@@ -33,7 +33,6 @@ public:
     bool canListen = true;
     bool seesOtherKeys = true;
     HotkeyConfig wanted;
-    int listened = 0; ///< how often
 
 private:
     const Clock& clock_;
@@ -48,12 +47,11 @@ public:
     void requestMicrophone(Answer answer) override { answer(microphone == AuthorizationStatus::authorized); }
     void requestSpeech(Answer answer) override { answer(speech == AuthorizationStatus::authorized); }
     bool requestTrust() override { return trusted; }
-    void openSettings(std::string_view pane) override { openedPanes.emplace_back(pane); }
+    void openSettings(std::string_view /*pane*/) override {}
 
     AuthorizationStatus microphone = AuthorizationStatus::authorized;
     AuthorizationStatus speech = AuthorizationStatus::authorized;
     bool trusted = true;
-    std::vector<std::string> openedPanes;
 };
 
 /// A field that is what its record says; its text is handed out only where the contents are asked for.
