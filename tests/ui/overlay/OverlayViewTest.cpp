@@ -72,12 +72,5 @@ TEST_F(OverlayViewTest, what_is_unknown_or_switched_off_is_left_out) {
     EXPECT_TRUE(hasLevelMeter()) << "at once, in mid-recording";
 }
 
-TEST_F(OverlayViewTest, a_screen_reader_gets_the_level_in_words) {
-    auto* accessible = QAccessible::queryAccessibleInterface(meter());
-    ASSERT_NE(accessible, nullptr);
-    meter()->setLevel(0.429);
-    EXPECT_EQ(accessible->text(QAccessible::Name) + accessible->text(QAccessible::Value), QStringLiteral("Eingangspegel42 Prozent"));
-}
-
 } // namespace
 } // namespace querlin

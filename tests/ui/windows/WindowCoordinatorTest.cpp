@@ -42,7 +42,6 @@ TEST_F(WindowCoordinatorTest, there_is_one_window_of_each_kind_and_it_comes_back
         show();
         EXPECT_EQ(windowsNamed(title), first) << title << ": a second call brings it forward";
         first[0]->close();
-        EXPECT_TRUE(windowsNamed(title).empty());
         show();
         EXPECT_EQ(windowsNamed(title), first) << title << ": the same window";
         first[0]->close();
@@ -64,17 +63,12 @@ TEST_F(WindowCoordinatorTest, the_end_of_the_setup_tries_the_key_again) {
 }
 
 TEST_F(WindowCoordinatorTest, a_notice_stays_thirty_seconds) {
-    windows.clearNotice(); // Without one.
     windows.showEnhancementFailureNotice("Erster");
     world.wait(seconds(29));
     windows.showEnhancementFailureNotice("Zweiter");
     world.wait(seconds(29));
     EXPECT_EQ(windows.lastNotice().get(), "Zweiter") << "with thirty seconds of its own";
     world.wait(seconds(1));
-    EXPECT_EQ(windows.lastNotice().get(), std::nullopt);
-
-    windows.showEnhancementFailureNotice("Dritter");
-    windows.clearNotice();
     EXPECT_EQ(windows.lastNotice().get(), std::nullopt);
 }
 
@@ -97,7 +91,7 @@ TEST_F(WindowCoordinatorTest, a_corrected_word_is_learnt_by_a_click_and_not_othe
     press("Übernehmen");
     EXPECT_TRUE(suggested().empty());
     EXPECT_EQ(world.settings.userDictionary.get(), std::vector<std::string>{"Mayer"});
-    EXPECT_FALSE(world.log.has("Mayer"));
+    EXPECT_EQ(world.log.countOf("Mayer"), 0U);
 }
 
 } // namespace
