@@ -189,12 +189,6 @@ TEST_F(SettingsTest, AFileThatCanNeitherBeReadNorMovedIsNeverWrittenOver) {
     }
 }
 
-TEST_F(SettingsTest, NoneRemovesTheKey) {
-    auto store = givenStore(R"({"inputDeviceUID":"usb"})");
-    AppSettings(store).inputDeviceUID.set(std::nullopt);
-    EXPECT_FALSE(store.contains("inputDeviceUID"));
-}
-
 TEST_F(SettingsTest, UserTermsAreTrimmedUniqueAndSorted) {
     auto store = givenStore("{}");
     AppSettings settings(store);

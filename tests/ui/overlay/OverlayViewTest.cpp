@@ -62,15 +62,5 @@ TEST_F(OverlayViewTest, shows_what_the_controller_publishes) {
     EXPECT_EQ(texts(), Texts({"Bereit", "Bereit"})) << "text from before isn't shown at rest";
 }
 
-TEST_F(OverlayViewTest, what_is_unknown_or_switched_off_is_left_out) {
-    world.settings.contextAwareStyle.set(false);
-    world.settings.showLevelMeter.set(false);
-    world.press();
-    EXPECT_EQ(texts(), Texts({"Aufnehmen", "Sprechen Sie – Taste loslassen zum Beenden", "0:00"}));
-    EXPECT_FALSE(hasLevelMeter());
-    world.settings.showLevelMeter.set(true);
-    EXPECT_TRUE(hasLevelMeter()) << "at once, in mid-recording";
-}
-
 } // namespace
 } // namespace querlin
