@@ -93,6 +93,15 @@ TEST(Controller, APressDuringAMessageStartsADictation) {
     }
 }
 
+TEST(Controller, AMessageHasItsOwnTime) {
+    DictationWorld w;
+    w.access.microphone = AuthorizationStatus::denied;
+    w.hold(seconds(1));
+    w.wait(seconds(1));
+    w.hold(seconds(0.8)); // The first error's time ends in here.
+    EXPECT_EQ(w.phase(), Kind::error) << "the second one";
+}
+
 TEST(Controller, AHoldBelowTheMinimumLeavesNothing) {
     DictationWorld w;
     w.hold(seconds(0.34));
