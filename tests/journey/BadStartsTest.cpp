@@ -44,11 +44,11 @@ TEST_F(BadStarts, WithoutASoundServerAndOneThatComesLater) {
     EXPECT_TRUE(overlayGoes());
     expectNothingKept();
     const auto server = soundServerAt(socket, folder / "ton.pa");
-    const auto editor = openEditor();
-    const Spoken spoken(sentence);
     ASSERT_TRUE(eventually([&] { return isRecordingAfterAPress(); }));
-    spoken.play();
     release();
+    EXPECT_TRUE(overlayGoes()) << "nobody has spoken";
+    const auto editor = openEditor(); // Only now: a press that is refused brings the setup window to the front.
+    dictate(sentence);
     expectDelivered(inTheEditor, written);
 }
 

@@ -92,6 +92,7 @@ TEST_F(RecogniserProcessTest, TellsWhyAHelperIsOfNoUse) {
     const auto copy = [&](const char* name, const char* damaged, std::uintmax_t sizeInBytes) {
         fs::copy(QUERLIN_STARTER_MODEL, folder / name);
         fs::resize_file(folder / name / damaged, sizeInBytes);
+        if (sizeInBytes == 0) fs::remove(folder / name / damaged);
         return (folder / name).string();
     };
     writeFile(folder / "kein Programm", "Text");
