@@ -61,7 +61,7 @@ TEST_F(ClassicRecognitionTest, ALongDictationCostsNoMoreThanAShortOne) {
         said += " " + said;
     }
     EXPECT_EQ(hear(engine, dictation).error, "");
-    const auto memory = helperMemoryInKilobytes();
+    [[maybe_unused]] const auto memory = helperMemoryInKilobytes();
     Recognition run(engine);
     for (int i = 0; i < 3; ++i) run.play(dictation);
     ASSERT_TRUE(run.listener.waitFor([&](const Heard& heard) { return heard.text.size() > said.size() * 27 / 10; }));
